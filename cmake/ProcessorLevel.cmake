@@ -1,0 +1,35 @@
+# The processor level of the build and the compiler flags of each level.
+#
+#   px portable   a6 SSE   w7 SSE2   t7 SSE3
+#
+# A build has one level. A kernel file named *_a6.cpp, *_w7.cpp or *_t7.cpp is compiled with exactly the flags of its own
+# level and takes part in builds of that level and above; every other file is compiled with the flags of the build's level.
+
+set(ZPPSC_LEVELS px a6 w7 t7)
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|i[3-6]86)$")
+  set(_default t7)
+else()
+  set(_default px)
+endif()
+set(ZPPSC_LEVEL ${_default} CACHE STRING "Processor level: px, a6, w7 or t7")
+set_property(CACHE ZPPSC_LEVEL PROPERTY STRINGS ${ZPPSC_LEVELS})
+list(FIND ZPPSC_LEVELS "${ZPPSC_LEVEL}" ZPPSC_LEVEL_INDEX)
+if(ZPPSC_LEVEL_INDEX EQUAL -1)
+  message(FATAL_ERROR "ZPPSC_LEVEL is '${ZPPSC_LEVEL}'; it must be one of: ${ZPPSC_LEVELS}")
+endif()
+
+if(_default STREQUAL px)
+  set(ZPPSC_FLAGS_px "")
+elseif(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  # Callers built for the old i386 ABI enter with the stack aligned to 4 bytes: realign it wherever SSE needs more.
+  set(ZPPSC_FLAGS_px -march=i686 -mtune=generic -mstackrealign)
+  set(ZPPSC_FLAGS_a6 ${ZPPSC_FLAGS_px} -msse -mfpmath=sse -mno-sse2)
+  set(ZPPSC_FLAGS_w7 ${ZPPSC_FLAGS_px} -msse2 -mfpmath=sse -mno-sse3)
+  set(ZPPSC_FLAGS_t7 ${ZPPSC_FLAGS_px} -msse3 -mfpmath=sse -mno-ssse3)
+else()
+  # SSE2 is part of the x86-64 ABI, so the lower levels differ in the kernels they link, not in flags.
+  set(ZPPSC_FLAGS_px -march=x86-64 -mtune=generic -mno-sse3)
+  set(ZPPSC_FLAGS_a6 ${ZPPSC_FLAGS_px})
+  set(ZPPSC_FLAGS_w7 ${ZPPSC_FLAGS_px})
+  set(ZPPSC_FLAGS_t7 -march=x86-64 -mtune=generic -msse3 -mno-ssse3)
+endif()

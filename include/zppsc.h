@@ -1,0 +1,314 @@
+/* zppsc: bit-exact speech-coding primitives with a C ABI.
+ *
+ * Every function performs one step of a speech codec on buffers that the caller owns. The integer functions reproduce the
+ * fixed-point arithmetic of the standard that they name bit for bit. The library allocates nothing, keeps no hidden state,
+ * prints nothing, and may be called from any number of threads as long as two calls do not share an output or a state block.
+ *
+ * Conventions, common to all functions:
+ *
+ * - Arguments: sources, destinations, lengths, then controls (rate, mode, scale factor); state blocks as each function says.
+ *   Lengths count elements, never bytes. Buffers may have any alignment that their element type allows; state blocks any at all.
+ * - Source and destination must not overlap unless they are the very same buffer or the function says otherwise.
+ * - Checks run in a fixed order: null pointers, lengths, enumerated values, scale factors and shifts, ranges of coded
+ *   parameters. The first that fails decides the status. On an error (a negative status) nothing has been written.
+ *   A positive status is a warning: the function says what it has written.
+ * - Names starting with an underscore are internal steps that codecs share: exported, but they trust their arguments unless
+ *   their comment lists a status.
+ * - "Qn" means a fixed-point value times 2^n. sat16 clamps to -32768..32767, sat32 to -2147483648..2147483647.
+ * - "_I": in place. "Sfs": the exact result times 2^-scaleFactor, rounded to nearest with ties to even, saturated; factors
+ *   beyond +-31 act as +-31. "NR": the final narrowing rounds half up.
+ */
+#ifndef ZPPSC_H
+#define ZPPSC_H
+
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+#if defined(__GNUC__)
+#define ZPPAPI __attribute__((visibility("default")))
+#else
+#define ZPPAPI
+#endif
+
+/* ---- Types ------------------------------------------------------------------------------------------------------------- */
+
+typedef uint8_t Zpp8u;   /* companded samples, bit-stream bytes */
+typedef int16_t Zpp16s;  /* speech samples, fixed-point values */
+typedef uint16_t Zpp16u;
+typedef int32_t Zpp32s;  /* accumulators, energies, correlations */
+typedef uint32_t Zpp32u; /* code words, sizes */
+typedef int64_t Zpp64s;
+typedef float Zpp32f;
+typedef double Zpp64f;
+
+typedef struct {
+  Zpp16s re, im;
+} Zpp16sc;
+
+/* Result of every function: negative error, zero success, positive warning. */
+typedef Zpp32s ZppStatus;
+
+enum {
+  zppStsOk = 0,
+  zppStsBadArgument = -5,    /* a value that the operation cannot use */
+  zppStsBadSize = -6,        /* a length below 1, or not one of those that the function supports */
+  zppStsOutOfRange = -7,     /* a rate, mode, flag or subframe index that the function does not accept */
+  zppStsNullPointer = -8,    /* a required pointer is null */
+  zppStsBadCodedParam = -11, /* a parameter from the bit stream is outside the range that the codec defines */
+  zppStsOutOfDomain = -12,   /* an input value outside the operation's domain */
+  zppStsBadScale = -13,      /* a scale factor that the function does not support */
+  zppStsShiftErr = -32,      /* a shift count below 0 */
+  zppStsLpcCalcErr = -117,   /* the Levinson-Durbin recursion met an unstable stage early on */
+  zppStsOverflowWarn = 12,   /* the computation overflowed; each function says what it has written */
+  zppStsLSFLowClamped = 13,  /* the LSF stability step raised the lowest LSF */
+  zppStsLSFHighClamped = 14, /* the LSF stability step lowered the highest LSF */
+  zppStsLSFBothClamped = 15  /* both */
+};
+
+/* Codec rates, by ascending bit rate. A function accepts those of its own codec. */
+typedef enum {
+  ZPP_RATE_4750 = 0,   /* GSM-AMR */
+  ZPP_RATE_5150 = 1,   /* GSM-AMR */
+  ZPP_RATE_5300 = 2,   /* G.723.1 */
+  ZPP_RATE_5900 = 3,   /* GSM-AMR */
+  ZPP_RATE_6300 = 4,   /* G.723.1 */
+  ZPP_RATE_6600 = 5,   /* AMR-WB */
+  ZPP_RATE_6700 = 6,   /* GSM-AMR */
+  ZPP_RATE_7400 = 7,   /* GSM-AMR */
+  ZPP_RATE_7950 = 8,   /* GSM-AMR */
+  ZPP_RATE_8850 = 9,   /* AMR-WB */
+  ZPP_RATE_9600 = 10,  /* G.728 */
+  ZPP_RATE_10200 = 11, /* GSM-AMR */
+  ZPP_RATE_12200 = 12, /* GSM-AMR */
+  ZPP_RATE_12650 = 13, /* AMR-WB */
+  ZPP_RATE_12800 = 14, /* G.728 */
+  ZPP_RATE_14250 = 15, /* AMR-WB */
+  ZPP_RATE_15850 = 16, /* AMR-WB */
+  ZPP_RATE_16000 = 17, /* G.728, G.726 */
+  ZPP_RATE_18250 = 18, /* AMR-WB */
+  ZPP_RATE_19850 = 19, /* AMR-WB */
+  ZPP_RATE_23050 = 20, /* AMR-WB */
+  ZPP_RATE_23850 = 21, /* AMR-WB */
+  ZPP_RATE_24000 = 22, /* G.726 */
+  ZPP_RATE_32000 = 23, /* G.726 */
+  ZPP_RATE_40000 = 24, /* G.726 */
+  ZPP_RATE_DTX = 25    /* silence-descriptor frame: GSM-AMR, AMR-WB */
+} ZppSpeechRate;
+
+typedef struct {
+  Zpp32s major;          /* 4 */
+  Zpp32s minor;          /* 1 */
+  Zpp32s majorBuild;     /* 12 */
+  Zpp32s build;          /* 5 */
+  char targetCpu[4];     /* processor level of the build: "px", "a6" (SSE), "w7" (SSE2) or "t7" (SSE3), two zero bytes */
+  const char* Name;      /* file name of the shared object */
+  const char* Version;   /* "v4.1" */
+  const char* BuildDate; /* "Jul 22 2004" */
+} ZppLibraryVersion;
+
+/* ---- Library frame ------------------------------------------------------------------------------------------------------- */
+
+/* The version record of the library: the same static, read-only record on every call. */
+ZPPAPI const ZppLibraryVersion* zppscGetLibVersion(void);
+
+/* State-size queries: *size receives the bytes that the caller provides for the state block, at any alignment.
+ * Status: zppStsOk; zppStsNullPointer when size is null. */
+ZPPAPI ZppStatus zppsHighPassFilterSize_G729(Zpp32s* size);                 /* 24 */
+ZPPAPI ZppStatus zppsAdaptiveCodebookDecodeGetSize_AMRWB_16s(Zpp32s* size); /* 24 */
+ZPPAPI ZppStatus zppsVADGetSize_AMRWB_16s(Zpp32s* size);                    /* 148 */
+ZPPAPI ZppStatus zppsPhaseDispersionGetStateSize_G729D_16s(Zpp32s* size);   /* 20 */
+ZPPAPI ZppStatus zppsWinHybridGetStateSize_G729E_16s(Zpp32s* size);         /* 124 */
+ZPPAPI ZppStatus zppsWinHybridGetStateSize_G729E_32f(Zpp32s* size);         /* 124 */
+ZPPAPI ZppStatus zppsIIR16sGetStateSize_G728_16s(Zpp32s* size);             /* 64 */
+ZPPAPI ZppStatus zppsPostFilterGetStateSize_G728_16s(Zpp32s* size);         /* 64 */
+ZPPAPI ZppStatus zppsSynthesisFilterGetStateSize_G728_16s(Zpp32s* size);    /* 144 */
+ZPPAPI ZppStatus zppsCombinedFilterGetStateSize_G728_16s(Zpp32s* size);     /* 208 */
+ZPPAPI ZppStatus zppsPostFilterAdapterGetStateSize_G728(Zpp32s* size);      /* 176 */
+
+/* As above for the AMR-WB high-pass filters; *size = 40.
+ * order: 2 or 3. Status: zppStsOk; zppStsNullPointer; zppStsOutOfRange for another order. */
+ZPPAPI ZppStatus zppsHighPassFilterGetSize_AMRWB_16s(Zpp32s order, Zpp32s* size);
+
+/* ---- Vector primitives ----------------------------------------------------------------------------------------------------
+ *
+ * Element-wise operations and reductions on len elements, len of 1 or more; n runs from 0 to len - 1.
+ * Where a comment lists no status, the function returns zppStsOk, zppStsNullPointer for a null pointer, or zppStsBadSize for
+ * len below 1. Integer results saturate. Nothing is read or written outside the len elements.
+ */
+
+/* dst[n] = 0 */
+ZPPAPI ZppStatus zppsZero_16s(Zpp16s* dst, int len);
+ZPPAPI ZppStatus zppsZero_32f(Zpp32f* dst, int len);
+ZPPAPI ZppStatus zppsZero_16sc(Zpp16sc* dst, int len);
+
+/* dst[n] = value */
+ZPPAPI ZppStatus zppsSet_16s(Zpp16s value, Zpp16s* dst, int len);
+ZPPAPI ZppStatus zppsSet_32s(Zpp32s value, Zpp32s* dst, int len);
+
+/* dst[n] = src[n] */
+ZPPAPI ZppStatus zppsCopy_16s(const Zpp16s* src, Zpp16s* dst, int len);
+ZPPAPI ZppStatus zppsCopy_32f(const Zpp32f* src, Zpp32f* dst, int len);
+
+/* dst[n] = src[n]; the buffers may overlap in any way: the result is as if src were copied first. */
+ZPPAPI ZppStatus zppsMove_16s(const Zpp16s* src, Zpp16s* dst, int len);
+ZPPAPI ZppStatus zppsMove_32f(const Zpp32f* src, Zpp32f* dst, int len);
+
+/* dst[n] = |src[n]|, 32767 for -32768 */
+ZPPAPI ZppStatus zppsAbs_16s(const Zpp16s* src, Zpp16s* dst, int len);
+
+/* dst[n] = sat16(src1[n] + src2[n]); _I: srcDst[n] += src[n], saturated */
+ZPPAPI ZppStatus zppsAdd_16s(const Zpp16s* src1, const Zpp16s* src2, Zpp16s* dst, int len);
+ZPPAPI ZppStatus zppsAdd_16s_I(const Zpp16s* src, Zpp16s* srcDst, int len);
+ZPPAPI ZppStatus zppsAdd_32f_I(const Zpp32f* src, Zpp32f* srcDst, int len);
+
+/* dst[n] = sat16(src2[n] - src1[n]): the first source is the subtrahend; _I: srcDst[n] -= src[n], saturated */
+ZPPAPI ZppStatus zppsSub_16s(const Zpp16s* src1, const Zpp16s* src2, Zpp16s* dst, int len);
+ZPPAPI ZppStatus zppsSub_16s_I(const Zpp16s* src, Zpp16s* srcDst, int len);
+ZPPAPI ZppStatus zppsSub_32f_I(const Zpp32f* src, Zpp32f* srcDst, int len);
+
+/* dst[n] = sat16((value - src[n]) * 2^-scaleFactor), Sfs rule, any scale factor */
+ZPPAPI ZppStatus zppsSubCRev_16s_Sfs(const Zpp16s* src, Zpp16s value, Zpp16s* dst, int len, int scaleFactor);
+
+/* dst[n] = src1[n] * src2[n] */
+ZPPAPI ZppStatus zppsMul_32f(const Zpp32f* src1, const Zpp32f* src2, Zpp32f* dst, int len);
+
+/* srcDst[n] *= value */
+ZPPAPI ZppStatus zppsMulC_32f_I(Zpp32f* srcDst, Zpp32f value, int len);
+
+/* dst[n] = sat32(src1[n] * src2[n] * 2^-scaleFactor), Sfs rule, any scale factor */
+ZPPAPI ZppStatus zppsMul_16s32s_Sfs(const Zpp16s* src1, const Zpp16s* src2, Zpp32s* dst, int len, int scaleFactor);
+
+/* dst[n] = sat16((src1[n] * src2[n] + half) >> scaleFactor), half = 2^(scaleFactor-1), 0 for scale factor 0.
+ * scaleFactor: 0 or more; from 32 on every result is 0. Status also: zppStsBadScale for a negative scale factor. */
+ZPPAPI ZppStatus zppsMul_NR_16s_Sfs(const Zpp16s* src1, const Zpp16s* src2, Zpp16s* dst, int len, int scaleFactor);
+ZPPAPI ZppStatus zppsMul_NR_16s_ISfs(const Zpp16s* src, Zpp16s* srcDst, int len, int scaleFactor);
+
+/* dst[n] = sat16((src[n] * value + half) >> scaleFactor), as above. Status also: zppStsBadScale. */
+ZPPAPI ZppStatus zppsMulC_NR_16s_Sfs(const Zpp16s* src, Zpp16s value, Zpp16s* dst, int len, int scaleFactor);
+ZPPAPI ZppStatus zppsMulC_NR_16s_ISfs(Zpp16s* srcDst, Zpp16s value, int len, int scaleFactor);
+
+/* Weighting by powers of a constant: dst[0] = src[0]; dst[n] = sat16((src[n] * p[n] + half) >> scaleFactor) with p[1] = value
+ * and p[n+1] = (p[n] * value + half) >> scaleFactor cut to 16 bits. With scale factor 15 this is the bandwidth expansion of LP
+ * coefficients, a[n] * gamma^n (ITU-T G.729 clause 3.3).
+ * Checks pointers, then the scale factor (0 or more, else zppStsBadScale), then the length. */
+ZPPAPI ZppStatus zppsMulPowerC_NR_16s_Sfs(const Zpp16s* src, Zpp16s value, Zpp16s* dst, int len, int scaleFactor);
+
+/* dst[n] = src[n] << shift; bits shifted out are lost, a shift beyond the width gives zeros.
+ * Status also: zppStsShiftErr for a shift below 0. */
+ZPPAPI ZppStatus zppsLShiftC_16s(const Zpp16s* src, Zpp16s* dst, int len, int shift);
+ZPPAPI ZppStatus zppsLShiftC_16s_I(Zpp16s* srcDst, int len, int shift);
+ZPPAPI ZppStatus zppsLShiftC_16u(const Zpp16u* src, Zpp16u* dst, int len, int shift);
+ZPPAPI ZppStatus zppsLShiftC_16u_I(Zpp16u* srcDst, int len, int shift);
+ZPPAPI ZppStatus zppsLShiftC_32s_I(Zpp32s* srcDst, int len, int shift);
+
+/* dst[n] = src[n] >> shift, arithmetic; a shift beyond the width gives -1 for negative elements and 0 for others.
+ * Status also: zppStsShiftErr for a shift below 0. */
+ZPPAPI ZppStatus zppsRShiftC_16s(const Zpp16s* src, Zpp16s* dst, int len, int shift);
+ZPPAPI ZppStatus zppsRShiftC_16s_I(Zpp16s* srcDst, int len, int shift);
+ZPPAPI ZppStatus zppsRShiftC_32s_I(Zpp32s* srcDst, int len, int shift);
+
+/* dst[n] = src[n], widened */
+ZPPAPI ZppStatus zppsConvert_16s32s(const Zpp16s* src, Zpp32s* dst, int len);
+
+/* dst[n] = sat16((src[n] + half) >> scaleFactor), half = 2^(scaleFactor-1), 0 for scale factor 0; at 0 it only clamps.
+ * src: 32-bit values. Status also: zppStsBadScale for a negative scale factor. */
+ZPPAPI ZppStatus _zppsConvert_NR_32s16s_Sfs(const Zpp32s* src, Zpp16s* dst, int len, int scaleFactor);
+
+/* *sum = the sum of src, Sfs rule, saturated to 32 or 16 bits */
+ZPPAPI ZppStatus zppsSum_16s32s_Sfs(const Zpp16s* src, int len, Zpp32s* sum, int scaleFactor);
+ZPPAPI ZppStatus zppsSum_16s_Sfs(const Zpp16s* src, int len, Zpp16s* sum, int scaleFactor);
+
+/* *sum = sat32((exact sum of src[n]^2) >> scaleFactor), truncating; a negative scale factor shifts left, +-31 at most */
+ZPPAPI ZppStatus _zppsSumSquare_NS_16s32s_Sfs(const Zpp16s* src, int len, Zpp32s* sum, int scaleFactor);
+
+/* *dp = sat32(exact sum of src1[n] * src2[n], times 2^-scaleFactor), Sfs rule */
+ZPPAPI ZppStatus zppsDotProd_16s32s_Sfs(const Zpp16s* src1, const Zpp16s* src2, int len, Zpp32s* dp, int scaleFactor);
+
+/* *value = the largest or smallest element. With NaN among the elements the result is one of the elements. */
+ZPPAPI ZppStatus zppsMax_16s(const Zpp16s* src, int len, Zpp16s* value);
+ZPPAPI ZppStatus zppsMin_16s(const Zpp16s* src, int len, Zpp16s* value);
+ZPPAPI ZppStatus zppsMax_32f(const Zpp32f* src, int len, Zpp32f* value);
+ZPPAPI ZppStatus zppsMin_32f(const Zpp32f* src, int len, Zpp32f* value);
+
+/* *value = the extreme element, *index = its first occurrence. index may be null: the value alone is written then. */
+ZPPAPI ZppStatus zppsMaxIndx_32f(const Zpp32f* src, int len, Zpp32f* value, int* index);
+ZPPAPI ZppStatus zppsMinIndx_32f(const Zpp32f* src, int len, Zpp32f* value, int* index);
+ZPPAPI ZppStatus zppsMinIndx_16s(const Zpp16s* src, int len, Zpp16s* value, int* index);
+
+/* Block normalisation: shifts all elements left by the count that brings the largest magnitude (-32768 counting as 32767) into
+ * 16384..32767, and reports that count. An all-zero vector keeps its zeros with count 0.
+ * scale: in, 0 or more (only checked), else zppStsBadScale; out, the count. */
+ZPPAPI ZppStatus zppsAutoScale_16s(const Zpp16s* src, Zpp16s* dst, int len, int* scale);
+ZPPAPI ZppStatus zppsAutoScale_16s_I(Zpp16s* srcDst, int len, int* scale);
+
+/* srcDst[n] = 1 / sqrt(srcDst[n]): Q0 in, Q30 out, 0x3fffffff for 0 and negative elements.
+ * Source: Inv_sqrt of the ITU-T G.729 fixed-point reference (basic and double-precision operators). */
+ZPPAPI ZppStatus zppsInvSqrt_32s_I(Zpp32s* srcDst, int len);
+
+/* ---- Pre- and post-processing filters of ITU-T G.729 (clauses 3.1 and 4.2.5) --------------------------------------------------- */
+
+/* Prepares the state of a second-order high-pass filter: zero history, then the coefficients.
+ * coef: b0 b1 b2 a0 a1 a2; at scale factor 12 Q12 with the numerator halved (140 Hz, input), at 13 Q13 (100 Hz, output);
+ *   a0 is stored, not used; a1 and a2 with the sign that makes them factors of past outputs to be added.
+ * state: zppsHighPassFilterSize_G729 bytes, any alignment; written whole.
+ * Status: zppStsOk, zppStsNullPointer. */
+ZPPAPI ZppStatus zppsHighPassFilterInit_G729(const Zpp16s* coef, void* state);
+
+/* Filters len samples in place; consecutive calls continue the signal.
+ * scaleFactor: 12, ITU-T G.729 pre-processing (140 Hz, input divided by two); 13, post-processing (100 Hz, output doubled).
+ * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len below 1; zppStsBadScale for another scale factor. */
+ZPPAPI ZppStatus zppsHighPassFilter_G729_16s_ISfs(Zpp16s* srcDst, int len, int scaleFactor, void* state);
+
+/* ---- Companding (ITU-T G.711) ------------------------------------------------------------------------------------------------- */
+
+/* Compresses len 16-bit linear samples to code words as transmitted: mu-law from the upper 14 bits, magnitude bits inverted;
+ * A-law from the upper 13 bits, even bits inverted.
+ * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len below 1. */
+ZPPAPI ZppStatus zppsLinToMuLaw_16s8u(const Zpp16s* src, Zpp8u* dst, int len);
+ZPPAPI ZppStatus zppsLinToALaw_16s8u(const Zpp16s* src, Zpp8u* dst, int len);
+
+/* ---- ADPCM at 16, 24, 32 and 40 kbit/s (ITU-T G.726) ------------------------------------------------------------------------------
+ *
+ * One state a stream and direction: ask for its size, allocate it at any alignment, Init it, then code in calls of any length;
+ * the stream is the concatenation of the calls. Init may be repeated to reset.
+ * rate: ZPP_RATE_16000, ZPP_RATE_24000, ZPP_RATE_32000 or ZPP_RATE_40000, else zppStsOutOfRange.
+ */
+
+/* *size = 88, *size = 92. Status: zppStsOk, zppStsNullPointer. */
+ZPPAPI ZppStatus zppsEncodeGetStateSize_G726_16s8u(Zpp32s* size);
+ZPPAPI ZppStatus zppsDecodeGetStateSize_G726_8u16s(Zpp32s* size);
+
+/* Writes the reset state of the standard. Status: zppStsOk, zppStsNullPointer, zppStsOutOfRange. */
+ZPPAPI ZppStatus zppsEncodeInit_G726_16s8u(void* state, Zpp32s rate);
+
+/* law: what the decoder delivers: 0 mu-law code words, 1 A-law code words, both with synchronous coding adjustment; 2 linear
+ * samples. Status: zppStsOk, zppStsNullPointer, zppStsOutOfRange for the rate, then for the law. */
+ZPPAPI ZppStatus zppsDecodeInit_G726_8u16s(void* state, Zpp32s rate, Zpp32s law);
+
+/* src: len samples of 14-bit uniform PCM, -8192..8191 (16-bit speech shifted right by 2); a difference to the prediction beyond
+ * 16 bits saturates. dst: len codes, one in the low 2, 3, 4 or 5 bits of each byte, the upper bits zero.
+ * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len 0. */
+ZPPAPI ZppStatus zppsEncode_G726_16s8u(void* state, const Zpp16s* src, Zpp8u* dst, Zpp32u len);
+
+/* src: len codes, one a byte; the bits above the rate's width are ignored. dst: len values: linear samples -8192..8191, or
+ * law code words 0..255. Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len 0. */
+ZPPAPI ZppStatus zppsDecode_G726_8u16s(void* state, const Zpp8u* src, Zpp16s* dst, Zpp32u len);
+
+/* ---- Linear prediction shared by codecs ----------------------------------------------------------------------------------------- */
+
+/* ---- G.729 ----------------------------------------------------------------------------------------------------------------------- */
+
+/* ---- G.723.1 --------------------------------------------------------------------------------------------------------------------- */
+
+/* ---- GSM-AMR --------------------------------------------------------------------------------------------------------------------- */
+
+/* ---- G.722.1 --------------------------------------------------------------------------------------------------------------------- */
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* ZPPSC_H */

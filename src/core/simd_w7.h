@@ -1,0 +1,55 @@
+// Thin wrappers over SSE2 for kernels of 16- and 32-bit integers. Include it from *_w7.cpp (and *_t7.cpp) files only.
+#pragma once
+
+#include <emmintrin.h>
+
+#include <cstring>
+
+#include "zppsc.h"
+
+namespace zpp {
+
+using V = __m128i;  // eight 16-bit, four 32-bit or two 64-bit lanes
+
+// Unaligned loads and stores; `load4` reads the low half only (four 16-bit lanes).
+inline V load(const void* p) { return _mm_loadu_si128(static_cast<const V*>(p)); }
+inline void store(void* p, V v) { _mm_storeu_si128(static_cast<V*>(p), v); }
+inline V load4(const void* p) { return _mm_loadl_epi64(static_cast<const V*>(p)); }
+inline void store4(void* p, V v) { _mm_storel_epi64(static_cast<V*>(p), v); }
+
+// The first n (0..7) of eight 16-bit lanes; the others are zero. Nothing beyond the n elements is touched.
+inline V loadFirst(const Zpp16s* p, int n) {
+  alignas(16) Zpp16s lanes[8] = {};
+  std::memcpy(lanes, p, static_cast<unsigned>(n) * sizeof(Zpp16s));
+  return _mm_load_si128(reinterpret_cast<const V*>(lanes));
+}
+
+// Sign-extended low and high halves of eight 16-bit lanes
+inline V widenLow(V v) { return _mm_srai_epi32(_mm_unpacklo_epi16(v, v), 16); }
+inline V widenHigh(V v) { return _mm_srai_epi32(_mm_unpackhi_epi16(v, v), 16); }
+// Exact 32-bit products of the low and high four 16-bit lanes
+inline V mulLow(V a, V b) { return _mm_unpacklo_epi16(_mm_mullo_epi16(a, b), _mm_mulhi_epi16(a, b)); }
+inline V mulHigh(V a, V b) { return _mm_unpackhi_epi16(_mm_mullo_epi16(a, b), _mm_mulhi_epi16(a, b)); }
+
+// Sum of the four 32-bit lanes, modulo 2^32
+inline Zpp32s sumLanes32(V v) {
+  v = _mm_add_epi32(v, _mm_shuffle_epi32(v, _MM_SHUFFLE(1, 0, 3, 2)));
+  v = _mm_add_epi32(v, _mm_shuffle_epi32(v, _MM_SHUFFLE(2, 3, 0, 1)));
+  return _mm_cvtsi128_si32(v);
+}
+// Adds the four signed 32-bit lanes of v to the two 64-bit lanes of acc
+inline V addWide64(V acc, V v) {
+  const V sign = _mm_srai_epi32(v, 31);
+  return _mm_add_epi64(acc, _mm_add_epi64(_mm_unpacklo_epi32(v, sign), _mm_unpackhi_epi32(v, sign)));
+}
+// Sum of the two 64-bit lanes
+inline Zpp64s sumLanes64(V v) {
+  Zpp64s lane[2];
+  store(lane, v);
+  return lane[0] + lane[1];
+}
+
+// mask ? a : b, lane by lane, for masks of all ones or all zeros
+inline V select(V mask, V a, V b) { return _mm_or_si128(_mm_and_si128(mask, a), _mm_andnot_si128(mask, b)); }
+
+}  // namespace zpp
