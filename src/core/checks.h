@@ -7,9 +7,13 @@
 namespace zpp {
 
 template <class... Pointer>
-constexpr bool anyNull(Pointer... pointers) { return (... || (pointers == nullptr)); }
+constexpr bool anyNull(Pointer... pointers) {
+  return (... || (pointers == nullptr));
+}
 
 template <class Value>
-constexpr bool outside(Value value, Value lowest, Value highest) { return value < lowest || value > highest; }
+constexpr bool outside(Value value, Value lowest, Value highest) {
+  return value < lowest || value > highest;
+}
 
 }  // namespace zpp

@@ -29,38 +29,38 @@ constexpr Zpp32s shlWrap32(Zpp32s x, int n) { return n > 31 ? 0 : static_cast<Zp
 
 // --- 16 bits ------------------------------------------------------------------------------------------------------------
 
-constexpr Zpp16s addSat16(Zpp32s a, Zpp32s b) { return sat16(a + b); }                       // add
-constexpr Zpp16s subSat16(Zpp32s a, Zpp32s b) { return sat16(a - b); }                       // sub
-constexpr Zpp16s negSat16(Zpp32s a) { return sat16(-a); }                                    // negate
-constexpr Zpp16s absSat16(Zpp32s a) { return sat16(a < 0 ? -a : a); }                        // abs_s
-constexpr Zpp16s mulQ15(Zpp16s a, Zpp16s b) { return sat16((Zpp32s{a} * b) >> 15); }         // mult
+constexpr Zpp16s addSat16(Zpp32s a, Zpp32s b) { return sat16(a + b); }                             // add
+constexpr Zpp16s subSat16(Zpp32s a, Zpp32s b) { return sat16(a - b); }                             // sub
+constexpr Zpp16s negSat16(Zpp32s a) { return sat16(-a); }                                          // negate
+constexpr Zpp16s absSat16(Zpp32s a) { return sat16(a < 0 ? -a : a); }                              // abs_s
+constexpr Zpp16s mulQ15(Zpp16s a, Zpp16s b) { return sat16((Zpp32s{a} * b) >> 15); }               // mult
 constexpr Zpp16s mulRoundQ15(Zpp16s a, Zpp16s b) { return sat16((Zpp32s{a} * b + 16384) >> 15); }  // mult_r
 // x >> n, arithmetic, for any n of 0 or more
 constexpr Zpp16s shr16(Zpp16s x, int n) { return static_cast<Zpp16s>(x >> (n > 15 ? 15 : n)); }
 // x << n saturated; n below 0 shifts right
-constexpr Zpp16s shlSat16(Zpp16s x, int n) {                                                 // shl
+constexpr Zpp16s shlSat16(Zpp16s x, int n) {  // shl
   if (n <= 0) return shr16(x, -n);
   if (n > 15) return static_cast<Zpp16s>(x == 0 ? 0 : x > 0 ? kMax16 : kMin16);
   return sat16(Zpp32s{x} * (Zpp32s{1} << n));
 }
 // left shifts that bring bit 14 to differ from the sign bit; 0 for 0, 15 for -1
-constexpr int norm16(Zpp16s x) {                                                             // norm_s
+constexpr int norm16(Zpp16s x) {  // norm_s
   if (x == 0) return 0;
   const auto y = static_cast<Zpp16u>(x < 0 ? ~x : x);
   return std::countl_zero(y) - 1;
 }
 // num / den in Q15 by restoring division, for 0 <= num <= den, den > 0; 32767 for num = den
-constexpr Zpp16s divQ15(Zpp16s num, Zpp16s den) {                                            // div_s
+constexpr Zpp16s divQ15(Zpp16s num, Zpp16s den) {  // div_s
   return num >= den ? static_cast<Zpp16s>(kMax16) : static_cast<Zpp16s>((Zpp32s{num} << 15) / den);
 }
 
 // --- 32 bits ------------------------------------------------------------------------------------------------------------
 
-constexpr Zpp32s addSat32(Zpp32s a, Zpp32s b) { return sat32(Zpp64s{a} + b); }               // L_add
-constexpr Zpp32s subSat32(Zpp32s a, Zpp32s b) { return sat32(Zpp64s{a} - b); }               // L_sub
-constexpr Zpp32s negSat32(Zpp32s a) { return sat32(-Zpp64s{a}); }                            // L_negate
-constexpr Zpp32s absSat32(Zpp32s a) { return a < 0 ? negSat32(a) : a; }                      // L_abs
-constexpr Zpp32s mulDbl(Zpp16s a, Zpp16s b) {                                                // L_mult
+constexpr Zpp32s addSat32(Zpp32s a, Zpp32s b) { return sat32(Zpp64s{a} + b); }  // L_add
+constexpr Zpp32s subSat32(Zpp32s a, Zpp32s b) { return sat32(Zpp64s{a} - b); }  // L_sub
+constexpr Zpp32s negSat32(Zpp32s a) { return sat32(-Zpp64s{a}); }               // L_negate
+constexpr Zpp32s absSat32(Zpp32s a) { return a < 0 ? negSat32(a) : a; }         // L_abs
+constexpr Zpp32s mulDbl(Zpp16s a, Zpp16s b) {                                   // L_mult
   const Zpp32s p = Zpp32s{a} * b;
   return p == 0x40000000 ? kMax32 : p * 2;
 }
@@ -68,23 +68,23 @@ constexpr Zpp32s macDbl(Zpp32s acc, Zpp16s a, Zpp16s b) { return addSat32(acc, m
 constexpr Zpp32s msuDbl(Zpp32s acc, Zpp16s a, Zpp16s b) { return subSat32(acc, mulDbl(a, b)); }  // L_msu
 constexpr Zpp32s shr32(Zpp32s x, int n) { return x >> (n > 31 ? 31 : n); }
 // x << n saturated; n below 0 shifts right
-constexpr Zpp32s shlSat32(Zpp32s x, int n) {                                                 // L_shl
+constexpr Zpp32s shlSat32(Zpp32s x, int n) {  // L_shl
   if (n <= 0) return shr32(x, -n);
   if (n > 31) return x == 0 ? 0 : x > 0 ? kMax32 : kMin32;
   return sat32(Zpp64s{x} * (Zpp64s{1} << n));
 }
 // x >> n with round half up, n of 0 or more; n below 0 shifts left with saturation
-constexpr Zpp32s shrRound32(Zpp32s x, int n) {                                               // L_shr_r
+constexpr Zpp32s shrRound32(Zpp32s x, int n) {  // L_shr_r
   if (n <= 0) return shlSat32(x, -n);
   if (n > 31) return 0;
   return static_cast<Zpp32s>((Zpp64s{x} + (Zpp64s{1} << (n - 1))) >> n);
 }
-constexpr Zpp16s high16(Zpp32s x) { return static_cast<Zpp16s>(x >> 16); }                   // extract_h
-constexpr Zpp16s low16(Zpp32s x) { return static_cast<Zpp16s>(x); }                          // extract_l
-constexpr Zpp32s fromHigh16(Zpp16s x) { return Zpp32s{x} * 65536; }                          // L_deposit_h
-constexpr Zpp16s roundHigh16(Zpp32s x) { return high16(addSat32(x, 0x8000)); }               // round
+constexpr Zpp16s high16(Zpp32s x) { return static_cast<Zpp16s>(x >> 16); }      // extract_h
+constexpr Zpp16s low16(Zpp32s x) { return static_cast<Zpp16s>(x); }             // extract_l
+constexpr Zpp32s fromHigh16(Zpp16s x) { return Zpp32s{x} * 65536; }             // L_deposit_h
+constexpr Zpp16s roundHigh16(Zpp32s x) { return high16(addSat32(x, 0x8000)); }  // round
 // left shifts that bring bit 30 to differ from the sign bit; 0 for 0, 31 for -1
-constexpr int norm32(Zpp32s x) {                                                             // norm_l
+constexpr int norm32(Zpp32s x) {  // norm_l
   if (x == 0) return 0;
   return std::countl_zero(static_cast<Zpp32u>(x < 0 ? ~x : x)) - 1;
 }
@@ -95,15 +95,15 @@ struct Dpf {
   Zpp16s hi, lo;
 };
 constexpr Dpf toDpf(Zpp32s x) { return {high16(x), static_cast<Zpp16s>((x >> 1) & 0x7fff)}; }  // L_Extract
-constexpr Zpp32s fromDpf(Dpf x) { return addSat32(fromHigh16(x.hi), Zpp32s{x.lo} * 2); }      // L_Comp
-constexpr Zpp32s mulDpf(Dpf a, Dpf b) {                                                      // Mpy_32
+constexpr Zpp32s fromDpf(Dpf x) { return addSat32(fromHigh16(x.hi), Zpp32s{x.lo} * 2); }       // L_Comp
+constexpr Zpp32s mulDpf(Dpf a, Dpf b) {                                                        // Mpy_32
   Zpp32s acc = mulDbl(a.hi, b.hi);
   acc = macDbl(acc, mulQ15(a.hi, b.lo), 1);
   return macDbl(acc, mulQ15(a.lo, b.hi), 1);
 }
 constexpr Zpp32s mulDpf16(Dpf a, Zpp16s b) { return macDbl(mulDbl(a.hi, b), mulQ15(a.lo, b), 1); }  // Mpy_32_16
 // num / den in Q31 for num below den, den normalised (0x40000000 or more): one Newton step on a 14-bit reciprocal
-constexpr Zpp32s divDpf(Zpp32s num, Dpf den) {                                               // Div_32
+constexpr Zpp32s divDpf(Zpp32s num, Dpf den) {  // Div_32
   const Zpp16s approx = divQ15(0x3fff, den.hi);
   const Zpp32s error = subSat32(kMax32, mulDpf16(den, approx));
   const Zpp32s reciprocal = mulDpf16(toDpf(error), approx);
@@ -125,6 +125,8 @@ constexpr Zpp64s scaled(Zpp64s v, int s) {
   if (v < -limit) v = -limit;
   return v * (Zpp64s{1} << (s < -31 ? 31 : -s));
 }
+// v * 2^-s rounded towards minus infinity, s beyond +-31 taken as +-31
+constexpr Zpp64s truncated(Zpp64s v, int s) { return s <= 0 ? scaled(v, s) : v >> (s > 31 ? 31 : s); }
 // The "NR" rule: (v + 2^(s-1)) >> s, round half up, for any s of 0 or more and |v| of at most 2^31
 constexpr Zpp64s shrRoundHalfUp(Zpp64s v, int s) {
   if (s == 0) return v;

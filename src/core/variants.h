@@ -2,7 +2,7 @@
 //
 // A room lists its kernels once, in its kernels.h:
 //
-//   #define ZPP_CORE_KERNELS(KERNEL) \
+//   #define ZPP_CORE_KERNELS(KERNEL)
 //     KERNEL(ownAdd_16s, W7, void(const Zpp16s* src1, const Zpp16s* src2, Zpp16s* dst, int len))
 //   ZPP_CORE_KERNELS(ZPP_DECLARE_KERNEL)
 //
@@ -23,14 +23,14 @@ inline constexpr Level buildLevel = static_cast<Level>(ZPPSC_LEVEL);
 
 #define ZPP_DECLARE_KERNEL(name, variants, ...) ZPP_DECLARE_##variants(name, __VA_ARGS__)
 
-#define ZPP_DECLARE_ONE(name, level, suffix, ...)     \
-  using name##_signature = __VA_ARGS__;               \
-  name##_signature name##_PX, name##_##suffix;        \
+#define ZPP_DECLARE_ONE(name, level, suffix, ...) \
+  using name##_signature = __VA_ARGS__;           \
+  name##_signature name##_PX, name##_##suffix;    \
   inline constexpr name##_signature* name = zpp::buildLevel >= zpp::Level::level ? name##_##suffix : name##_PX;
 
-#define ZPP_DECLARE_TWO(name, level1, suffix1, level2, suffix2, ...)                          \
-  using name##_signature = __VA_ARGS__;                                                        \
-  name##_signature name##_PX, name##_##suffix1, name##_##suffix2;                              \
+#define ZPP_DECLARE_TWO(name, level1, suffix1, level2, suffix2, ...)                                   \
+  using name##_signature = __VA_ARGS__;                                                                \
+  name##_signature name##_PX, name##_##suffix1, name##_##suffix2;                                      \
   inline constexpr name##_signature* name = zpp::buildLevel >= zpp::Level::level2   ? name##_##suffix2 \
                                             : zpp::buildLevel >= zpp::Level::level1 ? name##_##suffix1 \
                                                                                     : name##_PX;

@@ -1,0 +1,102 @@
+// Element-wise arithmetic and settings: portable kernels.
+#include "core/fixed_point.h"
+#include "core/kernels.h"
+
+using namespace zpp;
+
+void ownSet_16s_PX(Zpp16s value, Zpp16s* dst, int len) {
+  for (int n = 0; n < len; ++n) dst[n] = value;
+}
+
+void ownSet_32s_PX(Zpp32s value, Zpp32s* dst, int len) {
+  for (int n = 0; n < len; ++n) dst[n] = value;
+}
+
+void ownAbs_16s_PX(const Zpp16s* src, Zpp16s* dst, int len) {
+  for (int n = 0; n < len; ++n) dst[n] = absSat16(src[n]);
+}
+
+void ownAdd_16s_PX(const Zpp16s* src1, const Zpp16s* src2, Zpp16s* dst, int len) {
+  for (int n = 0; n < len; ++n) dst[n] = addSat16(src1[n], src2[n]);
+}
+
+void ownSub_16s_PX(const Zpp16s* src1, const Zpp16s* src2, Zpp16s* dst, int len) {
+  for (int n = 0; n < len; ++n) dst[n] = subSat16(src2[n], src1[n]);
+}
+
+void ownSubCRev_16s_Sfs_PX(const Zpp16s* src, Zpp16s value, Zpp16s* dst, int len, int scaleFactor) {
+  for (int n = 0; n < len; ++n) dst[n] = sat16(scaled(value - src[n], scaleFactor));
+}
+
+void ownMul_16s32s_Sfs_PX(const Zpp16s* src1, const Zpp16s* src2, Zpp32s* dst, int len, int scaleFactor) {
+  for (int n = 0; n < len; ++n) dst[n] = sat32(scaled(Zpp32s{src1[n]} * src2[n], scaleFactor));
+}
+
+void ownMul_NR_16s_Sfs_PX(const Zpp16s* src1, const Zpp16s* src2, Zpp16s* dst, int len, int scaleFactor) {
+  for (int n = 0; n < len; ++n) dst[n] = sat16(shrRoundHalfUp(Zpp32s{src1[n]} * src2[n], scaleFactor));
+}
+
+void ownMulC_NR_16s_Sfs_PX(const Zpp16s* src, Zpp16s value, Zpp16s* dst, int len, int scaleFactor) {
+  for (int n = 0; n < len; ++n) dst[n] = sat16(shrRoundHalfUp(Zpp32s{src[n]} * value, scaleFactor));
+}
+
+void ownMulPowerC_NR_16s_Sfs(const Zpp16s* src, Zpp16s value, Zpp16s* dst, int len, int scaleFactor) {
+  dst[0] = src[0];
+  Zpp16s power = value;
+  for (int n = 1; n < len; ++n) {
+    dst[n] = sat16(shrRoundHalfUp(Zpp32s{src[n]} * power, scaleFactor));
+    power = static_cast<Zpp16s>(shrRoundHalfUp(Zpp32s{power} * value, scaleFactor));
+  }
+}
+
+void ownLShiftC_16s_PX(const Zpp16s* src, Zpp16s* dst, int len, int shift) {
+  for (int n = 0; n < len; ++n) dst[n] = low16(shlWrap32(src[n], shift));
+}
+
+void ownLShiftC_32s_PX(const Zpp32s* src, Zpp32s* dst, int len, int shift) {
+  for (int n = 0; n < len; ++n) dst[n] = shlWrap32(src[n], shift);
+}
+
+void ownRShiftC_16s_PX(const Zpp16s* src, Zpp16s* dst, int len, int shift) {
+  for (int n = 0; n < len; ++n) dst[n] = shr16(src[n], shift);
+}
+
+void ownRShiftC_32s_PX(const Zpp32s* src, Zpp32s* dst, int len, int shift) {
+  for (int n = 0; n < len; ++n) dst[n] = shr32(src[n], shift);
+}
+
+void ownConvert_16s32s_PX(const Zpp16s* src, Zpp32s* dst, int len) {
+  for (int n = 0; n < len; ++n) dst[n] = src[n];
+}
+
+void ownConvert_NR_32s16s_Sfs_PX(const Zpp32s* src, Zpp16s* dst, int len, int scaleFactor) {
+  for (int n = 0; n < len; ++n) dst[n] = sat16(shrRoundHalfUp(src[n], scaleFactor));
+}
+
+void ownAdd_32f_PX(const Zpp32f* src1, const Zpp32f* src2, Zpp32f* dst, int len) {
+  for (int n = 0; n < len; ++n) dst[n] = src1[n] + src2[n];
+}
+
+void ownSub_32f_PX(const Zpp32f* src1, const Zpp32f* src2, Zpp32f* dst, int len) {
+  for (int n = 0; n < len; ++n) dst[n] = src2[n] - src1[n];
+}
+
+void ownMul_32f_PX(const Zpp32f* src1, const Zpp32f* src2, Zpp32f* dst, int len) {
+  for (int n = 0; n < len; ++n) dst[n] = src1[n] * src2[n];
+}
+
+void ownMulC_32f_PX(const Zpp32f* src, Zpp32f value, Zpp32f* dst, int len) {
+  for (int n = 0; n < len; ++n) dst[n] = src[n] * value;
+}
+
+void ownMul_16s_NoS_Sfs(const Zpp16s* a, const Zpp16s* b, Zpp16s* dst, int len, int shift) {
+  for (int n = 0; n < len; ++n) dst[n] = low16(shr32(Zpp32s{a[n]} * b[n], shift));
+}
+
+void ownMul_32s16s(const Zpp32s* a, const Zpp32s* b, Zpp16s* dst, int len) {
+  for (int n = 0; n < len; ++n) dst[n] = low16(mulDpf(toDpf(a[n]), toDpf(b[n])));
+}
+
+void ownConvert_32s16s_sfs(const Zpp32s* src, Zpp16s* dst, int len, int scaleFactor) {
+  for (int n = 0; n < len; ++n) dst[n] = scaleFactor == 15 ? sat16(src[n] >> 15) : sat16(scaled(src[n], scaleFactor));
+}

@@ -1,0 +1,60 @@
+// Sums, products and extremes: portable kernels.
+#include "core/fixed_point.h"
+#include "core/kernels.h"
+
+using namespace zpp;
+
+namespace {
+
+// Index of the first extreme element: only a strict improvement replaces it, so a NaN is never chosen unless it comes first.
+template <class T, class Better>
+int firstExtreme(const T* src, int len, Better better) {
+  int found = 0;
+  for (int n = 1; n < len; ++n)
+    if (better(src[n], src[found])) found = n;
+  return found;
+}
+
+}  // namespace
+
+Zpp64s ownSum_16s_PX(const Zpp16s* src, int len) {
+  Zpp64s sum = 0;
+  for (int n = 0; n < len; ++n) sum += src[n];
+  return sum;
+}
+
+Zpp64s ownDotProd_16s_PX(const Zpp16s* src1, const Zpp16s* src2, int len) {
+  Zpp64s sum = 0;
+  for (int n = 0; n < len; ++n) sum += Zpp32s{src1[n]} * src2[n];
+  return sum;
+}
+
+Zpp16s ownMax_16s_PX(const Zpp16s* src, int len) {
+  Zpp16s most = src[0];
+  for (int n = 1; n < len; ++n) most = src[n] > most ? src[n] : most;
+  return most;
+}
+
+Zpp16s ownMin_16s_PX(const Zpp16s* src, int len) {
+  Zpp16s least = src[0];
+  for (int n = 1; n < len; ++n) least = src[n] < least ? src[n] : least;
+  return least;
+}
+
+Zpp16s ownMaxAbs_16s_PX(const Zpp16s* src, int len) {
+  Zpp16s most = 0;
+  for (int n = 0; n < len; ++n) most = absSat16(src[n]) > most ? absSat16(src[n]) : most;
+  return most;
+}
+
+int ownMinIndx_16s_PX(const Zpp16s* src, int len) {
+  return firstExtreme(src, len, [](Zpp16s a, Zpp16s b) { return a < b; });
+}
+
+int ownMaxIndx_32f_PX(const Zpp32f* src, int len) {
+  return firstExtreme(src, len, [](Zpp32f a, Zpp32f b) { return a > b; });
+}
+
+int ownMinIndx_32f_PX(const Zpp32f* src, int len) {
+  return firstExtreme(src, len, [](Zpp32f a, Zpp32f b) { return a < b; });
+}
