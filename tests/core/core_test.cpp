@@ -1,0 +1,190 @@
+// What the table of exports cannot say about the core room: whole-range companding, overlapping moves, filtering in blocks, the
+// operators behind the entries, and corners where a plausible implementation goes wrong.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "core/fixed_point.h"
+#include "core/kernels.h"
+#include "support/golden.h"
+
+namespace {
+
+using namespace zpp;
+using V16 = std::vector<Zpp16s>;
+using V32 = std::vector<Zpp32s>;
+
+std::vector<test::GoldenCase> cases(const char* path) { return test::readGolden(std::string(TEST_DATA_DIR) + "/" + path); }
+
+template <class T>
+std::vector<T> as(const std::vector<double>& values) {
+  return std::vector<T>(values.begin(), values.end());
+}
+
+TEST(Companding, CodesEveryInput) {
+  const struct {
+    const char* file;
+    ZppStatus (*compress)(const Zpp16s*, Zpp8u*, int);
+  } laws[] = {{"g711/zppsLinToMuLaw_16s8u.cases", zppsLinToMuLaw_16s8u},
+              {"g711/zppsLinToALaw_16s8u.cases", zppsLinToALaw_16s8u}};
+  V16 ramp(65536);
+  for (int i = 0; i < 65536; ++i) ramp[static_cast<std::size_t>(i)] = static_cast<Zpp16s>(i - 32768);
+  for (const auto& law : laws) {
+    const auto golden = cases(law.file).at(0);
+    std::vector<Zpp8u> codes(ramp.size());
+    ASSERT_EQ(law.compress(ramp.data(), codes.data(), 65536), zppStsOk);
+    V32 starts;
+    std::vector<Zpp8u> runs;
+    for (std::size_t i = 0; i < codes.size(); ++i)
+      if (i == 0 || codes[i] != codes[i - 1]) starts.push_back(static_cast<Zpp32s>(i)), runs.push_back(codes[i]);
+    EXPECT_EQ(starts, as<Zpp32s>(golden.out.at("run_start"))) << law.file;
+    EXPECT_EQ(runs, as<Zpp8u>(golden.out.at("run_code"))) << law.file;
+  }
+}
+
+template <class T>
+void moves(const char* file, ZppStatus (*move)(const T*, T*, int)) {
+  for (const auto& golden : cases(file)) {
+    auto buffer = as<T>(golden.in.at("buf"));
+    const auto at = [&](const char* name) { return static_cast<int>(golden.in.at(name).at(0)); };
+    ASSERT_EQ(move(buffer.data() + at("srcOff"), buffer.data() + at("dstOff"), at("len")), zppStsOk);
+    EXPECT_EQ(buffer, as<T>(golden.out.at("buf"))) << golden.label;
+  }
+}
+
+TEST(Move, Overlapping) {
+  moves<Zpp16s>("core/zppsMove_16s.cases", zppsMove_16s);
+  moves<Zpp32f>("core/zppsMove_32f.cases", zppsMove_32f);
+}
+
+TEST(HighPassFilter, ContinuesFromBlockToBlockAtAnyAlignment) {
+  for (const auto& golden : cases("core/zppsHighPassFilter_G729_16s_ISfs.cases")) {
+    alignas(4) unsigned char memory[32];
+    void* state = memory + 1;
+    auto signal = as<Zpp16s>(golden.in.at("srcDst"));
+    ASSERT_EQ(zppsHighPassFilterInit_G729(as<Zpp16s>(golden.in.at("coef")).data(), state), zppStsOk);
+    Zpp16s* at = signal.data();
+    for (const double length : golden.in.at("blocks")) {
+      ASSERT_EQ(zppsHighPassFilter_G729_16s_ISfs(at, static_cast<int>(length),
+                                                 static_cast<int>(golden.in.at("scaleFactor").at(0)), state),
+                zppStsOk);
+      at += static_cast<int>(length);
+    }
+    EXPECT_EQ(signal, as<Zpp16s>(golden.out.at("srcDst"))) << golden.label;
+  }
+}
+
+TEST(ScalarOperators, MatchTheReference) {
+  for (const auto& golden : cases("core/ownNorm_32s_I.cases")) {
+    auto x = as<Zpp32s>(golden.in.at("srcDst"));
+    V16 shift(x.size());
+    ownNorm_32s_I(x.data(), shift.data(), static_cast<int>(x.size()));
+    EXPECT_EQ(x, as<Zpp32s>(golden.out.at("srcDst")));
+    EXPECT_EQ(shift, as<Zpp16s>(golden.out.at("shift")));
+  }
+  for (const auto& golden : cases("core/ownLog2.cases")) {
+    Zpp16s exponent, fraction;
+    ownLog2(static_cast<Zpp32s>(golden.in.at("value").at(0)), &exponent, &fraction);
+    EXPECT_EQ(exponent, golden.out.at("exponent").at(0)) << golden.in.at("value").at(0);
+    EXPECT_EQ(fraction, golden.out.at("fraction").at(0)) << golden.in.at("value").at(0);
+  }
+  for (const auto& golden : cases("core/ownPow2.cases"))
+    EXPECT_EQ(ownPow2(static_cast<Zpp16s>(golden.in.at("exponent").at(0)), static_cast<Zpp16s>(golden.in.at("fraction").at(0))),
+              golden.out.at("value").at(0));
+  for (const auto& golden : cases("core/ownMul_16s_NoS_Sfs.cases")) {
+    const auto a = as<Zpp16s>(golden.in.at("src1")), b = as<Zpp16s>(golden.in.at("src2"));
+    V16 dst(a.size());
+    ownMul_16s_NoS_Sfs(a.data(), b.data(), dst.data(), static_cast<int>(a.size()),
+                       static_cast<int>(golden.in.at("shift").at(0)));
+    EXPECT_EQ(dst, as<Zpp16s>(golden.out.at("dst")));
+  }
+}
+
+TEST(ScalarOperators, SaturateWhereTheBasicOperatorsDo) {
+  EXPECT_EQ(mulQ15(-32768, -32768), 32767);
+  EXPECT_EQ(mulRoundQ15(-32768, -32768), 32767);
+  EXPECT_EQ(mulDbl(-32768, -32768), kMax32);
+  EXPECT_EQ(macDbl(kMax32, 1, 1), kMax32);
+  EXPECT_EQ(roundHigh16(0x7fff8000), 32767);
+  EXPECT_EQ(shlSat32(1, 31), kMax32);
+  EXPECT_EQ(shlSat32(-1, 31), kMin32);
+  EXPECT_EQ(shlSat16(1, 15), 32767);
+  EXPECT_EQ(shlSat16(-1, 15), -32768);
+  EXPECT_EQ(shrRound32(3, 1), 2);
+  EXPECT_EQ(shrRound32(-3, 1), -1);
+  EXPECT_EQ(mulDpf(toDpf(kMin32), toDpf(kMin32)), kMax32);
+  EXPECT_EQ(fromDpf(toDpf(-123456)), -123456);
+  EXPECT_EQ(divQ15(1, 3), 10922);
+  EXPECT_EQ(divQ15(5, 5), 32767);
+  EXPECT_EQ(norm16(-1), 15);
+  EXPECT_EQ(norm32(-1073741825), 0);
+  EXPECT_EQ(ownPow2(31, 0), kMax32);
+  EXPECT_EQ(ownPow2(-1, 0), 1) << "2^-1 rounds up";
+  EXPECT_EQ(ownPow2(-2, 32767), 0);
+}
+
+TEST(ScaleRule, RoundsTiesToEvenAndTreatsBeyond31As31) {
+  EXPECT_EQ(scaled(65535, 17), 0);
+  EXPECT_EQ(scaled(65535, 16), 1);
+  EXPECT_EQ(scaled(32768, 16), 0);
+  EXPECT_EQ(scaled(98304, 16), 2);
+  EXPECT_EQ(scaled(-32768, 16), 0);
+  const V16 a = {32767, -32768, 12345, 17}, b = {32767, -32768, -999, 4};
+  for (const int s : {31, -31}) {
+    Zpp32s at31 = 0, beyond = 1;
+    zppsDotProd_16s32s_Sfs(a.data(), b.data(), 4, &at31, s);
+    zppsDotProd_16s32s_Sfs(a.data(), b.data(), 4, &beyond, s * 2);
+    EXPECT_EQ(at31, beyond);
+  }
+}
+
+// pmaddwd overflows for one pair of products only: two squares of -32768.
+TEST(DotProduct, IsExactAtTheExtremes) {
+  const V16 low(64, -32768), high(64, 32767);
+  EXPECT_EQ(ownDotProd_16s(low.data(), low.data(), 64), Zpp64s{64} << 30);
+  EXPECT_EQ(ownDotProd_16s(low.data(), high.data(), 64), -Zpp64s{64} * 32768 * 32767);
+  const V16 longOnes(1 << 20, -32768);
+  EXPECT_EQ(ownSum_16s(longOnes.data(), 1 << 20), -(Zpp64s{1} << 35));
+}
+
+TEST(RealExtremes, PassOverNaNAndPreferTheFirstZero) {
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  for (int len = 2; len < 40; ++len) {
+    std::vector<float> x(static_cast<std::size_t>(len), 1.0f);
+    x[static_cast<std::size_t>(len) - 1] = nan;
+    x[static_cast<std::size_t>(len) / 2] = len / 2 == len - 1 ? nan : 2.0f;
+    float most = 0;
+    int index = -1;
+    ASSERT_EQ(zppsMaxIndx_32f(x.data(), len, &most, &index), zppStsOk);
+    EXPECT_EQ(index, len / 2 == len - 1 ? 0 : len / 2) << len;
+    x[0] = nan;
+    ASSERT_EQ(zppsMinIndx_32f(x.data(), len, &most, &index), zppStsOk);
+    EXPECT_TRUE(std::isnan(most) && index == 0) << len;
+    std::vector<float> zeros(static_cast<std::size_t>(len), -0.0f);
+    zeros[1] = 0.0f;
+    ASSERT_EQ(zppsMax_32f(zeros.data(), len, &most), zppStsOk);
+    EXPECT_TRUE(std::signbit(most)) << "the first of equal elements";
+  }
+}
+
+TEST(MulPowerC, ChecksItsScaleBeforeItsLengthAndKeepsTheFirstElement) {
+  const V16 src = {12345, 100, 100};
+  V16 dst(3, 7);
+  EXPECT_EQ(zppsMulPowerC_NR_16s_Sfs(src.data(), 5, dst.data(), 0, -1), zppStsBadScale);
+  EXPECT_EQ(zppsMulPowerC_NR_16s_Sfs(src.data(), 5, dst.data(), 1, 0), zppStsOk);
+  EXPECT_EQ(dst, (V16{12345, 7, 7}));
+}
+
+TEST(VersionRecord, IsOneRecord) {
+  const ZppLibraryVersion* v = zppscGetLibVersion();
+  EXPECT_EQ(v, zppscGetLibVersion());
+  EXPECT_EQ(v->major, 4);
+  EXPECT_EQ(v->minor, 1);
+  EXPECT_EQ(v->majorBuild, 12);
+  EXPECT_EQ(v->build, 5);
+  EXPECT_STREQ(v->Version, "v4.1");
+  EXPECT_STREQ(v->BuildDate, "Jul 22 2004");
+}
+
+}  // namespace

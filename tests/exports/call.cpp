@@ -1,0 +1,169 @@
+#include "exports/call.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace test {
+
+namespace {
+
+template <class T>
+double get(const unsigned char* p) {
+  T v;
+  std::memcpy(&v, p, sizeof v);
+  return static_cast<double>(v);
+}
+template <class T>
+void put(unsigned char* p, double x) {
+  const T v = static_cast<T>(x);
+  std::memcpy(p, &v, sizeof v);
+}
+
+}  // namespace
+
+double Call::element(std::size_t argument, std::size_t index) const {
+  const Element e = function_.arguments[argument].element;
+  const unsigned char* p = blocks_[argument].memory->data() + index * sizeOf(e);
+  switch (e) {
+    case Element::u8:
+      return get<Zpp8u>(p);
+    case Element::s16:
+      return get<Zpp16s>(p);
+    case Element::u16:
+      return get<Zpp16u>(p);
+    case Element::s32:
+      return get<Zpp32s>(p);
+    case Element::u32:
+      return get<Zpp32u>(p);
+    default:
+      return static_cast<double>(get<Zpp32f>(p));
+  }
+}
+
+void Call::setElement(std::size_t argument, std::size_t index, double v) {
+  const Element e = function_.arguments[argument].element;
+  unsigned char* p = blocks_[argument].memory->data() + index * sizeOf(e);
+  switch (e) {
+    case Element::u8:
+      return put<Zpp8u>(p, v);
+    case Element::s16:
+      return put<Zpp16s>(p, v);
+    case Element::u16:
+      return put<Zpp16u>(p, v);
+    case Element::s32:
+      return put<Zpp32s>(p, v);
+    case Element::u32:
+      return put<Zpp32u>(p, v);
+    default:
+      return put<Zpp32f>(p, v);
+  }
+}
+
+void Call::place(std::size_t argument, std::size_t elements, std::size_t history, Place where) {
+  const std::size_t size = sizeOf(function_.arguments[argument].element);
+  Block& block = blocks_[argument];
+  block.memory = std::make_unique<Guarded>(elements * size);
+  unsigned char* data = block.memory->claim(elements * size, where, size);
+  std::memset(data, 0x5A, elements * size);
+  passed_[argument].pointer = data + history * size;
+}
+
+Call::Call(const Export& function, Place where)
+    : function_(function), passed_(function.arguments.size()), blocks_(function.arguments.size()) {
+  unsigned noise = 12345;
+  for (std::size_t i = 0; i < passed_.size(); ++i, where = where.next()) {
+    const Argument& a = function.arguments[i];
+    if (!a.isBuffer()) {
+      passed_[i].number = a.value;
+      for (const Argument& other : function.arguments)
+        if (!a.lengthOf.empty() && other.name == a.lengthOf)
+          passed_[i].number = static_cast<double>(other.count / other.perItem);
+      continue;
+    }
+    const std::size_t elements = a.history + a.count;
+    place(i, elements, a.history, where);
+    if (a.role != Argument::Role::out)
+      for (std::size_t k = 0; k < elements; ++k) {
+        noise = noise * 1664525u + 1013904223u;
+        setElement(i, k, a.element == Element::u8 ? noise >> 24 : static_cast<int>(noise >> 22) - 512);
+      }
+    if (a.prepare) a.prepare(passed_[i].pointer);
+  }
+  for (Block& b : blocks_)
+    if (b.memory) b.before.assign(b.memory->data(), b.memory->data() + b.memory->size());
+}
+
+Call::Call(const Export& function, const GoldenCase& golden, Place where)
+    : function_(function), passed_(function.arguments.size()), blocks_(function.arguments.size()) {
+  const auto scalar = [&](const std::string& name, double otherwise) {
+    const auto found = golden.in.find(name);
+    return found == golden.in.end() ? otherwise : found->second.at(0);
+  };
+  const auto elementsOf = [&](const Argument& a) {
+    const auto given = golden.in.find(a.name), expected = golden.out.find(a.name);
+    return std::max(given == golden.in.end() ? 0 : given->second.size(),
+                    expected == golden.out.end() ? 0 : expected->second.size());
+  };
+  for (std::size_t i = 0; i < passed_.size(); ++i, where = where.next()) {
+    const Argument& a = function.arguments[i];
+    if (!a.isBuffer()) {
+      double otherwise = a.value;
+      for (const Argument& other : function.arguments)
+        if (!a.lengthOf.empty() && other.name == a.lengthOf)
+          otherwise = static_cast<double>((elementsOf(other) - other.history) / other.perItem);
+      passed_[i].number = scalar(a.name, otherwise);
+      continue;
+    }
+    const auto given = golden.in.find(a.name);
+    if (a.optional && given == golden.in.end() && !golden.out.count(a.name)) continue;  // null
+    std::size_t elements = elementsOf(a);
+    std::size_t history = a.history;
+    if (elements == 0) elements = history + a.count;
+    if (!a.historyFrom.empty()) history = elements - static_cast<std::size_t>(scalar(a.historyFrom, 0));
+    place(i, elements, history, where);
+    if (given != golden.in.end())
+      for (std::size_t k = 0; k < given->second.size(); ++k) setElement(i, k, given->second[k]);
+  }
+  for (Block& b : blocks_)
+    if (b.memory) b.before.assign(b.memory->data(), b.memory->data() + b.memory->size());
+}
+
+std::string Call::wrongWrites(bool writable) const {
+  for (std::size_t i = 0; i < blocks_.size(); ++i) {
+    const Block& b = blocks_[i];
+    if (!b.memory) continue;
+    const std::string& name = function_.arguments[i].name;
+    if (!b.memory->canariesIntact()) return "wrote outside " + name;
+    if (writable && function_.arguments[i].role != Argument::Role::in) continue;
+    if (!std::equal(b.before.begin(), b.before.end(), b.memory->data())) return "changed " + name;
+  }
+  return {};
+}
+
+std::string Call::difference(const GoldenCase& golden) const {
+  for (const auto& [name, want] : golden.out) {
+    std::size_t i = 0;
+    while (i < passed_.size() && (function_.arguments[i].name != name || !blocks_[i].memory)) ++i;
+    if (i == passed_.size()) return "no argument " + name;
+    double largest = 0;
+    for (const double w : want) largest = std::max(largest, std::fabs(w));
+    const double allowed = golden.absolute + golden.relative * largest;
+    for (std::size_t k = 0; k < want.size(); ++k) {
+      const double got = element(i, k);
+      const double expected =
+          function_.arguments[i].element == Element::f32 ? static_cast<double>(static_cast<float>(want[k])) : want[k];
+      if (!(std::fabs(got - expected) <= allowed))
+        return name + "[" + std::to_string(k) + "] is " + std::to_string(got) + ", not " + std::to_string(want[k]);
+    }
+  }
+  return {};
+}
+
+std::vector<std::vector<unsigned char>> Call::contents() const {
+  std::vector<std::vector<unsigned char>> all;
+  for (const Block& b : blocks_)
+    if (b.memory) all.emplace_back(b.memory->data(), b.memory->data() + b.memory->size());
+  return all;
+}
+
+}  // namespace test

@@ -1,0 +1,43 @@
+// One call of an export with its buffers in guarded memory.
+#pragma once
+
+#include <memory>
+
+#include "exports/export_table.h"
+#include "support/golden.h"
+#include "support/guarded.h"
+
+namespace test {
+
+class Call {
+ public:
+  // Contract run: every argument accepted, buffers filled with a reproducible pattern.
+  Call(const Export& function, Place place);
+  // Golden run: values of the case, sizes from the case's buffers.
+  Call(const Export& function, const GoldenCase& golden, Place place);
+
+  Passed& operator[](std::size_t argument) { return passed_[argument]; }
+  ZppStatus operator()() { return function_.call(passed_); }
+
+  // Empty when nothing was written but what the roles allow; `writable` false: not even the outputs.
+  std::string wrongWrites(bool writable) const;
+  // Empty when all outputs that the case names are as it says.
+  std::string difference(const GoldenCase& golden) const;
+  // Contents of all buffers
+  std::vector<std::vector<unsigned char>> contents() const;
+
+ private:
+  struct Block {
+    std::unique_ptr<Guarded> memory;
+    std::vector<unsigned char> before;
+  };
+  void place(std::size_t argument, std::size_t elements, std::size_t history, Place where);
+  double element(std::size_t argument, std::size_t index) const;
+  void setElement(std::size_t argument, std::size_t index, double v);
+
+  const Export& function_;
+  std::vector<Passed> passed_;
+  std::vector<Block> blocks_;
+};
+
+}  // namespace test

@@ -1,0 +1,81 @@
+// The promises that all exports share, driven by the table of exports.
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "exports/call.h"
+
+namespace test {
+namespace {
+
+class Contract : public testing::TestWithParam<Export> {
+ protected:
+  // Sets every argument that can be refused, from the given rank of checks on, to a refused value.
+  static void spoil(Call& call, const Export& e, int fromRank, std::size_t except) {
+    for (std::size_t i = 0; i < e.arguments.size(); ++i)
+      if (i != except)
+        for (const Refused& r : e.arguments[i].refused)
+          if (r.rank >= fromRank) call[i].number = static_cast<double>(r.value);
+  }
+};
+
+TEST_P(Contract, AcceptsItsArgumentsAndWritesOnlyItsOutputs) {
+  const Export& e = GetParam();
+  for (const Place place : {Place{Place::Kind::end, 0}, Place{Place::Kind::start, 0}, Place{Place::Kind::middle, 2}}) {
+    Call call(e, place);
+    EXPECT_EQ(call(), e.status);
+    EXPECT_EQ(call.wrongWrites(true), "");
+  }
+}
+
+TEST_P(Contract, RefusesNullPointersBeforeAllElse) {
+  const Export& e = GetParam();
+  for (std::size_t i = 0; e.checks && i < e.arguments.size(); ++i) {
+    if (!e.arguments[i].isBuffer()) continue;
+    Call call(e, {});
+    call[i].pointer = nullptr;
+    if (e.arguments[i].optional) {
+      EXPECT_EQ(call(), e.status) << "null " << e.arguments[i].name << " is allowed";
+      continue;
+    }
+    spoil(call, e, 0, e.arguments.size());
+    EXPECT_EQ(call(), zppStsNullPointer) << e.arguments[i].name;
+    EXPECT_EQ(call.wrongWrites(false), "");
+  }
+}
+
+TEST_P(Contract, RefusesValuesInTheOrderOfChecks) {
+  const Export& e = GetParam();
+  for (std::size_t i = 0; e.checks && i < e.arguments.size(); ++i)
+    for (const Refused& r : e.arguments[i].refused) {
+      Call call(e, {});
+      spoil(call, e, r.rank + 1, i);
+      call[i].number = static_cast<double>(r.value);
+      EXPECT_EQ(call(), r.status) << e.arguments[i].name << " = " << r.value;
+      EXPECT_EQ(call.wrongWrites(false), "");
+    }
+}
+
+TEST_P(Contract, IsReentrant) {
+  const Export& e = GetParam();
+  Call alone(e, {});
+  alone();
+  std::vector<std::thread> threads;
+  std::vector<int> equal(4, 1);
+  for (std::size_t t = 0; t < equal.size(); ++t)
+    threads.emplace_back([&, t] {
+      for (int repeat = 0; repeat < 20; ++repeat) {
+        Call call(e, {});
+        call();
+        if (call.contents() != alone.contents()) equal[t] = 0;
+      }
+    });
+  for (auto& t : threads) t.join();
+  EXPECT_EQ(equal, std::vector<int>(4, 1));
+}
+
+std::string nameOf(const testing::TestParamInfo<Export>& info) { return info.param.name; }
+INSTANTIATE_TEST_SUITE_P(Exports, Contract, testing::ValuesIn(allExports()), nameOf);
+
+}  // namespace
+}  // namespace test
