@@ -39,6 +39,7 @@ struct Argument {
   std::string lengthOf;                // scalars: golden runs take the size of this buffer
   std::vector<Refused> refused;        // scalars
   Element element = Element::u8;       // from the prototype; bytes for state blocks
+  bool real = false;                   // scalars: of a floating-point type
   bool untyped = false;                // the prototype has void*, and the golden vectors give `element`s
   std::size_t perItem = 1;             // elements of the golden vectors in one element of the prototype (2 for complex)
 
@@ -124,6 +125,7 @@ struct Passed {
 
 struct Export {
   std::string name;
+  const void* address = nullptr;
   std::vector<Argument> arguments;
   std::function<ZppStatus(const std::vector<Passed>&)> call;
   bool checks = true;           // false: an internal step that trusts its arguments
@@ -176,6 +178,7 @@ Export row(const char* name, Return (*function)(Types...), Arguments... argument
   static_assert(sizeof...(Types) == sizeof...(Arguments), "one description for each argument");
   Export e;
   e.name = name;
+  e.address = reinterpret_cast<const void*>(function);
   e.arguments = {arguments...};
   std::size_t i = 0;
   const auto complete = [&]<class T>(std::type_identity<T>) {
@@ -184,6 +187,8 @@ Export row(const char* name, Return (*function)(Types...), Arguments... argument
       using Item = std::remove_const_t<std::remove_pointer_t<T>>;
       if (!a.untyped) a.element = elementOf<Item>();
       a.perItem = std::is_same_v<Item, Zpp16sc> ? 2 : 1;
+    } else {
+      a.real = std::is_floating_point_v<T>;
     }
   };
   (complete(std::type_identity<Types>{}), ...);

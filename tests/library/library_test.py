@@ -1,0 +1,83 @@
+"""The promises of the built shared library: what it exports, what it needs, and what it must not hold.
+
+    library_test.py LIBRARY HEADER EXPORTS_TEST LEVEL
+"""
+import re
+import subprocess
+import sys
+import unittest
+
+LIBRARY, HEADER, EXPORTS_TEST, LEVEL = sys.argv[1:5]
+
+
+def output(*command):
+    return subprocess.run(command, check=True, capture_output=True, text=True).stdout
+
+
+def declared():
+    return set(re.findall(r"^ZPPAPI [^;(]*?(\w+)\(", open(HEADER, encoding="utf-8").read(), re.MULTILINE))
+
+
+def exported():
+    return {line.split()[-1] for line in output("nm", "-D", "--defined-only", LIBRARY).splitlines()}
+
+
+class Exports(unittest.TestCase):
+    def test_are_those_of_the_header(self):
+        self.assertGreater(len(declared()), 60)
+        self.assertEqual(exported(), declared())
+
+    def test_have_a_row_in_the_table_of_exports(self):
+        listed = output(EXPORTS_TEST, "--gtest_list_tests")
+        rows = set(re.findall(r"AcceptsItsArgumentsAndWritesOnlyItsOutputs/(\w+)", listed))
+        self.assertEqual(declared() - rows, {"zppscGetLibVersion"})
+
+
+class Binary(unittest.TestCase):
+    def test_has_its_soname_and_needs_the_c_runtime_only(self):
+        dynamic = output("readelf", "-dW", LIBRARY)
+        self.assertRegex(dynamic, r"SONAME.*\[libzppsc\.so\.4\]")
+        self.assertLessEqual(set(re.findall(r"NEEDED.*\[(.*)\]", dynamic)), {"libc.so.6", "libm.so.6"})
+        self.assertNotIn("TEXTREL", dynamic)
+
+    def test_calls_nothing_but_memory_blocks_and_mathematics(self):
+        names = {line.split()[-1].split("@")[0] for line in output("nm", "-D", "--undefined-only", LIBRARY).splitlines()}
+        self.assertLessEqual(names, {"memcpy", "memmove", "memset", "sqrt", "sqrtf", "cos", "cosf", "acos", "acosf", "pow", "powf",
+                                     "log10", "log10f", "log", "exp", "floor"})
+
+    def test_has_read_only_tables_and_no_writable_data(self):
+        sections = output("readelf", "-SW", LIBRARY)
+        self.assertIn(".rodata", sections)
+        for name, size in re.findall(r"\] (\.\S+)\s+\S+\s+[0-9a-f]+ [0-9a-f]+ ([0-9a-f]+)", sections):
+            if name in (".data", ".bss", ".tdata", ".tbss", ".init_array", ".fini_array", ".ctors"):
+                self.assertEqual(int(size, 16), 0, name)
+        self.assertRegex(output("readelf", "-lW", LIBRARY), r"GNU_STACK.*RW ")
+
+    def test_uses_no_instruction_set_beyond_its_level(self):
+        text = output("objdump", "-d", "--no-show-raw-insn", LIBRARY)
+        sse3 = r"\b(addsub|hadd|hsub)p[sd]\b|\blddqu\b|\bmov(ddup|shdup|sldup)\b"
+        ssse3_and_above = r"\b(pshufb|palignr|pabs[bwd]|pmulhrsw|phadd\w+|pmaddubsw|pmulld|pminsd|pmaxsd|v[a-z]+p[sd])\b"
+        self.assertIsNone(re.search(ssse3_and_above, text))
+        if LEVEL != "t7":
+            self.assertIsNone(re.search(sse3, text))
+        if LEVEL in ("px", "a6") and word_size() == 32:
+            self.assertNotRegex(text, r"\b(movdq[au]|padd[bwdq]|pmaddwd|cvtsi2sd|addsd|mulsd)\b")
+        if LEVEL == "px" and word_size() == 32:
+            self.assertNotIn("%xmm", text)
+
+
+def word_size():
+    return 32 if "ELF32" in output("readelf", "-h", LIBRARY) else 64
+
+
+class Version(unittest.TestCase):
+    def test_names_the_file_and_the_level(self):
+        strings = open(LIBRARY, "rb").read()
+        self.assertIn(b"libzppsc.so.4\0", strings)
+        self.assertIn(b"Jul 22 2004\0", strings)
+        self.assertIn(LEVEL.encode() + b"\0\0", strings)
+
+
+if __name__ == "__main__":
+    del sys.argv[1:]
+    unittest.main()
