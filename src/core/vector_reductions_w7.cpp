@@ -7,6 +7,12 @@ using namespace zpp;
 
 namespace {
 
+// A pair sum of pmaddwd lies in -2^31 + 2^16 .. 2^31, so the one lane value that is not what it seems, 0x80000000, is +2^31.
+V addPairs64(V acc, V pairs) {
+  const V sign = _mm_andnot_si128(_mm_cmpeq_epi32(pairs, _mm_set1_epi32(kMin32)), _mm_srai_epi32(pairs, 31));
+  return _mm_add_epi64(acc, _mm_add_epi64(_mm_unpacklo_epi32(pairs, sign), _mm_unpackhi_epi32(pairs, sign)));
+}
+
 // Folds eight lanes into one with a commutative, associative operation.
 template <class Operation>
 Zpp16s fold(V v, Operation operation) {
@@ -44,25 +50,11 @@ Zpp64s ownSum_16s_W7(const Zpp16s* src, int len) {
   return sum + ownSum_16s_PX(src + n, len - n);
 }
 
-// A pair sum of pmaddwd lies in -2^31 + 2^16 .. 2^31: the highest wraps, but one less does not. Its halves are summed apart,
-// which 2^14 steps cannot overflow.
 Zpp64s ownDotProd_16s_W7(const Zpp16s* src1, const Zpp16s* src2, int len) {
-  const V ones = _mm_set1_epi32(1), lowHalf = _mm_set1_epi32(0xffff);
-  Zpp64s sum = 0;
+  V acc = _mm_setzero_si128();
   int n = 0;
-  while (n + 8 <= len) {
-    const int begin = n, end = len - n > 8 << 14 ? n + (8 << 14) : len;
-    V high = _mm_setzero_si128(), low = _mm_setzero_si128();
-    for (; n + 8 <= end; n += 8) {
-      const V pairs = _mm_sub_epi32(_mm_madd_epi16(load(src1 + n), load(src2 + n)), ones);
-      high = _mm_add_epi32(high, _mm_srai_epi32(pairs, 16));
-      low = _mm_add_epi32(low, _mm_and_si128(pairs, lowHalf));
-    }
-    // Four lanes, one step less a lane: (n - begin) / 2 altogether
-    sum += sumLanes64(addWide64(_mm_setzero_si128(), high)) * 65536 + sumLanes64(addWide64(_mm_setzero_si128(), low)) +
-           (n - begin) / 2;
-  }
-  return sum + ownDotProd_16s_PX(src1 + n, src2 + n, len - n);
+  for (; n + 8 <= len; n += 8) acc = addPairs64(acc, _mm_madd_epi16(load(src1 + n), load(src2 + n)));
+  return sumLanes64(acc) + ownDotProd_16s_PX(src1 + n, src2 + n, len - n);
 }
 
 Zpp16s ownMax_16s_W7(const Zpp16s* src, int len) {
