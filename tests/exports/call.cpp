@@ -104,20 +104,23 @@ Call::Call(const Export& function, const GoldenCase& golden, Place where)
     return std::max(given == golden.in.end() ? 0 : given->second.size(),
                     expected == golden.out.end() ? 0 : expected->second.size());
   };
+  const auto historyOf = [&](const Argument& a) {
+    return a.historyIs.empty() ? a.history : static_cast<std::size_t>(scalar(a.historyIs, 0));
+  };
   for (std::size_t i = 0; i < passed_.size(); ++i, where = where.next()) {
     const Argument& a = function.arguments[i];
     if (!a.isBuffer()) {
       double otherwise = a.value;
       for (const Argument& other : function.arguments)
         if (!a.lengthOf.empty() && other.name == a.lengthOf)
-          otherwise = static_cast<double>((elementsOf(other) - other.history) / other.perItem);
+          otherwise = static_cast<double>((elementsOf(other) - historyOf(other)) / other.perItem);
       passed_[i].number = scalar(a.name, otherwise);
       continue;
     }
     const auto given = golden.in.find(a.name);
     if (a.optional && given == golden.in.end() && !golden.out.count(a.name)) continue;  // null
     std::size_t elements = elementsOf(a);
-    std::size_t history = a.history;
+    std::size_t history = historyOf(a);
     if (elements == 0) elements = history + a.count;
     if (!a.historyFrom.empty()) history = elements - static_cast<std::size_t>(scalar(a.historyFrom, 0));
     place(i, elements, history, where);

@@ -33,6 +33,7 @@ struct Argument {
   std::size_t count = 0;               // buffers: elements from the pointer on, in the contract run
   std::size_t history = 0;             // buffers: elements before the pointer
   std::string historyFrom;             // golden runs: history = elements of the buffer - value of this scalar
+  std::string historyIs;               // golden runs: history = value of this scalar
   bool optional = false;               // buffers: null is allowed
   std::function<void(void*)> prepare;  // buffers: content for the contract run, after the default fill
   double value = 0;                    // scalars: accepted value
@@ -48,6 +49,10 @@ struct Argument {
   }
   Argument before(std::size_t elements, std::string totalMinus) const {
     return with([&](Argument& a) { a.history = elements, a.historyFrom = std::move(totalMinus); });
+  }
+  // A delay line: the scalar tells how many elements lie before the pointer.
+  Argument after(std::string delay, std::size_t elements) const {
+    return with([&](Argument& a) { a.history = elements, a.historyIs = std::move(delay); });
   }
   // The elements of a state block (void*) as the golden vectors give them
   Argument of(Element e) const {
