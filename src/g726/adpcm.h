@@ -1,0 +1,254 @@
+// One sample of ITU-T G.726 (clauses 4.2.1 to 4.2.9), for the kernels of every processor level.
+//
+// The step from sample to sample is a template over the adaptive predictor, which a kernel file brings along and in which
+// nearly all of the work lies:
+//
+//   Predictor(const AdpcmState&)          takes coefficients and histories out of a state; store(AdpcmState&) puts them back
+//   Estimate estimate()                   FMULT and ACCUM
+//   int pole1(), pole2()                  a1, a2
+//   void update<leak>(...)                new poles, XOR and UPB for the zeros, FLOATA, FLOATB and the shift of the histories
+//   void clearCoefficients()              TRIGB
+#pragma once
+
+#include "core/companding.h"
+#include "core/fixed_point.h"
+#include "g726/state.h"
+#include "g726/tables.h"
+
+namespace zpp::g726 {
+
+// Signal estimates of the whole predictor and of its zeros (SE, SEZ)
+struct Estimate {
+  int whole, zeros;
+};
+
+// Quantised difference as sign and magnitude: "minus zero" exists, and its sign counts.
+struct Difference {
+  bool negative;
+  int magnitude;
+  int value() const { return negative ? -magnitude : magnitude; }
+};
+
+// LOG: base-2 logarithm in Q7 of 0..32767. It is of no consequence what 0 gives, as long as it is below 12: the lowest
+// decision level plus the smallest scale factor.
+constexpr int logarithm(int x) {
+  const int exponent = std::bit_width(static_cast<Zpp32u>(x | 1)) - 1;
+  return (exponent << 7) + ((x << 7) >> exponent) - 128;
+}
+
+// ANTILOG: inverse of it for Q7 logarithms below 15 * 128; 0 for negative ones, of at least -15 * 128
+constexpr int antilogarithm(int log) { return ((128 + (log & 127)) << 7) >> (14 - (log >> 7)); }
+
+// Mantissa of 6 bits, leading bit set: x * 64 / 2^(bit length of x), and 32 for 0
+constexpr int normalised(int x, int length) { return (x << 6 | (x == 0) << 5) >> length; }
+
+// FLOATA, FLOATB
+constexpr Zpp16u floatingWord(bool negative, int magnitude) {
+  const int exponent = std::bit_width(static_cast<Zpp32u>(magnitude));
+  return static_cast<Zpp16u>(negative << 10 | exponent << 6 | normalised(magnitude, exponent));
+}
+
+// FMULT: a coefficient (Q14) times a floating word
+constexpr int multiplied(int coefficient, int word) {
+  const int rounded = coefficient >> 2;
+  const int magnitude = coefficient < 0 ? -rounded & 8191 : rounded;
+  const int length = std::bit_width(static_cast<Zpp32u>(magnitude));
+  const int exponent = length + (word >> 6 & 15);
+  const int mantissa = (normalised(magnitude, length) * (word & 63) + 48) >> 4;
+  const int product = exponent > 19 ? (mantissa << (exponent - 19)) & 32767 : mantissa >> (19 - exponent);
+  return (word >> 10) != (coefficient < 0) ? -product : product;
+}
+
+constexpr int limitedTo14Bits(int signal) { return std::clamp(signal, -8192, 8191); }
+
+template <int bits, class Predictor>
+class Adpcm {
+ public:
+  explicit Adpcm(const AdpcmState& s)
+      : predictor(s), yl(s.yl), yu(s.yu), dms(s.dms), dml(s.dml), ap(s.ap), tone(s.tone), sign1(s.sign1), sign2(s.sign2) {}
+
+  void store(AdpcmState& s) const {
+    predictor.store(s);
+    s.yl = yl;
+    s.yu = static_cast<Zpp16s>(yu);
+    s.dms = static_cast<Zpp16s>(dms);
+    s.dml = static_cast<Zpp16s>(dml);
+    s.ap = static_cast<Zpp16s>(ap);
+    s.tone = tone;
+    s.sign1 = sign1;
+    s.sign2 = sign2;
+  }
+
+  // Begins a sample: predictor outputs and scale factor
+  void predict() {
+    signal = predictor.estimate();
+    y = mixedScaleFactor();
+  }
+
+  // SUBTA, LOG, SUBTB, QUAN
+  int quantise(int x) const {
+    const int difference = subSat16(x, signal.whole);
+    const int log = logarithm(absSat16(difference)) - (y >> 2);
+    return quantisers[bits - 2].code[difference < 0][std::clamp(log, lowestLog, highestLog) - lowestLog];
+  }
+
+  // Reconstructs the signal of a code, adapts everything to it and ends the sample.
+  int reconstruct(int code) {
+    const CodeMeaning& meaning = codeMeaning[(1 << bits) - 4 + code];
+    const Difference dq = {(code >> (bits - 1)) != 0, antilogarithm(meaning.logMagnitude + (y >> 2))};
+    const int reconstructed = wrap16(signal.whole + dq.value());
+    const bool transition = isTransition(dq.magnitude);
+
+    adaptScaleFactor(meaning.scaleFactor);
+    const bool toneNow = adaptPredictor(dq, reconstructed);
+    adaptSpeed(meaning.speed, toneNow);
+    tone = toneNow;
+    if (transition) {
+      predictor.clearCoefficients();
+      tone = false;
+      ap = 256;
+    }
+    return reconstructed;
+  }
+
+  // COMPRESS, EXPAND, SYNC: code word of a reconstructed signal, moved by one step where a further coder would otherwise choose
+  // another ADPCM code than the received one
+  int tandemCode(int reconstructed, int code, Law law) const {
+    const LawLevels& levels = lawLevels[law];
+    const int word = law == muLaw ? muLawOf(reconstructed) : aLawOf(reconstructed);
+    // With the sign bit inverted the codes ascend with the difference.
+    constexpr int offset = 1 << (bits - 1);
+    const int again = quantise(levels.value[word]) ^ offset, received = code ^ offset;
+    return again == received ? word : again < received ? levels.greater[word] : levels.smaller[word];
+  }
+
+ private:
+  static int muLawOf(int signal) {
+    if (signal == kMin16) return muLawCode(0);
+    const int x = limitedTo14Bits(signal) * 4;
+    return muLawCode(static_cast<Zpp16s>(x < 0 && x != kMin16 ? x - 1 : x));
+  }
+  static int aLawOf(int signal) { return aLawCode(static_cast<Zpp16s>(limitedTo14Bits(signal == kMin16 ? -2 : signal) * 4)); }
+
+  // LIMA, MIX: the fast scale factor weighs the more, the larger ap; the product's magnitude is truncated.
+  int mixedScaleFactor() const {
+    const int weight = ap > 255 ? 64 : ap >> 2, slow = yl >> 6;
+    const int product = (yu - slow) * weight;
+    return slow + ((product + (product >> 31 & 63)) >> 6);
+  }
+
+  // TRANS: a tone, and a difference above 3/4 of the slow scale factor
+  bool isTransition(int magnitude) const {
+    if (!tone) return false;
+    const int exponent = yl >> 15, mantissa = yl >> 10 & 31;
+    const int threshold = exponent > 9 ? 31744 : (32 + mantissa) << exponent;
+    return magnitude > (threshold + (threshold >> 1)) >> 1;
+  }
+
+  // FILTD, LIMB, FILTE
+  void adaptScaleFactor(int target) {
+    yu = std::clamp(y + ((target - y) >> 5), 544, 5120);
+    yl += yu + (-yl >> 6);
+  }
+
+  // FILTA, FILTB, SUBTC, FILTC: ap decays while short- and long-term average agree and neither silence nor a tone is on.
+  void adaptSpeed(int f, bool toneNow) {
+    dms += (f - dms) >> 5;
+    dml += (4 * f - dml) >> 7;
+    const int disagreement = std::abs(4 * dms - dml);
+    const bool slow = (y >= 1536) & (disagreement < dml >> 3) & !toneNow;
+    ap += ((slow ? 0 : 512) - ap) >> 4;
+  }
+
+  // ADDC, UPA2, LIMC, UPA1, LIMD, TONE, and the zeros; returns whether a tone is detected.
+  bool adaptPredictor(Difference dq, int reconstructed) {
+    const int partial = wrap16(dq.value() + signal.zeros);
+    const bool sign0 = partial < 0;
+    const int a1 = predictor.pole1(), a2 = predictor.pole2();
+    const int f1 = 4 * std::clamp(a1, -8191, 8191);
+    const int step2 = ((sign0 == sign2 ? 16384 : -16384) + (sign0 == sign1 ? -f1 : f1)) >> 7;
+    const int step1 = sign0 == sign1 ? 192 : -192;
+    const int moving = partial == 0 ? 0 : -1;
+    const int new2 = std::clamp(a2 + (step2 & moving) - (a2 >> 7), -12288, 12288);
+    const int limit1 = 15360 - new2;
+    const int new1 = std::clamp(a1 + (step1 & moving) - (a1 >> 8), -limit1, limit1);
+    predictor.template update<bits == 5 ? 9 : 8>(new1, new2, dq, reconstructed);
+    sign2 = sign1;
+    sign1 = sign0;
+    return new2 < -11776;
+  }
+
+  Predictor predictor;
+  Estimate signal = {};  // of the sample in progress
+  int y = 0;             // scale factor of the sample in progress, Q9
+  int yl, yu, dms, dml, ap;
+  bool tone, sign1, sign2;
+};
+
+template <int bits, class Predictor>
+void encode(AdpcmState& state, const Zpp16s* src, Zpp8u* dst, Zpp32u len) {
+  Adpcm<bits, Predictor> coder(state);
+  for (Zpp32u n = 0; n < len; ++n) {
+    coder.predict();
+    const int code = coder.quantise(src[n]);
+    dst[n] = static_cast<Zpp8u>(code);
+    coder.reconstruct(code);
+  }
+  coder.store(state);
+}
+
+template <int bits, class Predictor>
+void decode(AdpcmState& state, const Zpp8u* src, Zpp16s* dst, Zpp32u len) {
+  Adpcm<bits, Predictor> coder(state);
+  const Law law = state.law == muLaw ? muLaw : state.law == aLaw ? aLaw : linear;
+  for (Zpp32u n = 0; n < len; ++n) {
+    const int code = src[n] & ((1 << bits) - 1);
+    coder.predict();
+    const int reconstructed = coder.reconstruct(code);
+    const int out = law == linear ? limitedTo14Bits(reconstructed) : coder.tandemCode(reconstructed, code, law);
+    dst[n] = static_cast<Zpp16s>(out);
+  }
+  coder.store(state);
+}
+
+template <class Predictor>
+void encodeAtRate(void* block, const Zpp16s* src, Zpp8u* dst, Zpp32u len) {
+  AdpcmState state = loadState(block);
+  switch (state.rate) {
+    case 0:
+      encode<2, Predictor>(state, src, dst, len);
+      break;
+    case 1:
+      encode<3, Predictor>(state, src, dst, len);
+      break;
+    case 2:
+      encode<4, Predictor>(state, src, dst, len);
+      break;
+    default:
+      encode<5, Predictor>(state, src, dst, len);
+      break;
+  }
+  storeState(state, block);
+}
+
+template <class Predictor>
+void decodeAtRate(void* block, const Zpp8u* src, Zpp16s* dst, Zpp32u len) {
+  AdpcmState state = loadState(block);
+  switch (state.rate) {
+    case 0:
+      decode<2, Predictor>(state, src, dst, len);
+      break;
+    case 1:
+      decode<3, Predictor>(state, src, dst, len);
+      break;
+    case 2:
+      decode<4, Predictor>(state, src, dst, len);
+      break;
+    default:
+      decode<5, Predictor>(state, src, dst, len);
+      break;
+  }
+  storeState(state, block);
+}
+
+}  // namespace zpp::g726
