@@ -22,14 +22,17 @@ struct Estimate {
   int whole, zeros;
 };
 
-// Quantised difference as sign and magnitude: "minus zero" exists, and its sign counts.
+// -x for a sign of -1, x for one of 0
+constexpr int withSign(int x, int sign) { return (x ^ sign) - sign; }
+
+// Quantised difference: "minus zero" exists, and its sign counts.
 struct Difference {
-  bool negative;
+  int sign;  // 0, or -1 for negative
   int magnitude;
-  int value() const { return negative ? -magnitude : magnitude; }
+  int value() const { return withSign(magnitude, sign); }
 };
 
-// LOG: base-2 logarithm in Q7 of 0..32767. It is of no consequence what 0 gives, as long as it is below 12: the lowest
+// LOG: base-2 logarithm in Q7. It is of no consequence what 0 gives, as long as it is below 12: the lowest
 // decision level plus the smallest scale factor.
 constexpr int logarithm(int x) {
   const int exponent = std::bit_width(static_cast<Zpp32u>(x | 1)) - 1;
@@ -39,24 +42,31 @@ constexpr int logarithm(int x) {
 // ANTILOG: inverse of it for Q7 logarithms below 15 * 128; 0 for negative ones, of at least -15 * 128
 constexpr int antilogarithm(int log) { return ((128 + (log & 127)) << 7) >> (14 - (log >> 7)); }
 
-// Mantissa of 6 bits, leading bit set: x * 64 / 2^(bit length of x), and 32 for 0
-constexpr int normalised(int x, int length) { return (x << 6 | (x == 0) << 5) >> length; }
+// The number format of FMULT: mantissa of 6 bits with its leading bit set, also that of zero, which stands as 1/2.
+struct Floating {
+  int sign;      // 0, or -1 for negative; zero has a sign, too
+  int exponent;  // bit length of the magnitude
+  int mantissa;  // 32..63
 
-// FLOATA, FLOATB
-constexpr Zpp16u floatingWord(bool negative, int magnitude) {
-  const int exponent = std::bit_width(static_cast<Zpp32u>(magnitude));
-  return static_cast<Zpp16u>(negative << 10 | exponent << 6 | normalised(magnitude, exponent));
-}
+  // FLOATA, FLOATB, for magnitudes of 15 bits
+  static constexpr Floating of(int sign, int magnitude) {
+    // The doubled magnitude, for which 1 stands in when it is zero, has the same mantissa.
+    const Zpp32u twice = std::max(2 * magnitude, 1);
+    const int exponent = std::bit_width(twice | 1) - 1;
+    return {sign, exponent, static_cast<int>((twice << 5) >> exponent)};
+  }
+  static constexpr Floating fromWord(int word) { return {-(word >> 10), word >> 6 & 15, word & 63}; }
+  constexpr Zpp16u word() const { return static_cast<Zpp16u>((sign & 1024) | exponent << 6 | mantissa); }
+};
 
-// FMULT: a coefficient (Q14) times a floating word
-constexpr int multiplied(int coefficient, int word) {
-  const int rounded = coefficient >> 2;
-  const int magnitude = coefficient < 0 ? -rounded & 8191 : rounded;
-  const int length = std::bit_width(static_cast<Zpp32u>(magnitude));
-  const int exponent = length + (word >> 6 & 15);
-  const int mantissa = (normalised(magnitude, length) * (word & 63) + 48) >> 4;
-  const int product = exponent > 19 ? (mantissa << (exponent - 19)) & 32767 : mantissa >> (19 - exponent);
-  return (word >> 10) != (coefficient < 0) ? -product : product;
+// FMULT: a coefficient (Q14) times a past signal
+constexpr int multiplied(int coefficient, Floating signal) {
+  const int sign = coefficient >> 31;
+  const Floating factor = Floating::of(sign, withSign(coefficient >> 2, sign) & 8191);
+  const auto product = static_cast<Zpp32u>(factor.mantissa * signal.mantissa + 48) >> 4;
+  // product * 2^(both exponents - 19), by way of the upper end of the word; bits above the 15th are lost.
+  const Zpp32u magnitude = (product << (factor.exponent + 11)) >> (30 - signal.exponent) & 32767;
+  return withSign(static_cast<int>(magnitude), sign ^ signal.sign);
 }
 
 constexpr int limitedTo14Bits(int signal) { return std::clamp(signal, -8192, 8191); }
@@ -65,7 +75,7 @@ template <int bits, class Predictor>
 class Adpcm {
  public:
   explicit Adpcm(const AdpcmState& s)
-      : predictor(s), yl(s.yl), yu(s.yu), dms(s.dms), dml(s.dml), ap(s.ap), tone(s.tone), sign1(s.sign1), sign2(s.sign2) {}
+      : predictor(s), yl(s.yl), yu(s.yu), dms(s.dms), dml(s.dml), ap(s.ap), sign1(-s.sign1), sign2(-s.sign2), tone(s.tone) {}
 
   void store(AdpcmState& s) const {
     predictor.store(s);
@@ -75,8 +85,8 @@ class Adpcm {
     s.dml = static_cast<Zpp16s>(dml);
     s.ap = static_cast<Zpp16s>(ap);
     s.tone = tone;
-    s.sign1 = sign1;
-    s.sign2 = sign2;
+    s.sign1 = sign1 != 0;
+    s.sign2 = sign2 != 0;
   }
 
   // Begins a sample: predictor outputs and scale factor
@@ -87,15 +97,16 @@ class Adpcm {
 
   // SUBTA, LOG, SUBTB, QUAN
   int quantise(int x) const {
-    const int difference = subSat16(x, signal.whole);
-    const int log = logarithm(absSat16(difference)) - (y >> 2);
-    return quantisers[bits - 2].code[difference < 0][std::clamp(log, lowestLog, highestLog) - lowestLog];
+    // A magnitude of 32767 lies in the outermost interval whatever the scale factor, so greater ones need no saturation.
+    const int difference = x - signal.whole;
+    const int log = logarithm(std::abs(difference)) - (y >> 2);
+    return quantisers[bits - 2].code[std::clamp(log, lowestLog, highestLog) - lowestLog][difference < 0];
   }
 
   // Reconstructs the signal of a code, adapts everything to it and ends the sample.
-  int reconstruct(int code) {
+  [[gnu::always_inline]] int reconstruct(int code) {
     const CodeMeaning& meaning = codeMeaning[(1 << bits) - 4 + code];
-    const Difference dq = {(code >> (bits - 1)) != 0, antilogarithm(meaning.logMagnitude + (y >> 2))};
+    const Difference dq = {-(code >> (bits - 1)), antilogarithm(meaning.logMagnitude + (y >> 2))};
     const int reconstructed = wrap16(signal.whole + dq.value());
     const bool transition = isTransition(dq.magnitude);
 
@@ -161,13 +172,13 @@ class Adpcm {
   }
 
   // ADDC, UPA2, LIMC, UPA1, LIMD, TONE, and the zeros; returns whether a tone is detected.
-  bool adaptPredictor(Difference dq, int reconstructed) {
+  [[gnu::always_inline]] bool adaptPredictor(Difference dq, int reconstructed) {
     const int partial = wrap16(dq.value() + signal.zeros);
-    const bool sign0 = partial < 0;
+    const int sign0 = partial >> 31;
     const int a1 = predictor.pole1(), a2 = predictor.pole2();
     const int f1 = 4 * std::clamp(a1, -8191, 8191);
-    const int step2 = ((sign0 == sign2 ? 16384 : -16384) + (sign0 == sign1 ? -f1 : f1)) >> 7;
-    const int step1 = sign0 == sign1 ? 192 : -192;
+    const int step2 = (withSign(16384, sign0 ^ sign2) + withSign(-f1, sign0 ^ sign1)) >> 7;
+    const int step1 = withSign(192, sign0 ^ sign1);
     const int moving = partial == 0 ? 0 : -1;
     const int new2 = std::clamp(a2 + (step2 & moving) - (a2 >> 7), -12288, 12288);
     const int limit1 = 15360 - new2;
@@ -182,7 +193,8 @@ class Adpcm {
   Estimate signal = {};  // of the sample in progress
   int y = 0;             // scale factor of the sample in progress, Q9
   int yl, yu, dms, dml, ap;
-  bool tone, sign1, sign2;
+  int sign1, sign2;  // of dq + sez in the last two samples: 0, or -1 for negative
+  bool tone;
 };
 
 template <int bits, class Predictor>

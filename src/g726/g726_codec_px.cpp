@@ -11,11 +11,11 @@ class Predictor {
  public:
   explicit Predictor(const AdpcmState& s) {
     std::copy_n(s.coefficient, taps, coefficient);
-    std::copy_n(s.history, taps, history);
+    std::transform(s.history, s.history + taps, history, Floating::fromWord);
   }
   void store(AdpcmState& s) const {
     std::copy_n(coefficient, taps, s.coefficient);
-    std::copy_n(history, taps, s.history);
+    for (int k = 0; k < taps; ++k) s.history[k] = history[k].word();
   }
 
   Estimate estimate() const {
@@ -31,23 +31,23 @@ class Predictor {
 
   template <int leak>
   void update(int new1, int new2, Difference dq, int reconstructed) {
+    const int step = dq.magnitude == 0 ? 0 : withSign(128, dq.sign);
     for (int k = 0; k < zeros; ++k) {
-      const int step = dq.magnitude == 0 ? 0 : (history[k] >> 10) == dq.negative ? 128 : -128;
-      coefficient[k] = wrap16(coefficient[k] + step - (coefficient[k] >> leak));
+      coefficient[k] = wrap16(coefficient[k] + withSign(step, history[k].sign) - (coefficient[k] >> leak));
     }
     coefficient[zeros] = static_cast<Zpp16s>(new1);
     coefficient[zeros + 1] = static_cast<Zpp16s>(new2);
     std::copy_backward(history, history + zeros - 1, history + zeros);
-    history[0] = floatingWord(dq.negative, dq.magnitude);
+    history[0] = Floating::of(dq.sign, dq.magnitude);
     history[zeros + 1] = history[zeros];
-    history[zeros] = floatingWord(reconstructed < 0, std::abs(reconstructed) & 32767);
+    history[zeros] = Floating::of(reconstructed >> 31, std::abs(reconstructed) & 32767);
   }
 
   void clearCoefficients() { std::fill_n(coefficient, taps, Zpp16s{0}); }
 
  private:
   Zpp16s coefficient[taps];
-  Zpp16u history[taps];
+  Floating history[taps];
 };
 
 }  // namespace

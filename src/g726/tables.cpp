@@ -18,8 +18,8 @@ constexpr Quantiser makeQuantiser(const Zpp16s (&level)[levels]) {
   for (int log = lowestLog; log <= highestLog; ++log) {
     int code = 0;
     while (code < levels && level[code] <= log) ++code;
-    quantiser.code[0][log - lowestLog] = static_cast<Zpp8u>(code == 0 && levels > 1 ? ones : code);
-    quantiser.code[1][log - lowestLog] = static_cast<Zpp8u>(ones - code);
+    quantiser.code[log - lowestLog][0] = static_cast<Zpp8u>(code == 0 && levels > 1 ? ones : code);
+    quantiser.code[log - lowestLog][1] = static_cast<Zpp8u>(ones - code);
   }
   return quantiser;
 }

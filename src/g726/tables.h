@@ -15,11 +15,11 @@ struct CodeMeaning {
 // The codes of 2, 3, 4 and 5 bits, one set behind the other; those of n bits start at entry 2^n - 4
 extern const CodeMeaning codeMeaning[4 + 8 + 16 + 32];
 
-// QUAN: code by [rate][difference below 0][DLN - lowestLog], DLN (Q7) limited to lowestLog..highestLog, which lie beyond the
+// QUAN: code by [rate][DLN - lowestLog][difference below 0], DLN (Q7) limited to lowestLog..highestLog, which lie beyond the
 // outermost decision levels
 inline constexpr int lowestLog = -125, highestLog = 553;
 struct Quantiser {
-  Zpp8u code[2][highestLog - lowestLog + 1];
+  Zpp8u code[highestLog - lowestLog + 1][2];
 };
 extern const Quantiser quantisers[4];
 
