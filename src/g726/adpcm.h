@@ -96,17 +96,23 @@ class Adpcm {
   }
 
   // SUBTA, LOG, SUBTB, QUAN
-  int quantise(int x) const {
+  struct Quantised {
+    int code, logMagnitude;
+  };
+  Quantised quantise(int x) const {
     // A magnitude of 32767 lies in the outermost interval whatever the scale factor, so greater ones need no saturation.
     const int difference = x - signal.whole;
     const int log = logarithm(std::abs(difference)) - (y >> 2);
-    return quantisers[bits - 2].code[std::clamp(log, lowestLog, highestLog) - lowestLog][difference < 0];
+    const auto& interval = quantisers[bits - 2].interval[std::clamp(log, lowestLog, highestLog) - lowestLog];
+    return {interval.code[difference < 0], interval.logMagnitude};
   }
 
+  Quantised dequantise(int code) const { return {code, meaningOf(code).logMagnitude}; }
+
   // Reconstructs the signal of a code, adapts everything to it and ends the sample.
-  [[gnu::always_inline]] int reconstruct(int code) {
-    const CodeMeaning& meaning = codeMeaning[(1 << bits) - 4 + code];
-    const Difference dq = {-(code >> (bits - 1)), antilogarithm(meaning.logMagnitude + (y >> 2))};
+  [[gnu::always_inline]] int reconstruct(Quantised quantised) {
+    const CodeMeaning& meaning = meaningOf(quantised.code);
+    const Difference dq = {-(quantised.code >> (bits - 1)), antilogarithm(quantised.logMagnitude + (y >> 2))};
     const int reconstructed = wrap16(signal.whole + dq.value());
     const bool transition = isTransition(dq.magnitude);
 
@@ -129,11 +135,12 @@ class Adpcm {
     const int word = law == muLaw ? muLawOf(reconstructed) : aLawOf(reconstructed);
     // With the sign bit inverted the codes ascend with the difference.
     constexpr int offset = 1 << (bits - 1);
-    const int again = quantise(levels.value[word]) ^ offset, received = code ^ offset;
+    const int again = quantise(levels.value[word]).code ^ offset, received = code ^ offset;
     return again == received ? word : again < received ? levels.greater[word] : levels.smaller[word];
   }
 
  private:
+  static const CodeMeaning& meaningOf(int code) { return codeMeaning[(1 << bits) - 4 + code]; }
   static int muLawOf(int signal) {
     if (signal == kMin16) return muLawCode(0);
     const int x = limitedTo14Bits(signal) * 4;
@@ -202,9 +209,9 @@ void encode(AdpcmState& state, const Zpp16s* src, Zpp8u* dst, Zpp32u len) {
   Adpcm<bits, Predictor> coder(state);
   for (Zpp32u n = 0; n < len; ++n) {
     coder.predict();
-    const int code = coder.quantise(src[n]);
-    dst[n] = static_cast<Zpp8u>(code);
-    coder.reconstruct(code);
+    const auto quantised = coder.quantise(src[n]);
+    dst[n] = static_cast<Zpp8u>(quantised.code);
+    coder.reconstruct(quantised);
   }
   coder.store(state);
 }
@@ -216,7 +223,7 @@ void decode(AdpcmState& state, const Zpp8u* src, Zpp16s* dst, Zpp32u len) {
   for (Zpp32u n = 0; n < len; ++n) {
     const int code = src[n] & ((1 << bits) - 1);
     coder.predict();
-    const int reconstructed = coder.reconstruct(code);
+    const int reconstructed = coder.reconstruct(coder.dequantise(code));
     const int out = law == linear ? limitedTo14Bits(reconstructed) : coder.tandemCode(reconstructed, code, law);
     dst[n] = static_cast<Zpp16s>(out);
   }

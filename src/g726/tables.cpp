@@ -1,62 +1,7 @@
 #include "g726/tables.h"
 
 namespace zpp::g726 {
-namespace {
-
-// Decision levels of QUAN in ascending order, Q7, without the level 0 where the intervals on both of its sides have the same
-// code. The number of levels not above DLN is the code of a difference of 0 or more; a negative one has the inverted bits.
-// Where the all-zero code is not used, at every rate but the lowest, the lowest interval has the all-one code with both signs.
-constexpr Zpp16s levels16[] = {261};
-constexpr Zpp16s levels24[] = {8, 218, 331};
-constexpr Zpp16s levels32[] = {-124, 80, 178, 246, 300, 349, 400};
-constexpr Zpp16s levels40[] = {-122, -16, 68, 139, 198, 250, 298, 339, 378, 413, 445, 475, 502, 528, 553};
-
-template <int levels>
-constexpr Quantiser makeQuantiser(const Zpp16s (&level)[levels]) {
-  constexpr int ones = 2 * levels + 1;
-  Quantiser quantiser{};
-  for (int log = lowestLog; log <= highestLog; ++log) {
-    int code = 0;
-    while (code < levels && level[code] <= log) ++code;
-    quantiser.code[log - lowestLog][0] = static_cast<Zpp8u>(code == 0 && levels > 1 ? ones : code);
-    quantiser.code[log - lowestLog][1] = static_cast<Zpp8u>(ones - code);
-  }
-  return quantiser;
-}
-
-// Code words in the order of their values; mu-law has two zeros, 127 and 255, which are one step of the scale.
-constexpr LawLevels makeMuLaw() {
-  LawLevels law{};
-  for (int code = 0; code < 256; ++code) {
-    const int magnitude = ~code & 127;
-    const int value = ((2 * (magnitude & 15) + 33) << (magnitude >> 4)) - 33;
-    const bool negative = code < 128;
-    law.value[code] = static_cast<Zpp16s>(negative ? -value : value);
-    const int outer = magnitude == 127 ? code : code - 1;
-    const int inner = code + 1;
-    law.smaller[code] = static_cast<Zpp8u>(magnitude == 0 ? 126 : negative ? outer : inner);
-    law.greater[code] = static_cast<Zpp8u>(magnitude == 0 ? 254 : negative ? inner : outer);
-  }
-  return law;
-}
-
-constexpr LawLevels makeALaw() {
-  LawLevels law{};
-  for (int code = 0; code < 256; ++code) {
-    const int plain = code ^ 0x55, magnitude = plain & 127, segment = magnitude >> 4;
-    const int value = segment == 0 ? 4 * (magnitude & 15) + 2 : (4 * (magnitude & 15) + 66) << (segment - 1);
-    const bool negative = plain < 128;
-    law.value[code] = static_cast<Zpp16s>(negative ? -value : value);
-    const int outer = magnitude == 127 ? plain : plain + 1;
-    const int inner = magnitude == 0 ? plain ^ 128 : plain - 1;
-    law.smaller[code] = static_cast<Zpp8u>((negative ? outer : inner) ^ 0x55);
-    law.greater[code] = static_cast<Zpp8u>((negative ? inner : outer) ^ 0x55);
-  }
-  return law;
-}
-
-}  // namespace
-const CodeMeaning codeMeaning[60] = {
+constexpr CodeMeaning codeMeaning[60] = {
     // 16 kbit/s
     {-704, 116, 0},
     {14048, 365, 3584},
@@ -122,6 +67,64 @@ const CodeMeaning codeMeaning[60] = {
     {448, -66, 0},
     {448, -2048, 0},
 };
+
+namespace {
+
+// Decision levels of QUAN in ascending order, Q7, without the level 0 where the intervals on both of its sides have the same
+// code. The number of levels not above DLN is the code of a difference of 0 or more; a negative one has the inverted bits.
+// Where the all-zero code is not used, at every rate but the lowest, the lowest interval has the all-one code with both signs.
+constexpr Zpp16s levels16[] = {261};
+constexpr Zpp16s levels24[] = {8, 218, 331};
+constexpr Zpp16s levels32[] = {-124, 80, 178, 246, 300, 349, 400};
+constexpr Zpp16s levels40[] = {-122, -16, 68, 139, 198, 250, 298, 339, 378, 413, 445, 475, 502, 528, 553};
+
+template <int levels>
+constexpr Quantiser makeQuantiser(const Zpp16s (&level)[levels]) {
+  constexpr int ones = 2 * levels + 1;
+  Quantiser quantiser{};
+  for (int log = lowestLog; log <= highestLog; ++log) {
+    int code = 0;
+    while (code < levels && level[code] <= log) ++code;
+    Quantiser::Interval& interval = quantiser.interval[log - lowestLog];
+    interval.code[0] = static_cast<Zpp8u>(code == 0 && levels > 1 ? ones : code);
+    interval.code[1] = static_cast<Zpp8u>(ones - code);
+    interval.logMagnitude = codeMeaning[ones - 3 + code].logMagnitude;
+  }
+  return quantiser;
+}
+
+// Code words in the order of their values; mu-law has two zeros, 127 and 255, which are one step of the scale.
+constexpr LawLevels makeMuLaw() {
+  LawLevels law{};
+  for (int code = 0; code < 256; ++code) {
+    const int magnitude = ~code & 127;
+    const int value = ((2 * (magnitude & 15) + 33) << (magnitude >> 4)) - 33;
+    const bool negative = code < 128;
+    law.value[code] = static_cast<Zpp16s>(negative ? -value : value);
+    const int outer = magnitude == 127 ? code : code - 1;
+    const int inner = code + 1;
+    law.smaller[code] = static_cast<Zpp8u>(magnitude == 0 ? 126 : negative ? outer : inner);
+    law.greater[code] = static_cast<Zpp8u>(magnitude == 0 ? 254 : negative ? inner : outer);
+  }
+  return law;
+}
+
+constexpr LawLevels makeALaw() {
+  LawLevels law{};
+  for (int code = 0; code < 256; ++code) {
+    const int plain = code ^ 0x55, magnitude = plain & 127, segment = magnitude >> 4;
+    const int value = segment == 0 ? 4 * (magnitude & 15) + 2 : (4 * (magnitude & 15) + 66) << (segment - 1);
+    const bool negative = plain < 128;
+    law.value[code] = static_cast<Zpp16s>(negative ? -value : value);
+    const int outer = magnitude == 127 ? plain : plain + 1;
+    const int inner = magnitude == 0 ? plain ^ 128 : plain - 1;
+    law.smaller[code] = static_cast<Zpp8u>((negative ? outer : inner) ^ 0x55);
+    law.greater[code] = static_cast<Zpp8u>((negative ? inner : outer) ^ 0x55);
+  }
+  return law;
+}
+
+}  // namespace
 
 constinit const Quantiser quantisers[4] = {makeQuantiser(levels16), makeQuantiser(levels24), makeQuantiser(levels32),
                                            makeQuantiser(levels40)};

@@ -19,7 +19,10 @@ extern const CodeMeaning codeMeaning[4 + 8 + 16 + 32];
 // outermost decision levels
 inline constexpr int lowestLog = -125, highestLog = 553;
 struct Quantiser {
-  Zpp8u code[highestLog - lowestLog + 1][2];
+  struct Interval {
+    Zpp8u code[2];
+    Zpp16s logMagnitude;  // that of the codes' meaning
+  } interval[highestLog - lowestLog + 1];
 };
 extern const Quantiser quantisers[4];
 
