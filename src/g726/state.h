@@ -30,6 +30,7 @@ struct AdpcmState {
   Zpp8u sign1 = 0, sign2 = 0;  // pk1, pk2: whether dq + sez of the last two samples was negative
   Zpp8u rate = 0;              // 0..3 for 16, 24, 32 and 40 kbit/s
   Zpp8u law = linear;          // output of a decoder
+  Zpp8u unused[3] = {};
 };
 static_assert(sizeof(AdpcmState) <= encoderStateSize && sizeof(AdpcmState) <= decoderStateSize);
 
