@@ -1,4 +1,4 @@
-// One sample of ITU-T G.726 (clauses 4.2.1 to 4.2.9), for the kernels of every processor level.
+// One sample of ITU-T G.726 (clause 4.2), for the kernels of every processor level.
 //
 // The step from sample to sample is a template over the adaptive predictor, which a kernel file brings along and in which
 // nearly all of the work lies:
@@ -32,8 +32,8 @@ struct Difference {
   int value() const { return withSign(magnitude, sign); }
 };
 
-// LOG: base-2 logarithm in Q7. It is of no consequence what 0 gives, as long as it is below 12: the lowest
-// decision level plus the smallest scale factor.
+// LOG: base-2 logarithm, Q7, of 0 or more. What 0 gives does not matter while it is below 12, the least sum of a decision level
+// and a scale factor.
 constexpr int logarithm(int x) {
   const int exponent = std::bit_width(static_cast<Zpp32u>(x | 1)) - 1;
   return (exponent << 7) + ((x << 7) >> exponent) - 128;
@@ -197,10 +197,10 @@ class Adpcm {
   }
 
   Predictor predictor;
-  Estimate signal = {};  // of the sample in progress
-  int y = 0;             // scale factor of the sample in progress, Q9
-  int yl, yu, dms, dml, ap;
-  int sign1, sign2;  // of dq + sez in the last two samples: 0, or -1 for negative
+  Estimate signal = {};      // of the sample in progress
+  int y = 0;                 // scale factor of the sample in progress, Q9
+  int yl, yu, dms, dml, ap;  // as in AdpcmState
+  int sign1, sign2;          // of dq + sez in the last two samples: 0, or -1 for negative
   bool tone;
 };
 

@@ -32,9 +32,8 @@ class Predictor {
   template <int leak>
   void update(int new1, int new2, Difference dq, int reconstructed) {
     const int step = dq.magnitude == 0 ? 0 : withSign(128, dq.sign);
-    for (int k = 0; k < zeros; ++k) {
+    for (int k = 0; k < zeros; ++k)
       coefficient[k] = wrap16(coefficient[k] + withSign(step, history[k].sign) - (coefficient[k] >> leak));
-    }
     coefficient[zeros] = static_cast<Zpp16s>(new1);
     coefficient[zeros + 1] = static_cast<Zpp16s>(new2);
     std::copy_backward(history, history + zeros - 1, history + zeros);

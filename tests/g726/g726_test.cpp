@@ -1,11 +1,14 @@
 // G.726 as streams: sequences of ITU-T G.726 Appendix II, speech, and what must hold whatever the stream and its state block.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <fstream>
 #include <iterator>
 #include <random>
-#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "g726/tables.h"
 #include "support/guarded.h"
@@ -19,6 +22,7 @@ using Samples = std::vector<Zpp16s>;
 constexpr int rates[] = {ZPP_RATE_16000, ZPP_RATE_24000, ZPP_RATE_32000, ZPP_RATE_40000};
 constexpr int muLaw = 0, aLaw = 1, linear = 2;
 
+// A file of the golden data, one value a byte
 Codes fileBytes(const std::string& name) {
   std::ifstream file(TEST_DATA_DIR "/g726/" + name, std::ios::binary);
   if (!file) throw std::runtime_error("no vectors " + name);
