@@ -1,0 +1,36 @@
+#include "codec.h"
+#include "g711.h"
+#include "g726.h"
+
+namespace codecs {
+namespace {
+
+// A Coder is constructed from the framing and the arguments that tell its variants apart.
+template <class Coder, auto... variant>
+std::unique_ptr<Encoder> encoder(std::string_view framing) {
+  return std::make_unique<Coder>(framing, variant...);
+}
+
+template <class Coder, auto... variant>
+std::unique_ptr<Decoder> decoder(std::string_view framing) {
+  return std::make_unique<Coder>(framing, variant...);
+}
+
+}  // namespace
+
+const std::vector<Codec>& registry() {
+  static const std::vector<std::string_view> octets = {"octets"};
+  static const std::vector<std::string_view> adpcm = {"rfc3551", "aal2", "codes"};
+  static const std::vector<Codec> rows = {
+      // name, bit rate, Hz, samples a frame, delay, framings, factories
+      {"g711-mulaw", "64 kbit/s", 8000, 1, 0, octets, encoder<G711Encoder, Law::mu>, decoder<G711Decoder, Law::mu>},
+      {"g711-alaw", "64 kbit/s", 8000, 1, 0, octets, encoder<G711Encoder, Law::a>, decoder<G711Decoder, Law::a>},
+      {"g726-16", "16 kbit/s", 8000, g726Group(2), 0, adpcm, encoder<G726Encoder, 2>, decoder<G726Decoder, 2>},
+      {"g726-24", "24 kbit/s", 8000, g726Group(3), 0, adpcm, encoder<G726Encoder, 3>, decoder<G726Decoder, 3>},
+      {"g726-32", "32 kbit/s", 8000, g726Group(4), 0, adpcm, encoder<G726Encoder, 4>, decoder<G726Decoder, 4>},
+      {"g726-40", "40 kbit/s", 8000, g726Group(5), 0, adpcm, encoder<G726Encoder, 5>, decoder<G726Decoder, 5>},
+  };
+  return rows;
+}
+
+}  // namespace codecs
