@@ -1,0 +1,429 @@
+"""What zppcodec promises to its users: streams, pipes, refusals, and files left alone.
+
+usage: test_zppcodec.py PROGRAM [unittest arguments]
+"""
+
+import array
+import math
+import os
+import pty
+import select
+import signal
+import struct
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+import wave
+
+PROGRAM = ""
+DATA = os.path.join(os.path.dirname(os.path.abspath(__file__)), "data")
+WIDTHS = {"g726-16": 2, "g726-24": 3, "g726-32": 4, "g726-40": 5}
+
+
+def data(name):
+    with open(os.path.join(DATA, name), "rb") as file:
+        return file.read()
+
+
+def run(*args, stdin=b""):
+    return subprocess.run([PROGRAM, *args], input=stdin, capture_output=True, timeout=120)
+
+
+def samples(pcm):
+    values = array.array("h", pcm)
+    if sys.byteorder == "big":
+        values.byteswap()
+    return values
+
+
+def codes(packed, width, most_significant_first):
+    """The codes of a packed stream, by reading it as one long number."""
+    number = int.from_bytes(packed, "big" if most_significant_first else "little")
+    count = 8 * len(packed) // width
+    places = range(count - 1, -1, -1) if most_significant_first else range(count)
+    return bytes(number >> width * place & (1 << width) - 1 for place in places)
+
+
+def has_sndfile():
+    return b"has no libsndfile" not in run("encode", "-c", "g711-alaw", "-", "-").stderr
+
+
+class ProgramTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = folder.name
+
+    def path(self, name):
+        return os.path.join(self.folder, name)
+
+    def file(self, name, content):
+        with open(self.path(name), "wb") as file:
+            file.write(content)
+        return self.path(name)
+
+    def content(self, name):
+        with open(self.path(name), "rb") as file:
+            return file.read()
+
+    def wav(self, name, pcm=None, rate=8000, channels=1):
+        with wave.open(self.path(name), "wb") as file:
+            file.setnchannels(channels)
+            file.setsampwidth(2)
+            file.setframerate(rate)
+            file.writeframes(data("speech.pcm") if pcm is None else pcm)
+        return self.path(name)
+
+    def assertDone(self, result, output=None):
+        self.assertEqual((result.returncode, result.stderr), (0, b""))
+        if output is not None:
+            self.assertTrue(result.stdout == output, "the output differs")
+
+    def assertRefused(self, result, status, *words):
+        """One sentence that holds the words, and the exit status."""
+        message = result.stderr.decode()
+        self.assertEqual(result.returncode, status, message)
+        self.assertRegex(message, r"\Azppcodec: [^\n]+\n\Z")
+        for word in words:
+            self.assertIn(word, message)
+
+    def assertFiles(self, *names):
+        self.assertEqual(sorted(os.listdir(self.folder)), sorted(names))
+
+
+class Streams(ProgramTest):
+    def test_g726_equals_the_golden_streams(self):
+        speech = data("speech.pcm")
+        for codec, width in WIDTHS.items():
+            streams = {framing: data(f"speech.{codec}.{framing}") for framing in ("rfc3551", "aal2")}
+            streams["codes"] = codes(streams["aal2"], width, True)
+            self.assertEqual(streams["codes"], codes(streams["rfc3551"], width, False))
+            for framing, stream in streams.items():
+                with self.subTest(codec=codec, framing=framing):
+                    options = ["-c", codec, "--framing", framing, "--raw", "-", "-"]
+                    self.assertDone(run("encode", *options, stdin=speech), stream)
+                    self.assertDone(run("decode", *options, stdin=stream), data(f"speech.{codec}.pcm"))
+
+    def test_rfc3551_is_the_default(self):
+        self.assertDone(run("encode", "-c", "g726-24", "--raw", "-", "-", stdin=data("speech.pcm")),
+                        data("speech.g726-24.rfc3551"))
+
+    def test_g711_expands_every_code_word_by_the_standard_and_takes_it_back(self):
+        for codec, twin in (("g711-mulaw", {127: 255}), ("g711-alaw", {})):  # mu-law has two zeros
+            with self.subTest(codec=codec):
+                words = bytes(range(256))
+                linear = data(f"expansion.{codec}.pcm")
+                self.assertDone(run("decode", "-c", codec, "--raw", "-", "-", stdin=words), linear)
+                self.assertDone(run("encode", "-c", codec, "--raw", "-", "-", stdin=linear),
+                                bytes(twin.get(word, word) for word in words))
+
+    def test_the_last_group_is_completed_with_silence(self):
+        speech = data("speech.pcm")[2000:2026]  # 13 samples
+        for codec, width, whole in (("g726-16", 2, 16), ("g726-24", 3, 16), ("g726-32", 4, 14), ("g726-40", 5, 16)):
+            with self.subTest(codec=codec):
+                options = ["-c", codec, "--raw"]
+                stream = run("encode", *options, "-", "-", stdin=speech).stdout
+                silence = bytes(2 * (whole - 13))
+                self.assertDone(run("encode", *options, "-", "-", stdin=speech + silence), stream)
+                self.assertEqual(len(stream), whole * width // 8)
+                self.assertEqual(len(run("decode", *options, "-", "-", stdin=stream).stdout), 2 * whole)
+                single = run("encode", *options, "--framing", "codes", "-", "-", stdin=speech)
+                self.assertDone(single, codes(stream, width, False)[:13])
+
+    def test_pieces_of_any_size_and_a_long_input_give_the_same_stream(self):
+        speech = data("speech.pcm") * 12  # beyond the program's blocks
+        for codec in ("g726-24", "g726-40", "g711-alaw"):
+            with self.subTest(codec=codec):
+                whole = run("encode", "-c", codec, "--raw", "-", "-", stdin=speech).stdout
+                coder, decoder = [subprocess.Popen([PROGRAM, command, "-c", codec, "--raw", "-", "-"], stdin=subprocess.PIPE,
+                                                   stdout=subprocess.PIPE) for command in ("encode", "decode")]
+                stream = b""
+                for start in range(0, 1001, 77):  # an odd number of bytes: samples arrive in halves
+                    coder.stdin.write(speech[start:start + 77])
+                    coder.stdin.flush()
+                    time.sleep(0.002)
+                stream = coder.communicate(speech[start + 77:])[0]
+                self.assertTrue(stream == whole, "the stream depends on the pieces")
+                for start in range(0, 1001, 7):
+                    decoder.stdin.write(stream[start:start + 7])
+                    decoder.stdin.flush()
+                decoded = decoder.communicate(stream[start + 7:])[0]
+                self.assertDone(run("decode", "-c", codec, "--raw", "-", "-", stdin=stream), decoded)
+                self.assertEqual((coder.returncode, decoder.returncode), (0, 0))
+
+    def test_a_stream_flows_while_its_input_is_still_open(self):
+        with subprocess.Popen([PROGRAM, "encode", "-c", "g726-32", "--raw", "-", "-"], stdin=subprocess.PIPE,
+                              stdout=subprocess.PIPE) as coder:
+            coder.stdin.write(data("speech.pcm")[:320])
+            coder.stdin.flush()
+            stream = b""
+            while len(stream) < 80 and select.select([coder.stdout], [], [], 30)[0]:
+                stream += os.read(coder.stdout.fileno(), 80)
+            self.assertEqual(stream, data("speech.g726-32.rfc3551")[:80])
+            coder.communicate()
+
+    def test_every_listed_codec_and_framing_codes_and_decodes(self):
+        rows = [line.split("\t") for line in run("list", "--tsv").stdout.decode().splitlines()]
+        self.assertGreaterEqual(len(rows), 6)
+        for name, _, frame, _, _, framings in rows:
+            length = 2 * (4000 // int(frame) * int(frame))
+            for framing in framings.split(","):
+                with self.subTest(codec=name, framing=framing):
+                    options = ["-c", name, "--framing", framing, "--raw", "-", "-"]
+                    stream = run("encode", *options, stdin=data("speech.pcm"))
+                    self.assertDone(stream)
+                    decoded = run("decode", *options, stdin=stream.stdout)
+                    self.assertDone(decoded)
+                    self.assertGreaterEqual(len(decoded.stdout), length)
+
+
+class Measures(ProgramTest):
+    def test_roundtrip_measures_the_signal_that_decode_delivers(self):
+        speech = self.file("speech.pcm", data("speech.pcm"))
+        for codec in WIDTHS:
+            with self.subTest(codec=codec):
+                result = run("roundtrip", "-c", codec, "--raw", "--tsv", speech, self.path("out.pcm"))
+                self.assertDone(result)
+                self.assertEqual(self.content("out.pcm"), data(f"speech.{codec}.pcm"))
+                name, count, size, whole, segmental = result.stdout.decode().split()
+                self.assertEqual((name, int(count), int(size)), (codec, 4000, 4000 * WIDTHS[codec] // 8))
+                signal, decoded = samples(data("speech.pcm")), samples(data(f"speech.{codec}.pcm"))
+
+                def ratio(start, end):
+                    error = sum((a - b) ** 2 for a, b in zip(signal[start:end], decoded[start:end]))
+                    return 10 * math.log10(sum(a * a for a in signal[start:end]) / error)
+
+                loud = [n for n in range(0, 4000, 160) if sum(a * a for a in signal[n:n + 160]) >= 160 * 32.768 ** 2]
+                expected = sum(min(60, max(-10, ratio(n, n + 160))) for n in loud) / len(loud)
+                self.assertAlmostEqual(float(whole), ratio(0, 4000), delta=0.006)
+                self.assertAlmostEqual(float(segmental), expected, delta=0.006)
+
+    def test_roundtrip_of_silence_and_of_a_perfect_copy(self):
+        silence = run("roundtrip", "-c", "g711-mulaw", "--raw", "--tsv", "-", stdin=bytes(3200)).stdout.split()
+        self.assertEqual(silence[3:], [b"n/a", b"n/a"])
+        levels = data("expansion.g711-mulaw.pcm")
+        exact = run("roundtrip", "-c", "g711-mulaw", "--raw", "--tsv", "-", stdin=levels).stdout.split()
+        self.assertEqual(exact[3], b"inf")
+
+    def test_decoded_speech_and_the_report_do_not_mix(self):
+        result = run("roundtrip", "-c", "g726-40", "--raw", "-", "-", stdin=data("speech.pcm"))
+        self.assertEqual(result.stdout, data("speech.g726-40.pcm"))
+        self.assertIn(b"SNR", result.stderr)
+
+    def test_bench_reports_plausible_figures(self):
+        speech = self.file("speech.pcm", data("speech.pcm") * 4)
+        for source in ([], ["--raw", speech]):
+            name, encode, decode, channels = run("bench", "-c", "g726-32", "--tsv", *source).stdout.decode().split()
+            self.assertEqual(name, "g726-32")
+            self.assertAlmostEqual(float(channels), 1 / (1 / float(encode) + 1 / float(decode)), delta=2)
+            self.assertGreater(float(channels), 5)
+
+
+class Refusals(ProgramTest):
+    def test_usage(self):
+        speech = self.file("speech.pcm", data("speech.pcm"))
+        out = self.path("out")
+        for args, words in (
+            ([], ["encode", "--help"]),
+            (["transcode"], ["transcode"]),
+            (["encode", "--raw", speech, out], ["--codec"]),
+            (["encode", "-c", "g726-32", "--raw", speech], ["OUT"]),
+            (["encode", "-c", "g726-32", "--raw", speech, out, "more"], ["more"]),
+            (["encode", "-c", "g726-33", "--raw", speech, out], ["g726-33", "g726-32"]),
+            (["encode", "-c", "g726-32", "--framing", "rtp", "--raw", speech, out], ["rtp", "rfc3551", "aal2", "codes"]),
+            (["encode", "-c", "", "--raw", speech, out], ["no codec ''", "g726-32"]),
+            (["decode", "-c", "g711-alaw", "--framing", "aal2", "--raw", speech, out], ["aal2", "octets"]),
+            (["bench", "-c", "nothing"], ["nothing"]),
+            (["bench", "--framing", "aal2"], ["--codec"]),
+        ):
+            with self.subTest(args=args):
+                self.assertRefused(run(*args), 1, *words)
+                self.assertFiles("speech.pcm")
+
+    def test_unusable_input(self):
+        speech = self.file("speech.pcm", data("speech.pcm"))
+        sound = self.wav("speech.wav")
+        empty = self.file("empty", b"")
+        odd = self.file("odd", data("speech.pcm") + b"x")
+        stream24 = self.file("cut.24", data("speech.g726-24.rfc3551")[:-1])
+        stream40 = self.file("cut.40", data("speech.g726-40.aal2")[:-1])
+        large = self.file("large", bytes(1000) + b"\x10")
+        files = sorted(os.listdir(self.folder))
+        out = self.path("out")
+        for args, words in (
+            (["encode", "-c", "g726-32", "--raw", self.path("none"), out], ["none", "No such file"]),
+            (["encode", "-c", "g726-32", "--raw", self.folder, out], ["directory"]),
+            (["encode", "-c", "g726-32", "--raw", empty, out], ["no samples"]),
+            (["encode", "-c", "g726-32", "--raw", odd, out], ["odd", "two bytes"]),
+            (["encode", "-c", "g726-32", "--raw", sound, out], ["WAV", "--raw"]),
+            (["roundtrip", "-c", "g726-32", "--raw", odd, out], ["odd", "two bytes"]),
+            (["bench", "-c", "g726-32", "--raw", empty], ["no samples"]),
+            (["decode", "-c", "g726-32", "--raw", empty, out], ["empty"]),
+            (["decode", "-c", "g726-24", "--raw", stream24, out], ["cut.24", "truncated", "2 bytes"]),
+            (["decode", "-c", "g726-40", "--framing", "aal2", "--raw", stream40, out], ["truncated", "4 bytes"]),
+            (["decode", "-c", "g726-32", "--framing", "codes", "--raw", large, out], ["large", "codes", "4 bits"]),
+            (["decode", "-c", "g726-32", "--raw", sound, out], ["WAV", "bit stream"]),
+            (["encode", "-c", "g726-32", "--raw", speech, self.path("none/out")], ["cannot write", "none/out"]),
+            (["encode", "-c", "g726-32", "--raw", speech, self.folder], ["cannot write", "directory"]),
+            (["encode", "-c", "g726-32", "--raw", speech, os.path.join(empty, "out")], ["cannot write"]),
+            (["encode", "-c", "g726-32", "--raw", speech, "/dev/full"], ["cannot write", "No space"]),
+        ):
+            with self.subTest(args=args):
+                self.assertRefused(run(*args), 2, *words)
+                self.assertFiles(*files)
+
+    def test_a_closed_pipe_is_reported(self):
+        for args in (["encode", "-c", "g726-32", "--raw", "-", "-"], ["list"], ["--help"], ["bench", "-c", "g711-alaw"]):
+            with self.subTest(args=args):
+                reader, writer = os.pipe()
+                os.close(reader)
+                result = subprocess.run([PROGRAM, *args], input=data("speech.pcm"), stdout=writer, stderr=subprocess.PIPE)
+                os.close(writer)
+                self.assertRefused(result, 2, "standard output")
+
+    def test_information_goes_to_standard_output(self):
+        for args, word in ((["--help"], b"roundtrip"), (["encode", "--help"], b"--framing"), (["--version"], b"zppcodec 4.1")):
+            result = run(*args)
+            self.assertDone(result)
+            self.assertIn(word, result.stdout)
+
+
+class Files(ProgramTest):
+    def encode(self, source, target):
+        return run("encode", "-c", "g726-32", "--raw", source, target)
+
+    def test_the_input_is_never_overwritten(self):
+        speech = self.file("speech.pcm", data("speech.pcm"))
+        os.symlink("speech.pcm", self.path("link"))
+        os.link(speech, self.path("hard"))
+        for target in (speech, self.path("link"), self.path("hard"), os.path.join(self.folder, ".", "speech.pcm")):
+            for command in ("encode", "decode", "roundtrip"):
+                with self.subTest(target=target, command=command):
+                    self.assertRefused(run(command, "-c", "g711-alaw", "--raw", speech, target), 1, "the input itself")
+        self.assertRefused(self.encode(self.path("link"), speech), 1, "the input itself")
+        with open(speech, "r+b") as both:
+            for source, target in (("-", speech), (speech, "-")):
+                result = subprocess.run([PROGRAM, "encode", "-c", "g711-alaw", "--raw", source, target],
+                                        stdin=both, stdout=both, stderr=subprocess.PIPE)
+                self.assertRefused(result, 1, "the input itself")
+        self.assertEqual(self.content("speech.pcm"), data("speech.pcm"))
+        self.assertFiles("speech.pcm", "link", "hard")
+
+    def test_an_older_output_is_replaced_whole_or_kept(self):
+        speech = self.file("speech.pcm", data("speech.pcm"))
+        odd = self.file("odd", data("speech.pcm")[1:])
+        out = self.file("out", b"older")
+        os.chmod(out, 0o640)
+        os.symlink("out", self.path("link"))
+        self.assertRefused(self.encode(odd, out), 2, "middle of a sample")
+        self.assertEqual(self.content("out"), b"older")
+        self.assertDone(self.encode(speech, self.path("link")))
+        self.assertTrue(os.path.islink(self.path("link")))
+        self.assertEqual(self.content("out"), data("speech.g726-32.rfc3551"))
+        self.assertEqual(os.stat(out).st_mode & 0o777, 0o640)
+        self.assertFiles("speech.pcm", "odd", "out", "link")
+
+    def test_a_new_output_has_the_usual_permissions(self):
+        speech = self.file("speech.pcm", data("speech.pcm"))
+        before = os.umask(0o027)
+        self.addCleanup(os.umask, before)
+        self.assertDone(self.encode(speech, self.path("out")))
+        self.assertEqual(os.stat(self.path("out")).st_mode & 0o777, 0o640)
+
+    def test_devices_are_written_in_place(self):
+        speech = self.file("speech.pcm", data("speech.pcm"))
+        self.assertDone(self.encode(speech, "/dev/null"))
+        self.assertTrue(os.path.exists("/dev/null") and not os.path.isfile("/dev/null"))
+        self.assertDone(self.encode(speech, "/dev/stdout"), data("speech.g726-32.rfc3551"))
+
+    def test_progress_shows_on_a_terminal_and_an_interrupted_run_leaves_nothing(self):
+        with open(self.path("long.pcm"), "wb") as file:
+            file.truncate(1 << 30)  # sparse: minutes of work, cut short below
+        terminal, slave = pty.openpty()
+        coder = subprocess.Popen([PROGRAM, "encode", "-c", "g726-40", "--raw", self.path("long.pcm"), self.path("out")],
+                                 stderr=slave)
+        os.close(slave)
+        shown = b""
+        while b"%" not in shown and select.select([terminal], [], [], 30)[0]:
+            shown += os.read(terminal, 200)
+        coder.send_signal(signal.SIGTERM)
+        self.assertEqual(coder.wait(30), -signal.SIGTERM)
+        os.close(terminal)
+        self.assertRegex(shown, rb"encoding \[#*\.*\] +\d+%")
+        self.assertFiles("long.pcm")
+
+
+class Wav(ProgramTest):
+    """Audio files, in builds with libsndfile; the others refuse them."""
+
+    def setUp(self):
+        super().setUp()
+        if not has_sndfile():
+            result = run("encode", "-c", "g726-32", self.wav("speech.wav"), self.path("out"))
+            self.assertRefused(result, 1, "libsndfile", "--raw")
+            result = run("decode", "-c", "g726-32", self.file("stream", data("speech.g726-32.rfc3551")), self.path("out.wav"))
+            self.assertRefused(result, 1, "libsndfile", "--raw")
+            self.assertFiles("speech.wav", "stream")
+            self.skipTest("a build without libsndfile")
+
+    def test_files_and_pipes_carry_what_raw_pcm_carries(self):
+        sound = self.wav("speech.wav")
+        with open(sound, "rb") as file:
+            whole = file.read()
+        stream = data("speech.g726-32.rfc3551")
+        self.assertDone(run("encode", "-c", "g726-32", sound, "-"), stream)
+        self.assertDone(run("encode", "-c", "g726-32", "-", "-", stdin=whole), stream)
+        unknown = whole[:40] + b"\xff\xff\xff\xff" + whole[44:]  # as programs write into a pipe
+        self.assertDone(run("encode", "-c", "g726-32", "-", "-", stdin=unknown), stream)
+        for name in ("-", self.path("out.wav"), self.path("OUT.WAV")):
+            result = run("decode", "-c", "g726-32", "-", name, stdin=stream)
+            self.assertDone(result)
+            with wave.open(self.file("copy.wav", result.stdout) if name == "-" else name, "rb") as file:
+                self.assertEqual(file.getparams()[:4], (1, 2, 8000, 4000))
+                self.assertEqual(file.readframes(4001), data("speech.g726-32.pcm"))
+
+    def test_other_formats(self):
+        stream = data("speech.g726-32.rfc3551")
+        again = run("encode", "-c", "g726-32", "--raw", "-", "-", stdin=data("speech.g726-32.pcm")).stdout
+        for ending in ("flac", "au", "aiff"):
+            with self.subTest(ending=ending):
+                out = self.path("out." + ending)
+                self.assertDone(run("decode", "-c", "g726-32", "-", out, stdin=stream))
+                self.assertNotEqual(self.content("out." + ending)[:4], b"RIFF")
+                self.assertDone(run("encode", "-c", "g726-32", out, "-"), again)
+        self.assertRefused(run("decode", "-c", "g726-32", "-", self.path("out.pcm"), stdin=stream), 1, ".pcm", ".wav", "--raw")
+        floats = struct.pack("<4000f", *(value / 32768 for value in samples(data("speech.pcm"))))
+        header = b"RIFF" + struct.pack("<I", 36 + len(floats)) + b"WAVEfmt " + struct.pack(
+            "<IHHIIHH", 16, 3, 1, 8000, 32000, 4, 32) + b"data" + struct.pack("<I", len(floats))
+        self.assertDone(run("encode", "-c", "g726-32", "-", "-", stdin=header + floats), stream)
+
+    def test_refusals(self):
+        with open(self.wav("speech.wav"), "rb") as file:
+            whole = file.read()
+        self.wav("stereo.wav", channels=2)
+        self.wav("wide.wav", rate=16000)
+        self.wav("silent.wav", pcm=b"")
+        self.file("cut.wav", whole[:-100])
+        self.file("head.wav", whole[:30])
+        self.file("text.wav", b"This is no sound at all.\n" * 20)
+        files = sorted(os.listdir(self.folder))
+        for name, words in (
+            ("stereo.wav", ["2 channels", "needs one"]),
+            ("wide.wav", ["16000", "8000"]),
+            ("silent.wav", ["no samples"]),
+            ("cut.wav", ["truncated"]),
+            ("head.wav", ["truncated"]),
+            ("text.wav", ["no audio file", "--raw"]),
+        ):
+            for command in ("encode", "roundtrip"):
+                with self.subTest(name=name, command=command):
+                    result = run(command, "-c", "g726-32", self.path(name), self.path("out.wav"))
+                    self.assertRefused(result, 2, name, *words)
+                    self.assertFiles(*files)
+
+
+if __name__ == "__main__":
+    PROGRAM = os.path.abspath(sys.argv.pop(1))
+    unittest.main()
