@@ -1,4 +1,6 @@
 // Autocorrelation of a windowed frame.
+#include <utility>
+
 #include "core/checks.h"
 #include "core/fixed_point.h"
 #include "core/kernels.h"
@@ -10,46 +12,57 @@ namespace {
 
 constexpr Zpp32s kEnergyLimit = 1073741823;  // the largest energy that can be doubled in 32 bits
 
-Zpp64s lagSum(const Zpp16s* src, int len, int lag) { return lag < len ? ownDotProd_16s(src, src + lag, len - lag) : 0; }
-
 }  // namespace
 
-void ownAutoCorr_16s32s(const Zpp16s* src, int len, Zpp32s* dst, int lenDst) {
-  for (int k = 0; k < lenDst; ++k) dst[k] = wrap32(lagSum(src, len, k));
-}
-
 void ownAutoCorr_G729_16s32s_Sfs(const Zpp16s* src, int len, int firstLag, Zpp32s* dst, int lenDst, int shift) {
-  for (int j = 0; j < lenDst; ++j) dst[j] = shlSat32(wrap32(lagSum(src, len, firstLag + j)), shift);
+  ownPartialCorr_16s32s(src, src + firstLag, len - firstLag, dst, lenDst);
+  for (int j = 0; j < lenDst; ++j) dst[j] = shlSat32(dst[j], shift);
 }
 
 bool ownAutoCorr_NormE_16s32s(const Zpp16s* src, int len, Zpp32s* dst, int lenDst, Zpp32s* norm) {
   const Zpp64s energy = ownDotProd_16s(src, src, len);
   if (energy > kEnergyLimit) return false;
+  // No lag exceeds the energy, so its sum modulo 2^32 is exact.
   const Zpp32s r0 = static_cast<Zpp32s>(energy) * 2 + 1;  // never zero
   const int shift = norm32(r0);
-  dst[0] = shlSat32(r0, shift);
   ownAutoCorr_G729_16s32s_Sfs(src, len, 1, dst + 1, lenDst - 1, shift + 1);
+  dst[0] = shlSat32(r0, shift);
   *norm = shift;
   return true;
 }
 
 void ownAutoCorr_NormE_NR_16s(const Zpp16s* src, int len, int firstLag, int step, Zpp16s* dst, int lenDst, Zpp32s* norm) {
-  const Zpp32s r0 = sat32(2 * ownDotProd_16s(src, src, len));
+  const Zpp64s energy = ownDotProd_16s(src, src, len);
+  const Zpp32s r0 = sat32(2 * energy);
   const int shift = norm32(r0);
   dst[0] = roundHigh16(shlSat32(r0, shift));
-  for (int j = 1; j < lenDst; ++j)
-    dst[j] = roundHigh16(shlSat32(sat32(lagSum(src, len, firstLag + (j - 1) * step)), shift + 1));
+  const auto rounded = [shift](Zpp32s lag) { return roundHigh16(shlSat32(lag, shift + 1)); };
   *norm = shift;
+  int j = 1, lag = firstLag;
+  if (step == 1 && energy <= kMax32) {
+    // No lag exceeds the energy, so its sum modulo 2^32 is exact.
+    Zpp32s sums[16];
+    while (j < lenDst) {
+      const int lags = lenDst - j < 16 ? lenDst - j : 16;
+      ownPartialCorr_16s32s(src, src + lag, len - lag, sums, lags);
+      for (int i = 0; i < lags; ++i) dst[j + i] = rounded(sums[i]);
+      j += lags;
+      lag += lags;
+    }
+  }
+  for (; j < lenDst; ++j, lag += step)
+    dst[j] = lag < len ? rounded(sat32(ownDotProd_16s(src, src + lag, len - lag))) : Zpp16s{0};
 }
 
 void ownAutoCorr_Inv_16s32s(const Zpp16s* src, int len, Zpp32s* dst, int lenDst) {
-  for (int k = 0; k < lenDst; ++k) dst[k] = wrap32(ownDotProd_16s(src, src - k, len));
+  ownCorr_16s32s(src, src - (lenDst - 1), len, dst, lenDst);
+  for (int i = 0, k = lenDst - 1; i < k; ++i, --k) std::swap(dst[i], dst[k]);
 }
 
 ZppStatus zppsAutoCorr_16s32s(const Zpp16s* src, int len, Zpp32s* dst, int lenDst) {
   if (anyNull(src, dst)) return zppStsNullPointer;
   if (len < 1 || lenDst < 1) return zppStsBadSize;
-  ownAutoCorr_16s32s(src, len, dst, lenDst);
+  ownPartialCorr_16s32s(src, src, len, dst, lenDst);
   return zppStsOk;
 }
 

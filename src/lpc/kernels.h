@@ -3,10 +3,55 @@
 
 #include "core/variants.h"
 
-// --- Autocorrelation --------------------------------------------------------------------------------------------------------
+// The largest correlation of a lag search
+struct LagMax {
+  Zpp32s value;
+  int lag;
+  bool operator==(const LagMax&) const = default;
+};
 
-// dst[k] = sum of src[n] * src[n + k], n = 0..len-1-k, modulo 2^32; 0 for k of len or more
-void ownAutoCorr_16s32s(const Zpp16s* src, int len, Zpp32s* dst, int lenDst);
+inline constexpr int kLpcOrder = 10;
+
+// ownPartialCorr_16s32s: dst[k] = sum of src1[n] * src2[n + k], n = 0..len-1-k, modulo 2^32, k = 0..lags-1; 0 for k of len or
+//   more. The autocorrelation of a frame (src1 = src2), the backward-filtered target (src1 = signal, src2 = target).
+// ownCorr_16s32s: dst[k] = sum of src1[n] * src2[n + k], n = 0..len-1, modulo 2^32, k = 0..lags-1. Delays -maxLag..-minLag:
+// start
+//   src2 at -maxLag.
+// ownCrossCorr_16s32s_Sfs: dst[n] = the exact sum of target[k] * signal[k - n], k = n..len-1, scaled by the Sfs rule.
+// ownCrossCorr_NormM_16s: the same doubled and normalised to 13 bits (ITU-T G.729 Annex A, Cor_h_X).
+// ownCrossCorrLagMax_16s: exact sums saturated to 32 bits, src2 advanced by 0..maxLag; the largest lag wins a tie; {0, maxLag}
+//   when none is positive.
+// ownCrossCorrLagMax_Inv_16s: exact sums doubled and saturated, signal delayed by minLag..maxLag, not an empty range; the
+//   smallest lag wins a tie.
+// ownAutoCorrLagMax_Fwd_16s, _Inv_16s: sums modulo 2^32 of src and itself advanced or delayed; the smallest lag wins a tie;
+//   {-2147483648, 0} for an empty range.
+// ownDotProd_G729A_16s32s: *dp = the doubled products of the even indices, added with saturation after each; true when a step
+//   saturated.
+// ownSynthesisFilter_NR_16s: 1/A(z) of order 10, coef[0] the factor of the input, scaleFactor 12 or 13. hist: ten past outputs,
+//   oldest first, read before dst is written, or null for zeros; src may be dst. True when a sample was clamped.
+// ownResidualFilter_G729_16s: A(z) of order 10, coef Q12, over src[-10..len-1].
+// ownHarmonicFilter_16s: srcDst[n] += gain * srcDst[n - lag], gain Q15, ascending, lag 1 or more.
+// ownConvPartial_16s_Sfs: dst[n] = sat16(the exact sum of src1[k] * src2[n - k], k = 0..n, >> scaleFactor), truncating,
+//   scaleFactor 0 or more; ownConvPartial_16s32s: the sums modulo 2^32.
+#define ZPP_LPC_KERNELS(KERNEL)                                                                                                \
+  KERNEL(ownPartialCorr_16s32s, W7, void(const Zpp16s* src1, const Zpp16s* src2, int len, Zpp32s* dst, int lags))              \
+  KERNEL(ownCorr_16s32s, W7, void(const Zpp16s* src1, const Zpp16s* src2, int len, Zpp32s* dst, int lags))                     \
+  KERNEL(ownCrossCorr_16s32s_Sfs, W7, void(const Zpp16s* target, const Zpp16s* signal, int len, Zpp32s* dst, int scaleFactor)) \
+  KERNEL(ownCrossCorr_NormM_16s, W7, void(const Zpp16s* target, const Zpp16s* signal, int len, Zpp16s* dst))                   \
+  KERNEL(ownCrossCorrLagMax_16s, W7, LagMax(const Zpp16s* src1, const Zpp16s* src2, int len, int maxLag))                      \
+  KERNEL(ownCrossCorrLagMax_Inv_16s, W7, LagMax(const Zpp16s* target, const Zpp16s* signal, int len, int minLag, int maxLag))  \
+  KERNEL(ownAutoCorrLagMax_Fwd_16s, W7, LagMax(const Zpp16s* src, int len, int minLag, int maxLag))                            \
+  KERNEL(ownAutoCorrLagMax_Inv_16s, W7, LagMax(const Zpp16s* src, int len, int minLag, int maxLag))                            \
+  KERNEL(ownDotProd_G729A_16s32s, W7, bool(const Zpp16s* src1, const Zpp16s* src2, int len, Zpp32s* dp))                       \
+  KERNEL(ownSynthesisFilter_NR_16s, W7,                                                                                        \
+         bool(const Zpp16s* coef, const Zpp16s* src, Zpp16s* dst, int len, int scaleFactor, const Zpp16s* hist))               \
+  KERNEL(ownResidualFilter_G729_16s, W7, void(const Zpp16s* coef, const Zpp16s* src, Zpp16s* dst, int len))                    \
+  KERNEL(ownHarmonicFilter_16s, W7, void(Zpp16s gain, int lag, Zpp16s* srcDst, int len))                                       \
+  KERNEL(ownConvPartial_16s_Sfs, W7, void(const Zpp16s* src1, const Zpp16s* src2, Zpp16s* dst, int len, int scaleFactor))      \
+  KERNEL(ownConvPartial_16s32s, W7, void(const Zpp16s* src1, const Zpp16s* src2, Zpp32s* dst, int len))
+
+ZPP_LPC_KERNELS(ZPP_DECLARE_KERNEL)
+
 // dst[j] = sat32(r << shift), r the sum of lag firstLag + j modulo 2^32
 void ownAutoCorr_G729_16s32s_Sfs(const Zpp16s* src, int len, int firstLag, Zpp32s* dst, int lenDst, int shift);
 // The normalised form of ITU-T G.729 clause 3.2.1; false, and nothing written, when the frame's energy is too large
@@ -15,54 +60,12 @@ bool ownAutoCorr_NormE_16s32s(const Zpp16s* src, int len, Zpp32s* dst, int lenDs
 void ownAutoCorr_NormE_NR_16s(const Zpp16s* src, int len, int firstLag, int step, Zpp16s* dst, int lenDst, Zpp32s* norm);
 // dst[k] = sum of src[n] * src[n - k], n = 0..len-1, modulo 2^32
 void ownAutoCorr_Inv_16s32s(const Zpp16s* src, int len, Zpp32s* dst, int lenDst);
-
-// --- Cross-correlation and lag search
-// ------------------------------------------------------------------------------------------
-
-// dst[k] = sum of src1[n] * src2[n + k], n = 0..len-1, modulo 2^32, k = 0..lags-1
-void ownCorrelate_16s32s(const Zpp16s* src1, const Zpp16s* src2, int len, Zpp32s* dst, int lags);
-// The backward-filtered target: dst[n] = the exact sum of target[k] * signal[k - n], k = n..len-1, scaled by the Sfs rule
-void ownCrossCorr_16s32s_Sfs(const Zpp16s* target, const Zpp16s* signal, int len, Zpp32s* dst, int scaleFactor);
-// The same doubled and normalised to 13 bits (ITU-T G.729 Annex A, Cor_h_X)
-void ownCrossCorr_NormM_16s(const Zpp16s* target, const Zpp16s* signal, int len, Zpp16s* dst);
+// dst[k] = the exact sum of src1[n] * src2[n + k], n = 0..len-1, doubled, saturated and rounded to its upper half
 void ownCrossCorr_NR_16s(const Zpp16s* src1, const Zpp16s* src2, int len, Zpp16s* dst, int lags);
-
-struct LagMax {
-  Zpp32s value;
-  int lag;
-};
-// Exact sums saturated to 32 bits, src2 advanced by 0..maxLag; the largest lag wins a tie; {0, maxLag} when none is positive
-LagMax ownCrossCorrLagMax_16s(const Zpp16s* src1, const Zpp16s* src2, int len, int maxLag);
-// Exact sums doubled and saturated, signal delayed by minLag..maxLag (not an empty range); the smallest lag wins a tie
-LagMax ownCrossCorrLagMax_Inv_16s(const Zpp16s* target, const Zpp16s* signal, int len, int minLag, int maxLag);
-// Sums modulo 2^32 of src and itself advanced or delayed; the smallest lag wins a tie; {-2147483648, 0} for an empty range
-LagMax ownAutoCorrLagMax_Fwd_16s(const Zpp16s* src, int len, int minLag, int maxLag);
-LagMax ownAutoCorrLagMax_Inv_16s(const Zpp16s* src, int len, int minLag, int maxLag);
-
-// *dp = the doubled products of the even indices added with saturation after each; true when a step saturated
-bool ownDotProd_G729A_16s32s(const Zpp16s* src1, const Zpp16s* src2, int len, Zpp32s* dp);
-
-// --- Filters and convolutions
-// ----------------------------------------------------------------------------------------------------
-
-inline constexpr int kLpcOrder = 10;
-
-// 1/A(z) of order 10, coef[0] the factor of the input, scaleFactor 12 or 13. hist: ten past outputs, oldest first, read before
-// dst is written, or null for zeros; src may be dst. True when a sample was clamped.
-bool ownSynthesisFilter_NR_16s(const Zpp16s* coef, const Zpp16s* src, Zpp16s* dst, int len, int scaleFactor,
-                               const Zpp16s* hist);
-// The same of any order at scale factor 12; hist holds `order` outputs outside dst
+// The synthesis filter of any order at scale factor 12; hist holds `order` outputs outside dst
 bool ownSynthesisFilter_G729E_16s(const Zpp16s* coef, int order, const Zpp16s* src, Zpp16s* dst, int len, const Zpp16s* hist);
 // dst = the impulse response of coef[0]/A(z), coef[0] in front
 void ownSynthesisFilterZeroStateResponse_NR_16s(const Zpp16s* coef, Zpp16s* dst, int len, int scaleFactor);
-// A(z) of order 10 over src[-10..len-1], coef Q12
-void ownResidualFilter_G729_16s(const Zpp16s* coef, const Zpp16s* src, Zpp16s* dst, int len);
-// srcDst[n] += gain * srcDst[n - lag], gain Q15, ascending: changed samples feed later ones. lag 1 or more.
-void ownHarmonicFilter_16s(Zpp16s gain, int lag, Zpp16s* srcDst, int len);
-// dst[n] = sat16(the exact sum of src1[k] * src2[n - k], k = 0..n, >> scaleFactor), truncating; scaleFactor 0 or more
-void ownConvPartial_16s_Sfs(const Zpp16s* src1, const Zpp16s* src2, Zpp16s* dst, int len, int scaleFactor);
-// The same sums modulo 2^32
-void ownConvPartial_16s32s(const Zpp16s* src1, const Zpp16s* src2, Zpp32s* dst, int len);
 
 // --- Adaptive-codebook gain
 // --------------------------------------------------------------------------------------------------------

@@ -4,35 +4,9 @@
 #include "core/checks.h"
 #include "core/fixed_point.h"
 #include "lpc/kernels.h"
+#include "lpc/synthesis_filter.h"
 
 using namespace zpp;
-
-namespace {
-
-// Scales an accumulator with rounding and clamps it.
-Zpp16s output(Zpp32s acc, int scaleFactor, bool& overflow) {
-  const Zpp32s y = addWrap32(acc, 1 << (scaleFactor - 1)) >> scaleFactor;
-  overflow |= y != sat16(y);
-  return sat16(y);
-}
-
-}  // namespace
-
-bool ownSynthesisFilter_NR_16s(const Zpp16s* coef, const Zpp16s* src, Zpp16s* dst, int len, int scaleFactor,
-                               const Zpp16s* hist) {
-  Zpp16s start[2 * kLpcOrder] = {};  // the past outputs and the first new ones
-  if (hist != nullptr) std::memcpy(start, hist, kLpcOrder * sizeof(Zpp16s));
-  bool overflow = false;
-  // past[-1] is the latest output
-  const auto filtered = [&](const Zpp16s* past, Zpp16s x) {
-    Zpp32s acc = Zpp32s{coef[0]} * x;
-    for (int i = 1; i <= kLpcOrder; ++i) acc = subWrap32(acc, Zpp32s{coef[i]} * past[-i]);
-    return output(acc, scaleFactor, overflow);
-  };
-  for (int n = 0; n < len && n < kLpcOrder; ++n) dst[n] = start[kLpcOrder + n] = filtered(start + kLpcOrder + n, src[n]);
-  for (int n = kLpcOrder; n < len; ++n) dst[n] = filtered(dst + n, src[n]);
-  return overflow;
-}
 
 bool ownSynthesisFilter_G729E_16s(const Zpp16s* coef, int order, const Zpp16s* src, Zpp16s* dst, int len, const Zpp16s* hist) {
   bool overflow = false;
@@ -42,7 +16,7 @@ bool ownSynthesisFilter_G729E_16s(const Zpp16s* coef, int order, const Zpp16s* s
     for (int i = 1; i <= inBlock; ++i) acc = subWrap32(acc, Zpp32s{coef[i]} * dst[n - i]);
     if (hist != nullptr)
       for (int i = inBlock + 1; i <= order; ++i) acc = subWrap32(acc, Zpp32s{coef[i]} * hist[order + n - i]);
-    dst[n] = output(acc, 12, overflow);
+    dst[n] = synthesisOutput(acc, 12, overflow);
   }
   return overflow;
 }

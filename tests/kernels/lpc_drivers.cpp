@@ -1,7 +1,72 @@
+#include "core/kernels.h"
+
 #include "kernels/rig.h"
+#include "lpc/kernels.h"
 
 namespace test {
 
-void runLpcKernels(const Options&, Tally&) {}
+ZPP_LPC_KERNELS(ZPP_KERNEL_TYPE)
+
+void runLpcKernels(const Options& options, Tally& tally) { ZPP_LPC_KERNELS(ZPP_RUN_KERNEL) }
+
+namespace {
+
+const Zpp16s* full(RigBase& rig, int n, int history = 0) { return rig.history<Zpp16s>(n, history); }
+// Half the runs have the samples of a codec's range, which take the wide-accumulator paths; the others those that leave them.
+const Zpp16s* samples(RigBase& rig, int n, int history = 0) {
+  const Zpp16s top = rig.random.between(0, 1) == 0 ? Zpp16s{32767} : Zpp16s{2000};
+  return rig.in<Zpp16s>(n, static_cast<Zpp16s>(-top - 1), top, history);
+}
+const Zpp16s* coefficients(RigBase& rig) {
+  const Zpp16s top = rig.random.between(0, 1) == 0 ? Zpp16s{32767} : Zpp16s{1000};
+  return rig.in<Zpp16s>(11, static_cast<Zpp16s>(-top - 1), top);
+}
+
+}  // namespace
+
+DRIVE(ownPartialCorr_16s32s, upTo(300)) {
+  const int lags = rig.keep ? n == 40 ? 40 : 11 : rig.scalar(1, n + 5);
+  rig.run(full(rig, n), full(rig, n), n, rig.out<Zpp32s>(lags), lags);
+}
+DRIVE(ownCorr_16s32s, upTo(200, {40, 80})) {
+  const int lags = rig.keep ? 124 : rig.scalar(1, 20);
+  rig.run(full(rig, n), full(rig, n + lags - 1), n, rig.out<Zpp32s>(lags), lags);
+}
+DRIVE(ownCrossCorr_16s32s_Sfs, upTo(100, {40})) {
+  rig.run(samples(rig, n), samples(rig, n), n, rig.out<Zpp32s>(n), rig.keep ? 0 : rig.scalar(-33, 33));
+}
+DRIVE(ownCrossCorr_NormM_16s, upTo(300, {40})) { rig.run(samples(rig, n), samples(rig, n), n, rig.out<Zpp16s>(n)); }
+DRIVE(ownCrossCorrLagMax_16s, upTo(100, {80})) {
+  const int maxLag = rig.keep ? 123 : rig.scalar(0, 70);
+  rig.run(samples(rig, n), samples(rig, n + maxLag), n, maxLag);
+}
+DRIVE(ownCrossCorrLagMax_Inv_16s, upTo(100, {40, 80})) {
+  const int minLag = rig.keep ? 20 : rig.scalar(0, 30), maxLag = rig.keep ? n == 40 ? 29 : 143 : rig.scalar(minLag, 100);
+  rig.run(samples(rig, n), samples(rig, n - minLag > 0 ? n - minLag : 0, maxLag), n, minLag, maxLag);
+}
+DRIVE(ownAutoCorrLagMax_Fwd_16s, upTo(100, {80})) {
+  const int minLag = rig.keep ? 20 : rig.scalar(0, 30), maxLag = rig.keep ? 143 : rig.scalar(minLag - 2, 100);
+  rig.run(full(rig, n + (maxLag > 0 ? maxLag : 0)), n, minLag, maxLag);
+}
+DRIVE(ownAutoCorrLagMax_Inv_16s, upTo(100, {80})) {
+  const int minLag = rig.keep ? 20 : rig.scalar(0, 30), maxLag = rig.keep ? 143 : rig.scalar(minLag - 2, 100);
+  rig.run(full(rig, n, maxLag > 0 ? maxLag : 0), n, minLag, maxLag);
+}
+DRIVE(ownDotProd_G729A_16s32s, upTo(300, {80, 223})) { rig.run(samples(rig, n), samples(rig, n), n, rig.out<Zpp32s>(1)); }
+DRIVE(ownSynthesisFilter_NR_16s, upTo(100, {40, 240})) {
+  const Zpp16s* coef = rig.keep ? rig.in<Zpp16s>(11, -300, 300) : coefficients(rig);
+  rig.run(coef, samples(rig, n), rig.out<Zpp16s>(n), n, rig.scalar(12, 13), rig.scalar(0, 3) == 0 ? nullptr : samples(rig, 10));
+}
+DRIVE(ownResidualFilter_G729_16s, upTo(100, {40})) {
+  rig.run(rig.keep ? rig.in<Zpp16s>(11, -5000, 5000) : coefficients(rig), full(rig, n, 10), rig.out<Zpp16s>(n), n);
+}
+DRIVE(ownHarmonicFilter_16s, upTo(100, {20, 40})) {
+  const int lag = rig.keep ? 20 : rig.scalar(1, 60);
+  rig.run(rig.scalar<Zpp16s>(-32768, rig.scalar(-32768, 32767)), lag, rig.inOut<Zpp16s>(n, -32768, 32767, lag), n);
+}
+DRIVE(ownConvPartial_16s_Sfs, upTo(200, {40, 80})) {
+  rig.run(samples(rig, n), samples(rig, n), rig.out<Zpp16s>(n), n, rig.keep ? 12 : rig.scalar(0, 40));
+}
+DRIVE(ownConvPartial_16s32s, upTo(200, {40})) { rig.run(full(rig, n), full(rig, n), rig.out<Zpp32s>(n), n); }
 
 }  // namespace test

@@ -1,0 +1,110 @@
+// Partial convolution, LP residual, harmonic sharpening: SSE2 kernels.
+#include <cstdlib>
+#include <cstring>
+
+#include "core/fixed_point.h"
+#include "core/kernels.h"
+#include "lpc/kernels.h"
+#include "lpc/simd_correlation_w7.h"
+
+using namespace zpp;
+
+namespace {
+
+constexpr int kMostPadded = 512;
+
+V reversed(V v) {
+  v = _mm_shufflehi_epi16(_mm_shufflelo_epi16(v, _MM_SHUFFLE(0, 1, 2, 3)), _MM_SHUFFLE(0, 1, 2, 3));
+  return _mm_shuffle_epi32(v, _MM_SHUFFLE(1, 0, 3, 2));
+}
+
+// A convolution as correlation of the reversed src1 with src2. Zeros in front of both let every output start at a multiple
+// of 8.
+class Convolution {
+ public:
+  Convolution(const Zpp16s* src1, const Zpp16s* src2, int len) : padded_((len + 7) & ~7) {
+    const V zero = _mm_setzero_si128();
+    for (int n = 0; n < 16; n += 8) store(src2_ + n, zero);
+    std::memcpy(src2_ + 16, src2, static_cast<unsigned>(len) * sizeof(Zpp16s));
+    store(src2_ + 16 + len, zero);  // read by the last pass, for outputs that nobody asked for
+    int n = 0;
+    for (; n + 8 <= len; n += 8) store(reversed_ + padded_ - 8 - n, reversed(load(src1 + n)));
+    if (n < len) store(reversed_, reversed(loadFirst(src1 + n, len - n)));
+  }
+  // Outputs n..n+3, modulo 2^32
+  V four(int n) const {
+    int from = (padded_ - 4 - n) & ~7;
+    if (from < 0) from = 0;
+    FourLags lags;
+    lags.add(reversed_ + from, src2_ + 16 + n + 1 - padded_ + from, padded_ - from);
+    return lags.total();
+  }
+
+ private:
+  int padded_;
+  alignas(16) Zpp16s reversed_[kMostPadded], src2_[kMostPadded + 32];
+};
+
+}  // namespace
+
+void ownConvPartial_16s32s_W7(const Zpp16s* src1, const Zpp16s* src2, Zpp32s* dst, int len) {
+  if (len < 8 || len > kMostPadded) return ownConvPartial_16s32s_PX(src1, src2, dst, len);
+  const Convolution convolution(src1, src2, len);
+  for (int n = 0; n < len; n += 4) {
+    if (n > len - 4) n = len - 4;
+    store(dst + n, convolution.four(n));
+  }
+}
+
+void ownConvPartial_16s_Sfs_W7(const Zpp16s* src1, const Zpp16s* src2, Zpp16s* dst, int len, int scaleFactor) {
+  // Where no sum leaves 32 bits, those modulo 2^32 are exact.
+  if (len < 8 || len > kMostPadded || !correlationsFit(31, src1, len, src2, len))
+    return ownConvPartial_16s_Sfs_PX(src1, src2, dst, len, scaleFactor);
+  const Convolution convolution(src1, src2, len);
+  const V shift = _mm_cvtsi32_si128(scaleFactor);  // psrad takes counts beyond 31 as 31
+  for (int n = 0; n < len; n += 4) {
+    if (n > len - 4) n = len - 4;
+    const V sums = _mm_sra_epi32(convolution.four(n), shift);
+    store4(dst + n, _mm_packs_epi32(sums, sums));
+  }
+}
+
+void ownResidualFilter_G729_16s_W7(const Zpp16s* coef, const Zpp16s* src, Zpp16s* dst, int len) {
+  // With the magnitudes of the coefficients adding up to less than 16.0 no sum reaches 2^31 - 2^15, so 32 bits hold it and the
+  // rounding exactly.
+  int magnitudes = 0;
+  for (int i = 0; i <= kLpcOrder; ++i) magnitudes += std::abs(coef[i]);
+  if (len < 8 || magnitudes > 65534) return ownResidualFilter_G729_16s_PX(coef, src, dst, len);
+  V factors[6];  // coefficients 2m and 2m + 1 in each 32-bit lane
+  for (int m = 0; m < 6; ++m) {
+    const int odd = 2 * m < kLpcOrder ? coef[2 * m + 1] : 0;
+    factors[m] = _mm_set1_epi32((coef[2 * m] & 0xffff) | static_cast<int>(static_cast<Zpp32u>(odd) << 16));
+  }
+  const V half = _mm_set1_epi32(2048);
+  for (int n = 0; n < len; n += 8) {
+    if (n > len - 8) n = len - 8;
+    V low = half, high = half;
+    for (int m = 0; m < 6; ++m) {
+      const V x = load(src + n - 2 * m), before = 2 * m < kLpcOrder ? load(src + n - 2 * m - 1) : _mm_setzero_si128();
+      low = _mm_add_epi32(low, _mm_madd_epi16(_mm_unpacklo_epi16(x, before), factors[m]));
+      high = _mm_add_epi32(high, _mm_madd_epi16(_mm_unpackhi_epi16(x, before), factors[m]));
+    }
+    store(dst + n, _mm_packs_epi32(_mm_srai_epi32(low, 12), _mm_srai_epi32(high, 12)));
+  }
+}
+
+void ownHarmonicFilter_16s_W7(Zpp16s gain, int lag, Zpp16s* srcDst, int len) {
+  int n = 0;
+  if (lag >= 8) {  // the eight samples of a step then do not feed each other
+    const V factor = _mm_set1_epi16(gain);
+    for (; n + 8 <= len; n += 8) {
+      const V past = load(srcDst + n - lag);
+      const V product =
+          _mm_or_si128(_mm_slli_epi16(_mm_mulhi_epi16(past, factor), 1), _mm_srli_epi16(_mm_mullo_epi16(past, factor), 15));
+      // Only -32768 times -32768 gives 32768, stored as -32768; adding -1 makes it 32767.
+      const V clamped = _mm_add_epi16(product, _mm_cmpeq_epi16(product, _mm_set1_epi16(-32768)));
+      store(srcDst + n, _mm_adds_epi16(load(srcDst + n), clamped));
+    }
+  }
+  ownHarmonicFilter_16s_PX(gain, lag, srcDst + n, len - n);
+}

@@ -1,0 +1,62 @@
+// Correlation sums with SSE2: four lags a pass share the loads of one operand.
+#pragma once
+
+#include "core/simd_w7.h"
+
+namespace zpp {
+
+// Sums of the four lanes of each of four vectors, in order, modulo 2^32
+inline V sumRows(V a, V b, V c, V d) {
+  const V ab = _mm_add_epi32(_mm_unpacklo_epi32(a, b), _mm_unpackhi_epi32(a, b));
+  const V cd = _mm_add_epi32(_mm_unpacklo_epi32(c, d), _mm_unpackhi_epi32(c, d));
+  return _mm_add_epi32(_mm_unpacklo_epi64(ab, cd), _mm_unpackhi_epi64(ab, cd));
+}
+
+// Four accumulators, one a lag
+struct FourLags {
+  V sum[4] = {_mm_setzero_si128(), _mm_setzero_si128(), _mm_setzero_si128(), _mm_setzero_si128()};
+
+  // Eight products of each lag: x with y[0..7], y[1..8], y[2..9], y[3..10]. Modulo 2^32 the overflow of pmaddwd does not count.
+  void add(V x, const Zpp16s* y) {
+    for (int k = 0; k < 4; ++k) sum[k] = _mm_add_epi32(sum[k], _mm_madd_epi16(x, load(y + k)));
+  }
+  void add(const Zpp16s* x, const Zpp16s* y, int len) {  // len: a multiple of 8
+    for (int n = 0; n < len; n += 8) add(load(x + n), y + n);
+  }
+  V total() const { return sumRows(sum[0], sum[1], sum[2], sum[3]); }
+};
+
+// The last or first n (0..7) lanes of eight kept, the others zero
+inline constexpr Zpp16s kLaneMask[24] = {0, 0, 0, 0, 0, 0, 0, 0, -1, -1, -1, -1, -1, -1, -1, -1};
+inline V keepLast(V v, int n) { return _mm_and_si128(v, load(kLaneMask + n)); }
+inline V keepFirst(V v, int n) { return _mm_and_si128(v, load(kLaneMask + 16 - n)); }
+
+// An upper bound of the energy of src in units of 256: each pair of squares p counts (p >> 8) + 1.
+inline Zpp64s energyBound(const Zpp16s* src, int len) {
+  Zpp64s bound = 0;
+  int n = 0;
+  while (n + 8 <= len) {
+    // A lane grows by 2^23 a step at the most (pmaddwd's one overflow is right when taken unsigned): 2^8 steps fit.
+    const int end = len - n > 8 << 8 ? n + (8 << 8) : len;
+    V sum = _mm_setzero_si128();
+    for (; n + 8 <= end; n += 8) {
+      const V x = load(src + n);
+      sum = _mm_add_epi32(sum, _mm_srli_epi32(_mm_madd_epi16(x, x), 8));
+    }
+    const V zero = _mm_setzero_si128();
+    bound += sumLanes64(_mm_add_epi64(_mm_unpacklo_epi32(sum, zero), _mm_unpackhi_epi32(sum, zero)));
+  }
+  bound += n / 2;
+  for (; n < len; ++n) bound += ((Zpp32s{src[n]} * src[n]) >> 8) + 1;
+  return bound;
+}
+
+// True when every correlation of a part of src1 with a part of src2, and every partial sum of one, stays below 2^bits in
+// magnitude: by Cauchy and Schwarz its square is at most the product of the two energies.
+inline bool correlationsFit(int bits, const Zpp16s* src1, int len1, const Zpp16s* src2, int len2) {
+  const Zpp64s bound1 = energyBound(src1, len1), bound2 = energyBound(src2, len2);
+  if ((bound1 | bound2) >> 31 != 0) return false;
+  return bound1 * bound2 <= Zpp64s{1} << (2 * bits - 16);
+}
+
+}  // namespace zpp

@@ -1,0 +1,23 @@
+// LP synthesis filter of order 10: portable kernel.
+#include <cstring>
+
+#include "lpc/kernels.h"
+#include "lpc/synthesis_filter.h"
+
+using namespace zpp;
+
+bool ownSynthesisFilter_NR_16s_PX(const Zpp16s* coef, const Zpp16s* src, Zpp16s* dst, int len, int scaleFactor,
+                                  const Zpp16s* hist) {
+  Zpp16s start[2 * kLpcOrder] = {};  // the past outputs and the first new ones
+  if (hist != nullptr) std::memcpy(start, hist, kLpcOrder * sizeof(Zpp16s));
+  bool overflow = false;
+  // past[-1] is the latest output
+  const auto filtered = [&](const Zpp16s* past, Zpp16s x) {
+    Zpp32s acc = Zpp32s{coef[0]} * x;
+    for (int i = 1; i <= kLpcOrder; ++i) acc = subWrap32(acc, Zpp32s{coef[i]} * past[-i]);
+    return synthesisOutput(acc, scaleFactor, overflow);
+  };
+  for (int n = 0; n < len && n < kLpcOrder; ++n) dst[n] = start[kLpcOrder + n] = filtered(start + kLpcOrder + n, src[n]);
+  for (int n = kLpcOrder; n < len; ++n) dst[n] = filtered(dst + n, src[n]);
+  return overflow;
+}

@@ -1,0 +1,79 @@
+// LP synthesis filter of order 10: SSE2 kernel.
+//
+// The recursion is serial: what counts is the path from one output to the next. The outputs are computed in scalar registers,
+// with the two to five latest outputs, and a sample is clamped behind a branch that is hardly ever taken, so that this path is
+// one multiplication, one subtraction and one shift. All older outputs arrive as sums of four coming outputs, which pmaddwd
+// adds up meanwhile, two past outputs at a time.
+#include "core/fixed_point.h"
+#include "core/simd_w7.h"
+#include "lpc/kernels.h"
+
+using namespace zpp;
+
+namespace {
+
+// Two consecutive outputs in each 32-bit lane
+V pairOf(Zpp32s first, Zpp32s second) {
+  return _mm_set1_epi32(static_cast<int>((static_cast<Zpp32u>(second) << 16) | (static_cast<Zpp32u>(first) & 0xffff)));
+}
+
+}  // namespace
+
+bool ownSynthesisFilter_NR_16s_W7(const Zpp16s* coef, const Zpp16s* src, Zpp16s* dst, int len, int scaleFactor,
+                                  const Zpp16s* hist) {
+  if (len < 12) return ownSynthesisFilter_NR_16s_PX(coef, src, dst, len, scaleFactor, hist);
+
+  // Factors of the pairs that lie 4, 6, 8 and 10 samples before a block of four: lane j of the first holds a[4 + j], a[3 + j].
+  const V a3 = load(coef + 3);
+  const V factor4 = _mm_unpacklo_epi16(_mm_srli_si128(a3, 2), a3);
+  const V factor6 = _mm_unpacklo_epi16(_mm_srli_si128(a3, 6), _mm_srli_si128(a3, 4));
+  const V factor8 = _mm_unpacklo_epi16(_mm_srli_si128(a3, 10), _mm_srli_si128(a3, 8));
+  const V factor10 = _mm_unpacklo_epi16(_mm_srli_si128(a3, 14), _mm_srli_si128(a3, 12));
+  const V inputFactor = _mm_set1_epi32((coef[0] & 0xffff) | (1 << (scaleFactor - 1 + 16)));  // input and rounding
+  const V ones = _mm_set1_epi16(1);
+  const Zpp32s a1 = coef[1], a2 = coef[2], a3s = coef[3], a4 = coef[4], a5 = coef[5];
+
+  static constexpr Zpp16s kSilence[kLpcOrder] = {};
+  const Zpp16s* past = hist != nullptr ? hist : kSilence;
+  V pair4 = pairOf(past[6], past[7]), pair6 = pairOf(past[4], past[5]), pair8 = pairOf(past[2], past[3]),
+    pair10 = pairOf(past[0], past[1]);
+  Zpp32s y2 = past[8], y1 = past[9];  // the latest two outputs
+
+  bool overflow = false;
+  // The next output from its sum and the terms of the latest outputs, all modulo 2^32
+  const auto output = [&](Zpp32s sum) {
+    const Zpp32s y = sum >> scaleFactor;
+    if (y != static_cast<Zpp16s>(y)) [[unlikely]] {
+      overflow = true;
+      return Zpp32s{sat16(y)};
+    }
+    return y;
+  };
+  int n = 0;
+  for (; n + 4 <= len; n += 4) {
+    alignas(16) Zpp32s sum[4];
+    V acc = _mm_madd_epi16(_mm_unpacklo_epi16(load4(src + n), ones), inputFactor);
+    acc = _mm_sub_epi32(acc, _mm_madd_epi16(pair10, factor10));
+    acc = _mm_sub_epi32(acc, _mm_madd_epi16(pair8, factor8));
+    acc = _mm_sub_epi32(acc, _mm_madd_epi16(pair6, factor6));
+    acc = _mm_sub_epi32(acc, _mm_madd_epi16(pair4, factor4));
+    store(sum, acc);
+    const Zpp32s z0 = output(subWrap32(subWrap32(sum[0], a2 * y2), a1 * y1));
+    const Zpp32s z1 = output(subWrap32(subWrap32(subWrap32(sum[1], a3s * y2), a2 * y1), a1 * z0));
+    const Zpp32s z2 = output(subWrap32(subWrap32(subWrap32(subWrap32(sum[2], a4 * y2), a3s * y1), a2 * z0), a1 * z1));
+    const Zpp32s z3 =
+        output(subWrap32(subWrap32(subWrap32(subWrap32(subWrap32(sum[3], a5 * y2), a4 * y1), a3s * z0), a2 * z1), a1 * z2));
+    dst[n] = low16(z0);
+    dst[n + 1] = low16(z1);
+    dst[n + 2] = low16(z2);
+    dst[n + 3] = low16(z3);
+    pair10 = pair6;
+    pair8 = pair4;
+    pair6 = pairOf(y2, y1);
+    pair4 = pairOf(z0, z1);
+    y2 = z2;
+    y1 = z3;
+  }
+  if (n < len) overflow |= ownSynthesisFilter_NR_16s_PX(coef, src + n, dst + n, len - n, scaleFactor, dst + n - kLpcOrder);
+  return overflow;
+}
