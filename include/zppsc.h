@@ -433,6 +433,31 @@ ZPPAPI ZppStatus _zppsComputeAdaptiveCodebookGain_16s(const Zpp16s* target, cons
 
 /* ---- G.729: gains (clause 3.9) ------------------------------------------------------------------------------------------------------------ */
 
+/* memory: 4, in/out: the quantised energy-prediction errors of the last four subframes in dB, Q10, newest first; -14336 each at
+ * the start. index: 2, as transmitted: first codebook (3 bits), second (4 bits at 8 kbit/s, 3 at 6.4 kbit/s).
+ * gain: 2: pitch gain Q14, fixed-codebook gain Q1. */
+
+/* Decodes the gain pair of a subframe at 8 kbit/s (ITU-T G.729 clause 4.1.5) and updates the memory; bits of the indices above
+ * their width are ignored. energy: sum of squares of the 40-sample code vector, Q13 samples.
+ * index: null for an erased frame: the gains of the last subframe, read from gain, fade by 0.9 and 0.98 (clause 4.4.2).
+ * Status: zppStsOk; zppStsNullPointer for memory or gain. */
+ZPPAPI ZppStatus zppsDecodeGain_G729_16s(Zpp32s energy, Zpp16s* memory, const Zpp16s* index, Zpp16s* gain);
+
+/* As above at 6.4 kbit/s (Annexes D and I); the fixed-codebook gain keeps its low 16 bits.
+ * attenuation: Q15, multiplies both gains when index is null. */
+ZPPAPI ZppStatus zppsDecodeGain_G729I_16s(Zpp32s energy, Zpp16s attenuation, Zpp16s* memory, const Zpp16s* index, Zpp16s* gain);
+
+/* Quantises the gain pair of a subframe at 8 kbit/s (ITU-T G.729 clause 3.9): writes index and gain, updates the memory.
+ * target: 40; adaptive: 40, filtered adaptive vector; code: 40, code vector Q13; filtered: 40, filtered code vector Q12.
+ * taming: 1 when the pitch gain must stay below 1 (clause 3.7.3: the synthesis filter could become unstable after losses), else 0.
+ * Status: zppStsOk; zppStsNullPointer; zppStsOutOfRange for another taming flag. */
+ZPPAPI ZppStatus zppsGainQuant_G729_16s(const Zpp16s* target, const Zpp16s* adaptive, const Zpp16s* code, const Zpp16s* filtered,
+                                        Zpp16s* memory, Zpp16s* index, Zpp16s* gain, Zpp16s taming);
+
+/* As above at 6.4 kbit/s (Annex D). */
+ZPPAPI ZppStatus zppsGainQuant_G729D_16s(const Zpp16s* target, const Zpp16s* adaptive, const Zpp16s* code, const Zpp16s* filtered,
+                                         Zpp16s* memory, Zpp16s* index, Zpp16s* gain, Zpp16s taming);
+
 /* ---- G.729: postfilter (clause 4.2) --------------------------------------------------------------------------------------------------------- */
 
 /* ---- G.723.1 --------------------------------------------------------------------------------------------------------------------- */
