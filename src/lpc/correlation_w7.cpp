@@ -2,8 +2,6 @@
 //
 // All sums run in 32-bit lanes. Kernels whose result is exact or saturated first prove that no sum can leave 32 bits (31 where
 // it is doubled) and otherwise leave the work to the portable kernel.
-#include <cstring>
-
 #include "core/fixed_point.h"
 #include "core/kernels.h"
 #include "lpc/kernels.h"
@@ -14,9 +12,6 @@ using namespace zpp;
 namespace {
 
 constexpr int kLagsAtATime = 32;
-
-// Partial correlations of vectors of up to this length are taken on a copy that zeros follow.
-constexpr int kMostPadded = 512;
 
 // The largest of the sums of src1 with src2[lag], lag = first, first + step, ..., over count lags, modulo 2^32. The earliest
 // wins a tie. doubled: the sums are known to fit 31 bits and are doubled.
@@ -35,13 +30,6 @@ LagMax search(const Zpp16s* src1, const Zpp16s* src2, int len, int first, int co
     done += lags;
   }
   return best;
-}
-
-// The largest magnitude of `vectors` times four values, none of them -2147483648
-Zpp32s mostMagnitude(const Zpp32s* src, int len) {
-  Zpp32s most = 0;
-  for (int n = 0; n < len; ++n) most = (src[n] < 0 ? -src[n] : src[n]) > most ? (src[n] < 0 ? -src[n] : src[n]) : most;
-  return most;
 }
 
 }  // namespace
@@ -63,25 +51,27 @@ void ownCorr_16s32s_W7(const Zpp16s* src1, const Zpp16s* src2, int len, Zpp32s* 
 }
 
 void ownPartialCorr_16s32s_W7(const Zpp16s* src1, const Zpp16s* src2, int len, Zpp32s* dst, int lags) {
-  if (len < 8 || lags < 4 || len > kMostPadded) {
+  if (len < 16 || lags < 4) {
     for (int k = 0; k < lags; ++k) dst[k] = k < len ? wrap32(ownDotProd_16s_W7(src1, src2 + k, len - k)) : 0;
     return;
   }
-  // With zeros behind src2 every lag may run to a multiple of 8; what src1 has there does not matter, but must be readable.
-  alignas(16) Zpp16s padded1[kMostPadded], padded2[kMostPadded + 16];
-  std::memcpy(padded2, src2, static_cast<unsigned>(len) * sizeof(Zpp16s));
-  store(padded2 + len, _mm_setzero_si128());
-  store(padded2 + len + 8, _mm_setzero_si128());
-  const Zpp16s* x = src1;
-  if (len % 8 != 0) {
-    std::memcpy(padded1, src1, static_cast<unsigned>(len) * sizeof(Zpp16s));
-    store(padded1 + (len & ~7), keepFirst(load(padded1 + (len & ~7)), len % 8));
-    x = padded1;
-  }
+  // The ends of both vectors with zeros behind them: there every lag may run on to a multiple of 8.
+  alignas(16) Zpp16s ends[16 + 40];
+  Zpp16s *const end1 = ends, *const end2 = ends + 16;
+  store(end1, load(src1 + len - 8));
+  store(end1 + 8, _mm_setzero_si128());
+  store(end2, load(src2 + len - 16));
+  store(end2 + 8, load(src2 + len - 8));
+  for (int n = 16; n < 40; n += 8) store(end2 + n, _mm_setzero_si128());
   for (int k = 0; k < lags; k += 4) {
     if (k > lags - 4) k = lags - 4;
     FourLags four;
-    if (k < len) four.add(x, padded2 + k, (len - k + 7) & ~7);
+    int n = 0;
+    for (; n + k + 11 <= len; n += 8) four.add(load(src1 + n), src2 + n + k);
+    for (; n + k < len; n += 8) {
+      const V x = n + 8 <= len ? load(src1 + n) : load(end1 + n - (len - 8));
+      four.add(x, end2 + n + k - (len - 16));
+    }
     store(dst + k, four.total());
   }
 }
@@ -95,14 +85,26 @@ void ownCrossCorr_16s32s_Sfs_W7(const Zpp16s* target, const Zpp16s* signal, int 
 
 void ownCrossCorr_NormM_16s_W7(const Zpp16s* target, const Zpp16s* signal, int len, Zpp16s* dst) {
   constexpr int kMost = 256;
-  if (len > kMost || !correlationsFit(30, target, len, signal, len)) return ownCrossCorr_NormM_16s_PX(target, signal, len, dst);
-  alignas(16) Zpp32s sums[kMost];
+  if (len < 4 || len > kMost || !correlationsFit(30, target, len, signal, len))
+    return ownCrossCorr_NormM_16s_PX(target, signal, len, dst);
+  alignas(16) Zpp32s sums[kMost + 4];
   ownPartialCorr_16s32s_W7(signal, target, len, sums, len);
-  // Of the undoubled sums the norm is one more (0 for silence in both), the shift one less.
-  const Zpp32s most = 2 * mostMagnitude(sums, len);
-  const int norm = norm32(most);
-  const int shift = 17 - (norm > 16 ? 16 : norm);
-  for (int n = 0; n < len; ++n) dst[n] = low16(sums[n] >> shift);
+  store(sums + len, _mm_setzero_si128());
+  // The bits of all magnitudes together have the norm of the largest one.
+  V bits = _mm_setzero_si128();
+  for (int n = 0; n < len; n += 4) {
+    const V sum = load(sums + n), sign = _mm_srai_epi32(sum, 31);
+    bits = _mm_or_si128(bits, _mm_sub_epi32(_mm_xor_si128(sum, sign), sign));
+  }
+  bits = _mm_or_si128(bits, _mm_shuffle_epi32(bits, _MM_SHUFFLE(1, 0, 3, 2)));
+  bits = _mm_or_si128(bits, _mm_shuffle_epi32(bits, _MM_SHUFFLE(2, 3, 0, 1)));
+  const int norm = norm32(2 * _mm_cvtsi128_si32(bits));             // below 2^30: correlationsFit
+  const V shift = _mm_cvtsi32_si128(17 - (norm > 16 ? 16 : norm));  // one less, as the sums are not doubled
+  for (int n = 0; n < len; n += 4) {
+    if (n > len - 4) n = len - 4;
+    const V normalised = _mm_sra_epi32(load(sums + n), shift);  // 14 bits
+    store4(dst + n, _mm_packs_epi32(normalised, normalised));
+  }
 }
 
 LagMax ownCrossCorrLagMax_16s_W7(const Zpp16s* src1, const Zpp16s* src2, int len, int maxLag) {

@@ -12,18 +12,21 @@ inline V sumRows(V a, V b, V c, V d) {
   return _mm_add_epi32(_mm_unpacklo_epi64(ab, cd), _mm_unpackhi_epi64(ab, cd));
 }
 
-// Four accumulators, one a lag
+// Four accumulators, one a lag (named, not an array, so that they stay in registers)
 struct FourLags {
-  V sum[4] = {_mm_setzero_si128(), _mm_setzero_si128(), _mm_setzero_si128(), _mm_setzero_si128()};
+  V sum0 = _mm_setzero_si128(), sum1 = sum0, sum2 = sum0, sum3 = sum0;
 
   // Eight products of each lag: x with y[0..7], y[1..8], y[2..9], y[3..10]. Modulo 2^32 the overflow of pmaddwd does not count.
   void add(V x, const Zpp16s* y) {
-    for (int k = 0; k < 4; ++k) sum[k] = _mm_add_epi32(sum[k], _mm_madd_epi16(x, load(y + k)));
+    sum0 = _mm_add_epi32(sum0, _mm_madd_epi16(x, load(y)));
+    sum1 = _mm_add_epi32(sum1, _mm_madd_epi16(x, load(y + 1)));
+    sum2 = _mm_add_epi32(sum2, _mm_madd_epi16(x, load(y + 2)));
+    sum3 = _mm_add_epi32(sum3, _mm_madd_epi16(x, load(y + 3)));
   }
   void add(const Zpp16s* x, const Zpp16s* y, int len) {  // len: a multiple of 8
     for (int n = 0; n < len; n += 8) add(load(x + n), y + n);
   }
-  V total() const { return sumRows(sum[0], sum[1], sum[2], sum[3]); }
+  V total() const { return sumRows(sum0, sum1, sum2, sum3); }
 };
 
 // The last or first n (0..7) lanes of eight kept, the others zero
