@@ -1,7 +1,19 @@
+#include "g723/kernels.h"
+
+#include "g723/tables.h"
 #include "kernels/rig.h"
 
 namespace test {
 
-void runG723Kernels(const Options&, Tally&) {}
+ZPP_G723_KERNELS(ZPP_KERNEL_TYPE)
+
+void runG723Kernels(const Options& options, Tally& tally){ZPP_G723_KERNELS(ZPP_RUN_KERNEL)}
+
+// Any block with an energy below 2^31: 180 * 3454^2
+DRIVE(ownAutoCorr_NormE_G723_16s32s, only({180})) {
+  rig.run(rig.in<Zpp16s>(180, -3454, 3454), 0, rig.out<Zpp32s>(10));
+}
+// n = band
+DRIVE(ownLspSvq, only({0, 1, 2})) { rig.run(rig.in<Zpp16s>(4), rig.in<Zpp16s>(4, 0, 32767), LSPCdbk_G723_Tbls[n]); }
 
 }  // namespace test

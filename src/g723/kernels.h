@@ -1,0 +1,38 @@
+// Kernels of ITU-T G.723.1 and their processor variants.
+#pragma once
+
+#include "core/variants.h"
+
+#define ZPP_G723_KERNELS(KERNEL)                                                                                            \
+  /* corr[k] = (sum of src[j] * src[j-k-1] over j = k+1..179) << norm, k = 0..9, for 180 samples whose energy is at most */ \
+  /* 2^31 - 1 and norm of at most its normalisation shift */                                                                \
+  KERNEL(ownAutoCorr_NormE_G723_16s32s, W7, void(const Zpp16s* src, int norm, Zpp32s* corr))                                \
+  /* Entry of a band's codebook nearest to target under the Q15 weights (0 or more), the first one of equals. Reads four */ \
+  /* elements of target and weight in every band. */                                                                        \
+  KERNEL(ownLspSvq, W7, int(const Zpp16s* target, const Zpp16s* weight, const Zpp16s(*codebook)[4]))
+
+ZPP_G723_KERNELS(ZPP_DECLARE_KERNEL)
+
+void ownAutoCorr_G723_16s(const Zpp16s* src, Zpp16s* exponent, Zpp16s* autocorr);
+int ownAutoCorr_NormE_G723_16s(const Zpp16s* src, Zpp16s* autocorr);  // returns the shift of the lags
+void ownLevinsonDurbin_G723_16s(const Zpp16s* autocorr, Zpp16s* sineDetector, Zpp16s* residualEnergy, Zpp16s* lpc);
+
+// True when all ten LSF were found; otherwise lsf holds nothing of use.
+bool ownLPCToLSF_Norm_G723_16s(const Zpp16s* lpc, Zpp16s* lsf);
+// lsf is a copy of prevLsf when the roots are not all found.
+void ownLPCToLSF_G723_16s(const Zpp16s* lpc, const Zpp16s* prevLsf, Zpp16s* lsf);
+void ownLSFToLPC_G723_16s_I(Zpp16s* lsfLpc);
+
+// The three band indices, packed: the first in bits 16..23, the last in bits 0..7
+Zpp32s ownLSFQuant_G723_16s32s(const Zpp16s* lsf, const Zpp16s* prevLsf);
+// Leaves the prediction residual in lsf.
+void ownLSFQuant_G723_16s_I(const Zpp16s* prevLsf, Zpp16s* lsf, Zpp16s* index);
+// True when the set is stable.
+bool ownLSFDecode_G723_16s(const Zpp16s* index, const Zpp16s* prevLsf, bool erased, Zpp16s* lsf);
+
+// 60 samples from the 145 before them: gain taps of five, Q14, at `delay` samples
+void ownDecodeAdaptiveVector_G723_16s(int delay, const Zpp16s* taps, const Zpp16s* history, Zpp16s* dst);
+// Work vector of 64 samples from 145 of history: the last `delay` of them repeated, led by the two samples before them
+void ownExcitationDelay_G723_16s(const Zpp16s* history, Zpp16s* work, int delay);
+// 60 samples of the five-tap predictor, taps Q14
+void ownAdaptiveCodebookDecode_G723_16s(const Zpp16s* taps, const Zpp16s* work, Zpp16s* dst);
