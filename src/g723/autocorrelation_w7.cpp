@@ -8,13 +8,6 @@ using namespace zpp;
 
 namespace {
 
-// Four sums of four lanes each
-V sumsOfLanes(V a, V b, V c, V d) {
-  const V ab = _mm_add_epi32(_mm_unpacklo_epi32(a, b), _mm_unpackhi_epi32(a, b));
-  const V cd = _mm_add_epi32(_mm_unpacklo_epi32(c, d), _mm_unpackhi_epi32(c, d));
-  return _mm_add_epi32(_mm_unpacklo_epi64(ab, cd), _mm_unpackhi_epi64(ab, cd));
-}
-
 // Products of x with the block that begins at y
 V products(V x, const Zpp16s* y) { return _mm_madd_epi16(x, load(y)); }
 
@@ -43,7 +36,7 @@ void ownAutoCorr_NormE_G723_16s32s_W7(const Zpp16s* src, int norm, Zpp32s* corr)
     lag[k] = s0, lag[k + 1] = s1, lag[k + 2] = s2, lag[k + 3] = s3, lag[k + 4] = s4;
   }
   const V shift = _mm_cvtsi32_si128(norm);
-  store(corr, _mm_sll_epi32(sumsOfLanes(lag[0], lag[1], lag[2], lag[3]), shift));
-  store(corr + 4, _mm_sll_epi32(sumsOfLanes(lag[4], lag[5], lag[6], lag[7]), shift));
-  store4(corr + 8, _mm_sll_epi32(sumsOfLanes(lag[8], lag[9], lag[10], lag[11]), shift));
+  store(corr, _mm_sll_epi32(sumsOfLanes32(lag[0], lag[1], lag[2], lag[3]), shift));
+  store(corr + 4, _mm_sll_epi32(sumsOfLanes32(lag[4], lag[5], lag[6], lag[7]), shift));
+  store4(corr + 8, _mm_sll_epi32(sumsOfLanes32(lag[8], lag[9], lag[10], lag[11]), shift));
 }

@@ -3,12 +3,16 @@
 
 #include "core/variants.h"
 
-#define ZPP_G723_KERNELS(KERNEL)                                                                                            \
-  /* corr[k] = (sum of src[j] * src[j-k-1] over j = k+1..179) << norm, k = 0..9, for 180 samples whose energy is at most */ \
-  /* 2^31 - 1 and norm of at most its normalisation shift */                                                                \
-  KERNEL(ownAutoCorr_NormE_G723_16s32s, W7, void(const Zpp16s* src, int norm, Zpp32s* corr))                                \
-  /* Entry of a band's codebook nearest to target under the Q15 weights (0 or more), the first one of equals. Reads four */ \
-  /* elements of target and weight in every band. */                                                                        \
+#define ZPP_G723_KERNELS(KERNEL)                                                                                               \
+  /* corr[k] = (sum of src[j] * src[j-k-1] over j = k+1..179) << norm, k = 0..9, for 180 samples whose energy is at most */    \
+  /* 2^31 - 1 and norm of at most its normalisation shift */                                                                   \
+  KERNEL(ownAutoCorr_NormE_G723_16s32s, W7, void(const Zpp16s* src, int norm, Zpp32s* corr))                                   \
+  /* Entry of a band's codebook nearest to target under the Q15 weights (0 or more), the first one of equals. Reads four */    \
+  /* elements of target and weight in every band. */                                                                           \
+  /* Roots of the two polynomials (lsf_root_search.h) in steps of four grid points, halved twice: true when all ten are found. \
+   */                                                                                                                          \
+  /* Misses two roots of one polynomial within a step. */                                                                      \
+  KERNEL(ownFindRootLSF_Fast, W7, bool(const Zpp16s* polynomials, Zpp16s* lsf))                                                \
   KERNEL(ownLspSvq, W7, int(const Zpp16s* target, const Zpp16s* weight, const Zpp16s(*codebook)[4]))
 
 ZPP_G723_KERNELS(ZPP_DECLARE_KERNEL)

@@ -11,8 +11,9 @@ extern const Zpp16s BinomWindowCoeffTbl_G723[11];
 extern const Zpp16s BandwidthExpansionTbl[10];
 // cos(2 pi n / 512), Q14: 512 entries, CosineTable
 extern const Zpp16s CosineTbl_G723[512];
-// Row i of 257: cos(k pi i / 256), Q14, k = 0..5: what one evaluation of a polynomial takes from CosineTable
-extern const Zpp16s ReorderedCOS[257][6];
+// Row i of 257: cos(k pi i / 256), Q14, k = 0..5: what one evaluation of a polynomial takes from CosineTable. Zeros fill the
+// rows and stand behind the last one, so that points may be taken in blocks.
+extern const Zpp16s ReorderedCOS[288][8];
 
 // LSF codebooks of the three bands, LSF units: 256 code vectors of 3, 3 and 4 components, Band0Tb8, Band1Tb8, Band2Tb8.
 // A zero fills the rows of three, so that a search may treat all bands alike.
