@@ -1,4 +1,6 @@
 // Adaptive-codebook decoding (ITU-T G.723.1 clauses 2.14 and 3.4).
+#include <algorithm>
+
 #include "core/checks.h"
 #include "core/fixed_point.h"
 #include "g723/kernels.h"
@@ -8,7 +10,7 @@ using namespace zpp;
 
 namespace {
 
-constexpr int kSubframe = 60, kHistory = 145, kWork = kSubframe + 4;
+constexpr int kHistory = 145, kWork = 64, kRepeated = kWork - 2;
 constexpr int kHighRateGains = 85, kLowRateGains = 170;  // gain vectors
 
 // The high rate has a smaller codebook for short lags.
@@ -49,16 +51,12 @@ void ownExcitationDelay_G723_16s(const Zpp16s* history, Zpp16s* work, int delay)
   const int start = kHistory - delay;  // of the repeated part; what lies before the history counts as zero
   work[0] = start >= 2 ? history[start - 2] : Zpp16s{0};
   work[1] = start >= 1 ? history[start - 1] : Zpp16s{0};
-  for (int i = 0, from = start; i < kWork - 2; ++i) {
-    work[2 + i] = history[from];
-    if (++from == kHistory) from = start;
-  }
-}
-
-void ownAdaptiveCodebookDecode_G723_16s(const Zpp16s* taps, const Zpp16s* work, Zpp16s* dst) {
-  for (int n = 0; n < kSubframe; ++n) {
-    Zpp64s sum = 0;
-    for (int k = 0; k < 5; ++k) sum += taps[k] * work[n + k];
-    dst[n] = roundHigh16(shlSat32(sat32(sum), 2));
+  Zpp16s* repeated = work + 2;
+  int done = std::min(delay, kRepeated);
+  std::copy_n(history + start, done, repeated);
+  while (done < kRepeated) {  // done is a multiple of the delay
+    const int more = std::min(done, kRepeated - done);
+    std::copy_n(repeated, more, repeated + done);
+    done += more;
   }
 }

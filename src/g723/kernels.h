@@ -13,7 +13,9 @@
    */                                                                                                                          \
   /* Misses two roots of one polynomial within a step. */                                                                      \
   KERNEL(ownFindRootLSF_Fast, W7, bool(const Zpp16s* polynomials, Zpp16s* lsf))                                                \
-  KERNEL(ownLspSvq, W7, int(const Zpp16s* target, const Zpp16s* weight, const Zpp16s(*codebook)[4]))
+  KERNEL(ownLspSvq, W7, int(const Zpp16s* target, const Zpp16s* weight, const Zpp16s(*codebook)[4]))                           \
+  /* 60 samples from 64: the sum of taps[k] work[n + k], k = 0..4, taps Q14 */                                                 \
+  KERNEL(ownAdaptiveCodebookDecode_G723_16s, W7, void(const Zpp16s* taps, const Zpp16s* work, Zpp16s* dst))
 
 ZPP_G723_KERNELS(ZPP_DECLARE_KERNEL)
 
@@ -38,5 +40,3 @@ bool ownLSFDecode_G723_16s(const Zpp16s* index, const Zpp16s* prevLsf, bool eras
 void ownDecodeAdaptiveVector_G723_16s(int delay, const Zpp16s* taps, const Zpp16s* history, Zpp16s* dst);
 // Work vector of 64 samples from 145 of history: the last `delay` of them repeated, led by the two samples before them
 void ownExcitationDelay_G723_16s(const Zpp16s* history, Zpp16s* work, int delay);
-// 60 samples of the five-tap predictor, taps Q14
-void ownAdaptiveCodebookDecode_G723_16s(const Zpp16s* taps, const Zpp16s* work, Zpp16s* dst);
