@@ -3,18 +3,19 @@
 
 #include "core/variants.h"
 
-#define ZPP_G723_KERNELS(KERNEL)                                                                                               \
-  /* corr[k] = (sum of src[j] * src[j-k-1] over j = k+1..179) << norm, k = 0..9, for 180 samples whose energy is at most */    \
-  /* 2^31 - 1 and norm of at most its normalisation shift */                                                                   \
-  KERNEL(ownAutoCorr_NormE_G723_16s32s, W7, void(const Zpp16s* src, int norm, Zpp32s* corr))                                   \
-  /* Entry of a band's codebook nearest to target under the Q15 weights (0 or more), the first one of equals. Reads four */    \
-  /* elements of target and weight in every band. */                                                                           \
-  /* Roots of the two polynomials (lsf_root_search.h) in steps of four grid points, halved twice: true when all ten are found. \
-   */                                                                                                                          \
-  /* Misses two roots of one polynomial within a step. */                                                                      \
-  KERNEL(ownFindRootLSF_Fast, W7, bool(const Zpp16s* polynomials, Zpp16s* lsf))                                                \
-  KERNEL(ownLspSvq, W7, int(const Zpp16s* target, const Zpp16s* weight, const Zpp16s(*codebook)[4]))                           \
-  /* 60 samples from 64: the sum of taps[k] work[n + k], k = 0..4, taps Q14 */                                                 \
+// ownAutoCorr_NormE_G723_16s32s: corr[k] = (sum of src[j] src[j-k-1], j = k+1..179) << norm, k = 0..9, for 180 samples whose
+// energy
+//   is below 2^31 and a norm of at most its normalisation shift.
+// ownFindRootLSF_Fast: roots of the two polynomials (lsf_root_search.h) in steps of four grid points, halved twice; true when
+// all
+//   ten are found. Misses two roots of one polynomial within a step.
+// ownLspSvq: the entry of a band's codebook that is nearest to target under the Q15 weights (0 or more), the first of equals.
+//   Reads four elements of target and weight in every band.
+// ownAdaptiveCodebookDecode_G723_16s: 60 samples from 64, the sum of taps[k] work[n + k], k = 0..4, taps Q14.
+#define ZPP_G723_KERNELS(KERNEL)                                                                     \
+  KERNEL(ownAutoCorr_NormE_G723_16s32s, W7, void(const Zpp16s* src, int norm, Zpp32s* corr))         \
+  KERNEL(ownFindRootLSF_Fast, W7, bool(const Zpp16s* polynomials, Zpp16s* lsf))                      \
+  KERNEL(ownLspSvq, W7, int(const Zpp16s* target, const Zpp16s* weight, const Zpp16s(*codebook)[4])) \
   KERNEL(ownAdaptiveCodebookDecode_G723_16s, W7, void(const Zpp16s* taps, const Zpp16s* work, Zpp16s* dst))
 
 ZPP_G723_KERNELS(ZPP_DECLARE_KERNEL)
@@ -33,10 +34,10 @@ void ownLSFToLPC_G723_16s_I(Zpp16s* lsfLpc);
 Zpp32s ownLSFQuant_G723_16s32s(const Zpp16s* lsf, const Zpp16s* prevLsf);
 // Leaves the prediction residual in lsf.
 void ownLSFQuant_G723_16s_I(const Zpp16s* prevLsf, Zpp16s* lsf, Zpp16s* index);
-// True when the set is stable.
+// True when the set is stable; otherwise lsf holds the tenth pass.
 bool ownLSFDecode_G723_16s(const Zpp16s* index, const Zpp16s* prevLsf, bool erased, Zpp16s* lsf);
 
-// 60 samples from the 145 before them: gain taps of five, Q14, at `delay` samples
+// 60 samples from the 145 before them, `delay` samples back through five gain taps, Q14
 void ownDecodeAdaptiveVector_G723_16s(int delay, const Zpp16s* taps, const Zpp16s* history, Zpp16s* dst);
 // Work vector of 64 samples from 145 of history: the last `delay` of them repeated, led by the two samples before them
 void ownExcitationDelay_G723_16s(const Zpp16s* history, Zpp16s* work, int delay);
