@@ -66,6 +66,7 @@ constexpr Zpp32s mulDbl(Zpp16s a, Zpp16s b) {                                   
 }
 constexpr Zpp32s macDbl(Zpp32s acc, Zpp16s a, Zpp16s b) { return addSat32(acc, mulDbl(a, b)); }  // L_mac
 constexpr Zpp32s msuDbl(Zpp32s acc, Zpp16s a, Zpp16s b) { return subSat32(acc, mulDbl(a, b)); }  // L_msu
+constexpr Zpp32s mul32Q15(Zpp32s x, Zpp16s c) { return sat32((Zpp64s{x} * c) >> 15); }           // L_mls
 constexpr Zpp32s shr32(Zpp32s x, int n) { return x >> (n > 31 ? 31 : n); }
 // x << n saturated; n below 0 shifts right
 constexpr Zpp32s shlSat32(Zpp32s x, int n) {  // L_shl

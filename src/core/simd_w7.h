@@ -37,6 +37,12 @@ inline Zpp32s sumLanes32(V v) {
   v = _mm_add_epi32(v, _mm_shuffle_epi32(v, _MM_SHUFFLE(2, 3, 0, 1)));
   return _mm_cvtsi128_si32(v);
 }
+// The lane sums of four vectors, modulo 2^32
+inline V sumsOfLanes32(V a, V b, V c, V d) {
+  const V ab = _mm_add_epi32(_mm_unpacklo_epi32(a, b), _mm_unpackhi_epi32(a, b));
+  const V cd = _mm_add_epi32(_mm_unpacklo_epi32(c, d), _mm_unpackhi_epi32(c, d));
+  return _mm_add_epi32(_mm_unpacklo_epi64(ab, cd), _mm_unpackhi_epi64(ab, cd));
+}
 // Adds the four signed 32-bit lanes of v to the two 64-bit lanes of acc
 inline V addWide64(V acc, V v) {
   const V sign = _mm_srai_epi32(v, 31);

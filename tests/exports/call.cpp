@@ -15,7 +15,8 @@ double get(const unsigned char* p) {
 }
 template <class T>
 void put(unsigned char* p, double x) {
-  const T v = static_cast<T>(x);
+  // By way of 64 bits: a negative value in an unsigned element is its two's complement on every machine.
+  const T v = std::is_floating_point_v<T> ? static_cast<T>(x) : static_cast<T>(static_cast<std::int64_t>(x));
   std::memcpy(p, &v, sizeof v);
 }
 
@@ -85,7 +86,7 @@ Call::Call(const Export& function, Place where)
     if (a.role != Argument::Role::out)
       for (std::size_t k = 0; k < elements; ++k) {
         noise = noise * 1664525u + 1013904223u;
-        setElement(i, k, a.element == Element::u8 ? noise >> 24 : static_cast<int>(noise >> 22) - 512);
+        setElement(i, k, a.element == Element::u8 ? static_cast<int>(noise >> 24) : static_cast<int>(noise >> 22) - 512);
       }
     if (a.prepare) a.prepare(passed_[i].pointer);
   }
