@@ -85,7 +85,7 @@ Call::Call(const Export& function, Place where)
     if (a.role != Argument::Role::out)
       for (std::size_t k = 0; k < elements; ++k) {
         noise = noise * 1664525u + 1013904223u;
-        setElement(i, k, a.element == Element::u8 ? noise >> 24 : static_cast<int>(noise >> 22) - 512);
+        setElement(i, k, a.element == Element::u8 ? static_cast<int>(noise >> 24) : static_cast<int>(noise >> 22) - 512);
       }
     if (a.prepare) a.prepare(passed_[i].pointer);
   }
