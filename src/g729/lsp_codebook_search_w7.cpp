@@ -65,14 +65,15 @@ int ownLspPreSelect_W7(const Zpp16s* target) {
 
   V t[5];
   for (int pair = 0; pair < 5; ++pair) t[pair] = pairOf(target + 2 * pair);
+  const V offset = _mm_set1_epi32(kOffset);
   Nearest nearest;
   for (int block = 0; block < 32; ++block) {
-    V distance = _mm_set1_epi32(kOffset);
-    for (int pair = 0; pair < 5; ++pair) {
+    const auto term = [&](int pair) {
       const V error = _mm_sub_epi16(t[pair], load(LSPCode1_quads.at[block][pair]));
-      distance = _mm_add_epi32(distance, _mm_madd_epi16(error, error));
-    }
-    nearest.offer(distance, block);
+      return _mm_madd_epi16(error, error);
+    };
+    const V sum = _mm_add_epi32(_mm_add_epi32(term(0), term(1)), _mm_add_epi32(term(2), term(3)));
+    nearest.offer(_mm_add_epi32(sum, _mm_add_epi32(term(4), offset)), block);
   }
   return nearest.entry();
 }
@@ -91,17 +92,19 @@ void ownLspSelect2_W7(const Zpp16s* residual, const Zpp16s* weight, Zpp16s* inde
     t[3 * half + 2] = singleOf(residual + 5 * half + 4);
     w[3 * half + 2] = singleOf(weight + 5 * half + 4);
   }
-  Nearest nearest[2];
+  const V offset = _mm_set1_epi32(kOffset);
+  Nearest lower, upper;
   for (int block = 0; block < 8; ++block) {
-    V distance[2] = {_mm_set1_epi32(kOffset), _mm_set1_epi32(kOffset)};
-    for (int pair = 0; pair < 6; ++pair) {
+    const auto term = [&](int pair) {
       const V error = _mm_sub_epi16(t[pair], load(LSPCode2_quads.at[block][pair]));
       // (weight * error) >> 15, within 16 bits as the weight is not negative
       const V weighted =
           _mm_or_si128(_mm_slli_epi16(_mm_mulhi_epi16(error, w[pair]), 1), _mm_srli_epi16(_mm_mullo_epi16(error, w[pair]), 15));
-      distance[pair / 3] = _mm_add_epi32(distance[pair / 3], _mm_madd_epi16(weighted, error));
-    }
-    for (int half = 0; half < 2; ++half) nearest[half].offer(distance[half], block);
+      return _mm_madd_epi16(weighted, error);
+    };
+    lower.offer(_mm_add_epi32(_mm_add_epi32(term(0), term(1)), _mm_add_epi32(term(2), offset)), block);
+    upper.offer(_mm_add_epi32(_mm_add_epi32(term(3), term(4)), _mm_add_epi32(term(5), offset)), block);
   }
-  for (int half = 0; half < 2; ++half) index[half] = static_cast<Zpp16s>(nearest[half].entry());
+  index[0] = static_cast<Zpp16s>(lower.entry());
+  index[1] = static_cast<Zpp16s>(upper.entry());
 }

@@ -93,7 +93,7 @@ void ownGetWgt(const Zpp16s* lsf, Zpp16s* weight) {
 void ownLspPrevExtract(const MaPredictor& predictor, const Zpp16s* lsf, const Zpp16s* maMem, Zpp16s* codeVector) {
   for (int j = 0; j < 10; ++j) {
     Zpp32s rest = fromHigh16(lsf[j]);
-    for (int k = 0; k < 4; ++k) rest = msuDbl(rest, maMem[10 * k + j], predictor.coefficient[k][j]);
+    for (int k = 0; k < 4; ++k) rest = subSat32(rest, 2 * maMem[10 * k + j] * predictor.coefficient[k][j]);
     codeVector[j] = high16(shlSat32(mulDbl(high16(rest), predictor.inverse[j]), 3));
   }
 }
