@@ -30,12 +30,11 @@ class ChebyshevSeries {
 
   Zpp16s operator()(Zpp16s x) const { return unlimited_ ? exactValue(x) : saturatedValue(x); }  // Q15 in, Q14 out
 
-  // For kernels that evaluate several points at a time by the recursion of exactValue
+  // Whether the step-by-step saturation of the standard cannot act, so that exactValue holds
   bool unlimited() const { return unlimited_; }
   Zpp16s coefficient(int i) const { return f_[i]; }
   int resultShift() const { return q_ - 2; }
 
- private:
   // Without saturation every sum of the recursion is even, so that half of it is the whole state.
   Zpp16s exactValue(Zpp16s x) const {
     const auto times = [x](Zpp32s b) { return static_cast<Zpp32s>((Zpp64s{b} * x) >> 15); };
@@ -61,6 +60,7 @@ class ChebyshevSeries {
     return high16(shlSat32(macDbl(minusOlder(mulDpf16(b1, x), b2), f_[5], 2048), 17 - q_));
   }
 
+ private:
   Zpp16s f_[6];
   int q_;
   bool unlimited_;
@@ -71,6 +71,15 @@ struct Point {
 };
 
 inline bool signChange(Zpp16s y1, Zpp16s y2) { return y1 * y2 <= 0; }
+
+inline Zpp16s midpoint(Zpp16s x1, Zpp16s x2) { return static_cast<Zpp16s>((x1 >> 1) + (x2 >> 1)); }
+
+// Keeps the half with the sign change. Which one is a coin toss: selection beats a branch.
+inline void narrow(Point& low, Point& high, Point middle) {
+  const bool lower = signChange(low.y, middle.y);
+  high = lower ? middle : high;
+  low = lower ? low : middle;
+}
 
 // Where the line through the ends of an interval crosses zero
 inline Zpp16s interpolatedRoot(Point low, Point high) {
@@ -94,10 +103,11 @@ struct LspPolynomials {
   }
 };
 
-// The ten roots, alternately of f[0] and f[1], or prevLsp when the grid shows fewer. valueAt(which, j) is f[which](grid[j]).
-template <class ValueAt>
-void searchRoots(const ChebyshevSeries* f, const Zpp16s* prevLsp, const Zpp16s* grid, int intervals, int halvings,
-                 ValueAt valueAt, Zpp16s* lsp) {
+// The ten roots, alternately of f[0] and f[1], or prevLsp when the grid shows fewer. valueAt(which, j) is f[which](grid[j]);
+// bisect(which, low, high) narrows an interval with a sign change of f[which].
+template <class ValueAt, class Bisect>
+void searchRoots(const ChebyshevSeries* f, const Zpp16s* prevLsp, const Zpp16s* grid, int intervals, ValueAt valueAt,
+                 Bisect bisect, Zpp16s* lsp) {
   Zpp16s roots[10];
   int found = 0;
   Point low = {grid[0], valueAt(0, 0)};
@@ -106,14 +116,7 @@ void searchRoots(const ChebyshevSeries* f, const Zpp16s* prevLsp, const Zpp16s* 
     Point high = low;
     low = {grid[j], valueAt(which, j)};
     if (!signChange(low.y, high.y)) continue;
-    for (int n = 0; n < halvings; ++n) {
-      const auto x = static_cast<Zpp16s>((low.x >> 1) + (high.x >> 1));
-      const Point middle = {x, f[which](x)};
-      // Which half holds the root is a coin toss: selection beats a branch.
-      const bool lower = signChange(low.y, middle.y);
-      high = lower ? middle : high;
-      low = lower ? low : middle;
-    }
+    bisect(which, low, high);
     const Zpp16s root = interpolatedRoot(low, high);
     roots[found++] = root;
     if (found == 10) break;

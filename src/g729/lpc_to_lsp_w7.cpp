@@ -46,15 +46,28 @@ void ownLPCToLSP_G729_W7(const Zpp16s* a, const Zpp16s* prevLsp, const Zpp16s* g
     return ownLPCToLSP_G729_PX(a, prevLsp, grid, intervals, halvings, lsp);
 
   Zpp16s values[2][64];
-  const FourPoints sum(f[0]), difference(f[1]);
+  const FourPoints four[2] = {FourPoints(f[0]), FourPoints(f[1])};
   for (int n = 0;; n += 4) {
     const int at = n + 4 <= intervals + 1 ? n : intervals + 1 - 4;  // the last four overlap
     const V x = _mm_unpacklo_epi16(load4(grid + at), _mm_setzero_si128());
-    const V both = _mm_packs_epi32(sum(x), difference(x));
+    const V both = _mm_packs_epi32(four[0](x), four[1](x));
     store4(values[0] + at, both);
     store4(values[1] + at, _mm_unpackhi_epi64(both, both));
     if (at != n || n + 4 == intervals + 1) break;
   }
-  searchRoots(
-      f, prevLsp, grid, intervals, halvings, [&values](int which, int j) { return values[which][j]; }, lsp);
+
+  const auto valueAt = [&values](int which, int j) { return values[which][j]; };
+  // Two halvings at a time: the middle and the middles of both halves
+  const auto bisect = [&four, halvings](int which, Point& low, Point& high) {
+    for (int n = 0; n < halvings; n += 2) {
+      const Zpp16s x = midpoint(low.x, high.x), below = midpoint(low.x, x), above = midpoint(x, high.x);
+      const V y = four[which](_mm_set_epi32(0, above & 0xffff, below & 0xffff, x & 0xffff));
+      Zpp16s value[4];
+      store4(value, _mm_packs_epi32(y, y));
+      const bool lower = signChange(low.y, value[0]);
+      narrow(low, high, {x, value[0]});
+      narrow(low, high, {lower ? below : above, lower ? value[1] : value[2]});
+    }
+  };
+  searchRoots(f, prevLsp, grid, intervals, valueAt, bisect, lsp);
 }
