@@ -425,7 +425,104 @@ ZPPAPI ZppStatus zppsDotProd_G729A_16s32s(const Zpp16s* src1, const Zpp16s* src2
 ZPPAPI ZppStatus _zppsComputeAdaptiveCodebookGain_16s(const Zpp16s* target, const Zpp16s* filtered, Zpp16s* gain,
                                                       Zpp16s* coeffs);
 
-/* ---- G.729: LP analysis and LSP quantisation (clause 3.2) -------------------------------------------------------------------------- */
+/* ---- G.729: LP analysis and LSP quantisation (clause 3.2) --------------------------------------------------------------------------
+ *
+ * Formats and shapes, unless a function says otherwise:
+ *
+ * - a: LP coefficients, 11 values, Q12, a[0] = 4096. refl: reflection coefficients, Q15.
+ * - lsp: line spectral pairs in the cosine domain, 10 values, Q15, descending. lsf: line spectral frequencies in radians, 10
+ *   values, Q13, ascending. lsfNorm: the same over 2 pi, 10 values, Q15 (0..0.5).
+ * - maMem: memory of the moving-average predictor, 40 values, Q13: four code vectors of 10, the newest first. It belongs to the
+ *   caller, who starts every row with the LSFs of a flat spectrum, i pi / 11: 2339 4679 7018 9358 11698 14037 16377 18717 21056
+ *   23396. The quantiser and the decoder of a stream each keep one.
+ * - idx: 4 values: MA mode L0 (0, 1), first-stage index L1 (0..127), second-stage indices L2 and L3 (0..31).
+ *   code: 2 words, L0 << 7 | L1 and L2 << 5 | L3. sidIdx: 3 values: MA mode (0, 1), first-stage (0..31) and second-stage index
+ *   (0..15) of a silence-descriptor frame.
+ *
+ * Where a comment lists no status, the function returns zppStsOk, or zppStsNullPointer for a null pointer.
+ */
+
+/* Levinson-Durbin recursion in the standard's double precision (clause 3.2.2).
+ * autoCorr: order + 1 values, normalised: autoCorr[0] of 2^30 or more. a: order + 1 values. refl: order values. energy: one
+ * value, the upper half of the prediction error in the scale of autoCorr. order: 1..30.
+ * Status: zppStsOk; zppStsNullPointer; zppStsOutOfRange for another order; zppStsOverflowWarn, with nothing written, when the
+ * magnitude of autoCorr[0] or of the normalised prediction error is below 65536, or that of a reflection coefficient from the
+ * second on above 32750: the caller keeps the filter of the frame before. */
+ZPPAPI ZppStatus zppsLevinsonDurbin_G729_32s16s(const Zpp32s* autoCorr, int order, Zpp16s* a, Zpp16s* refl, Zpp16s* energy);
+
+/* As above with order 10 (Annex B). refl: the first two reflection coefficients only; after the warning they are written too
+ * but mean nothing.
+ * Status: zppStsOk; zppStsNullPointer; zppStsOverflowWarn. */
+ZPPAPI ZppStatus zppsLevinsonDurbin_G729B(const Zpp32s* autoCorr, Zpp16s* a, Zpp16s* refl, Zpp16s* energy);
+
+/* Lag window, in place (clause 3.2.1, Annex B for lags 11 and 12): 60 Hz bandwidth expansion and white-noise correction.
+ * autoCorr: len values from lag 1 on. len: 1..12.
+ * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len below 1; zppStsOutOfRange for len above 12. */
+ZPPAPI ZppStatus zppsLagWindow_G729_32s_I(Zpp32s* autoCorr, int len);
+
+/* LP coefficients to LSPs by a search of sign changes (clause 3.2.3): over 60 intervals, each halved four times; G729A: 50
+ * intervals, halved twice. When fewer than ten roots are found, lsp = prevLsp, also with zppStsOk. a[0] is not read. */
+ZPPAPI ZppStatus zppsLPCToLSP_G729_16s(const Zpp16s* a, const Zpp16s* prevLsp, Zpp16s* lsp);
+ZPPAPI ZppStatus zppsLPCToLSP_G729A_16s(const Zpp16s* a, const Zpp16s* prevLsp, Zpp16s* lsp);
+
+/* LSPs to LP coefficients (clause 3.2.6). Coefficients beyond 16 bits wrap around. */
+ZPPAPI ZppStatus zppsLSPToLPC_G729_16s(const Zpp16s* lsp, Zpp16s* a);
+
+/* LSPs to LSFs, to normalised LSFs, and back, by table and linear interpolation (clause 3.2.4). The table is walked from the
+ * last LSP to the first without turning back; values of an lsp out of order that leave 16 bits wrap around.
+ * zppsLSFToLSP_G729_16s returns also: zppStsOutOfDomain for a negative lsf; the entries before it have been written. */
+ZPPAPI ZppStatus zppsLSPToLSF_G729_16s(const Zpp16s* lsp, Zpp16s* lsf);
+ZPPAPI ZppStatus zppsLSPToLSF_Norm_G729_16s(const Zpp16s* lsp, Zpp16s* lsfNorm);
+ZPPAPI ZppStatus zppsLSFToLSP_G729_16s(const Zpp16s* lsf, Zpp16s* lsp);
+
+/* Quantises LSFs with the two-stage switched-MA vector quantiser (clause 3.2.4) and decodes the result.
+ * maMem: in/out, shifted by this frame. quantLsf, idx: out.
+ * Status as zppsLSFDecode_G729_16s without zppStsBadCodedParam. */
+ZPPAPI ZppStatus zppsLSFQuant_G729_16s(const Zpp16s* lsf, Zpp16s* maMem, Zpp16s* quantLsf, Zpp16s* idx);
+
+/* The same from LSPs to quantised LSPs. maMem: in/out. quantLsp, code: out.
+ * Status: zppStsOk; zppStsNullPointer. Whether the stability step acted is not told. */
+ZPPAPI ZppStatus zppsLSPQuant_G729_16s(const Zpp16s* lsp, Zpp16s* maMem, Zpp16s* quantLsp, Zpp16s* code);
+
+/* The same with a predictor memory that the caller shifts (Annex E).
+ * maMem: only read. residual: 10 values, Q13: the code vector, which is to become the newest row of the memory. */
+ZPPAPI ZppStatus zppsLSPQuant_G729E_16s(const Zpp16s* lsp, const Zpp16s* maMem, Zpp16s* residual, Zpp16s* quantLsp,
+                                        Zpp16s* code);
+
+/* Decodes LSFs (clauses 3.2.4 and 4.1.1) and makes them a stable filter's: ascending, 321 apart, within 40..25681.
+ * idx: the MA mode may be 0..3, of which the low bit counts; of L1 the low seven, of L2 and L3 the low five bits.
+ * maMem: in/out, shifted by this frame. quantLsf: out.
+ * Status: zppStsOk; zppStsNullPointer; zppStsBadCodedParam for another MA mode. Warnings, with everything written:
+ * zppStsLSFLowClamped when the lowest LSF was raised to 40, zppStsLSFHighClamped when the highest was lowered to 25681,
+ * zppStsLSFBothClamped. */
+ZPPAPI ZppStatus zppsLSFDecode_G729_16s(const Zpp16s* idx, Zpp16s* maMem, Zpp16s* quantLsf);
+
+/* The decoder's step in an erased frame (clause 4.4.1): shifts into maMem the code vector that would have given lsf.
+ * maMode: MA mode of the last good frame, 0..3, of which the low bit counts. lsf: its quantised LSFs, only read.
+ * Status: zppStsOk; zppStsNullPointer; zppStsBadCodedParam for another MA mode. */
+ZPPAPI ZppStatus zppsLSFDecodeErased_G729_16s(Zpp16s maMode, Zpp16s* maMem, const Zpp16s* lsf);
+
+/* Quantises and decodes the LSFs of a silence-descriptor frame (Annex B clause B.4.2). lsf: spaced by the caller as the annex
+ * tells. maMem: in/out, shifted by this frame. quantLsf, sidIdx: out.
+ * Status: zppStsOk; zppStsNullPointer; the warnings of zppsLSFDecode_G729_16s. */
+ZPPAPI ZppStatus zppsLSFQuant_G729B_16s(const Zpp16s* lsf, Zpp16s* maMem, Zpp16s* quantLsf, Zpp16s* sidIdx);
+
+/* Decodes the LSFs of a silence-descriptor frame. sidIdx: the low one, five and four bits count; nothing is refused.
+ * Status: zppStsOk; zppStsNullPointer; the warnings of zppsLSFDecode_G729_16s. */
+ZPPAPI ZppStatus zppsLSFDecode_G729B_16s(const Zpp16s* sidIdx, Zpp16s* maMem, Zpp16s* quantLsf);
+
+/* Interpolation of parameter vectors between subframes (clause 3.2.5): dst[n] = (src1[n] >> 1) + (src2[n] >> 1), n < len.
+ * dst may be one of the sources.
+ * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len below 1. */
+ZPPAPI ZppStatus zppsInterpolate_G729_16s(const Zpp16s* src1, const Zpp16s* src2, Zpp16s* dst, int len);
+
+/* dst[n] = sat16(sat32(src1[n] * weight1 + src2[n] * weight2) >> scaleFactor); NR: with round half up. dst may be one of the
+ * sources. scaleFactor: 0 or more; beyond 31 it acts as 31 (NR: the result is 0 from 33 on).
+ * Status: zppStsOk; zppStsNullPointer; then zppStsBadScale for a negative scale factor; then zppStsBadSize for len below 1. */
+ZPPAPI ZppStatus zppsInterpolateC_G729_16s_Sfs(const Zpp16s* src1, Zpp16s weight1, const Zpp16s* src2, Zpp16s weight2,
+                                               Zpp16s* dst, int len, int scaleFactor);
+ZPPAPI ZppStatus zppsInterpolateC_NR_G729_16s_Sfs(const Zpp16s* src1, Zpp16s weight1, const Zpp16s* src2, Zpp16s weight2,
+                                                  Zpp16s* dst, int len, int scaleFactor);
 
 /* ---- G.729: pitch analysis and adaptive codebook (clauses 3.4 and 3.7) -------------------------------------------------------------- */
 

@@ -56,11 +56,17 @@ constexpr Zpp16s divQ15(Zpp16s num, Zpp16s den) {  // div_s
 
 // --- 32 bits ------------------------------------------------------------------------------------------------------------
 
-constexpr Zpp32s addSat32(Zpp32s a, Zpp32s b) { return sat32(Zpp64s{a} + b); }  // L_add
-constexpr Zpp32s subSat32(Zpp32s a, Zpp32s b) { return sat32(Zpp64s{a} - b); }  // L_sub
-constexpr Zpp32s negSat32(Zpp32s a) { return sat32(-Zpp64s{a}); }               // L_negate
-constexpr Zpp32s absSat32(Zpp32s a) { return a < 0 ? negSat32(a) : a; }         // L_abs
-constexpr Zpp32s mulDbl(Zpp16s a, Zpp16s b) {                                   // L_mult
+constexpr Zpp32s addSat32(Zpp32s a, Zpp32s b) {  // L_add
+  Zpp32s sum = 0;
+  return __builtin_add_overflow(a, b, &sum) ? (a < 0 ? kMin32 : kMax32) : sum;
+}
+constexpr Zpp32s subSat32(Zpp32s a, Zpp32s b) {  // L_sub
+  Zpp32s difference = 0;
+  return __builtin_sub_overflow(a, b, &difference) ? (a < 0 ? kMin32 : kMax32) : difference;
+}
+constexpr Zpp32s negSat32(Zpp32s a) { return a == kMin32 ? kMax32 : -a; }  // L_negate
+constexpr Zpp32s absSat32(Zpp32s a) { return a < 0 ? negSat32(a) : a; }    // L_abs
+constexpr Zpp32s mulDbl(Zpp16s a, Zpp16s b) {                              // L_mult
   const Zpp32s p = Zpp32s{a} * b;
   return p == 0x40000000 ? kMax32 : p * 2;
 }
@@ -72,7 +78,8 @@ constexpr Zpp32s shr32(Zpp32s x, int n) { return x >> (n > 31 ? 31 : n); }
 constexpr Zpp32s shlSat32(Zpp32s x, int n) {  // L_shl
   if (n <= 0) return shr32(x, -n);
   if (n > 31) return x == 0 ? 0 : x > 0 ? kMax32 : kMin32;
-  return sat32(Zpp64s{x} * (Zpp64s{1} << n));
+  const Zpp32s shifted = shlWrap32(x, n);
+  return shifted >> n == x ? shifted : x < 0 ? kMin32 : kMax32;
 }
 // x >> n with round half up, n of 0 or more; n below 0 shifts left with saturation
 constexpr Zpp32s shrRound32(Zpp32s x, int n) {  // L_shr_r
@@ -97,12 +104,12 @@ struct Dpf {
 };
 constexpr Dpf toDpf(Zpp32s x) { return {high16(x), static_cast<Zpp16s>((x >> 1) & 0x7fff)}; }  // L_Extract
 constexpr Zpp32s fromDpf(Dpf x) { return addSat32(fromHigh16(x.hi), Zpp32s{x.lo} * 2); }       // L_Comp
-constexpr Zpp32s mulDpf(Dpf a, Dpf b) {                                                        // Mpy_32
-  Zpp32s acc = mulDbl(a.hi, b.hi);
-  acc = macDbl(acc, mulQ15(a.hi, b.lo), 1);
-  return macDbl(acc, mulQ15(a.lo, b.hi), 1);
+// Only the product of two upper words of -32768 saturates: the cross products are of magnitude 2^16 at most, and with other
+// upper words the sum stays between -2147483646 and 2147483642.
+constexpr Zpp32s mulDpf(Dpf a, Dpf b) {  // Mpy_32
+  return mulDbl(a.hi, b.hi) + 2 * ((a.hi * b.lo) >> 15) + 2 * ((a.lo * b.hi) >> 15);
 }
-constexpr Zpp32s mulDpf16(Dpf a, Zpp16s b) { return macDbl(mulDbl(a.hi, b), mulQ15(a.lo, b), 1); }  // Mpy_32_16
+constexpr Zpp32s mulDpf16(Dpf a, Zpp16s b) { return mulDbl(a.hi, b) + 2 * ((a.lo * b) >> 15); }  // Mpy_32_16
 // num / den in Q31 for num below den, den normalised (0x40000000 or more): one Newton step on a 14-bit reciprocal
 constexpr Zpp32s divDpf(Zpp32s num, Dpf den) {  // Div_32
   const Zpp16s approx = divQ15(0x3fff, den.hi);

@@ -124,6 +124,19 @@ TEST(ScalarOperators, SaturateWhereTheBasicOperatorsDo) {
   EXPECT_EQ(ownPow2(-2, 32767), 0);
 }
 
+// The double-precision products leave out the saturation of all but their first step.
+TEST(ScalarOperators, MultiplyInDoublePrecisionAsTheSaturatingSteps) {
+  const V32 values = {kMin32, kMin32 + 1, kMin32 + 0xffff, kMin32 + 0x10000, -65537, -65536, -2, -1,
+                      0,      1,          65535,           kMax32 - 1,       kMax32};
+  for (const Zpp32s x : values)
+    for (const Zpp32s y : values) {
+      const Dpf a = toDpf(x), b = toDpf(y);
+      const Zpp32s cross = macDbl(mulDbl(a.hi, b.hi), mulQ15(a.hi, b.lo), 1);
+      EXPECT_EQ(mulDpf(a, b), macDbl(cross, mulQ15(a.lo, b.hi), 1)) << x << " " << y;
+      EXPECT_EQ(mulDpf16(a, b.hi), macDbl(mulDbl(a.hi, b.hi), mulQ15(a.lo, b.hi), 1)) << x << " " << y;
+    }
+}
+
 TEST(ScaleRule, RoundsTiesToEvenAndTreatsBeyond31As31) {
   EXPECT_EQ(scaled(65535, 17), 0);
   EXPECT_EQ(scaled(65535, 16), 1);

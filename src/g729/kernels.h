@@ -1,0 +1,58 @@
+// The kernels of this room and their processor variants (see core/variants.h).
+#pragma once
+
+#include "core/variants.h"
+
+// ---- LP analysis and LSP quantisation ------------------------------------------------------------------------------------
+//
+// Shapes: a[11] Q12, lsp[10] Q15, lsf[10] Q13, maMem[4][10] Q13 with the newest frame first, target and code vectors [10] Q13.
+
+// ownLPCToLSP_G729: roots between the points of a grid of the given number of intervals, 3 to 63, each interval halved as told;
+// prevLsp when there are fewer than ten.
+// ownLspPreSelect, ownLspSelect2: return the first-stage index, and the second-stage indices as index[0] = L2, index[1] = L3.
+// residual: the target minus its first-stage vector; weight: 0..32767.
+#define ZPP_G729_LSP_KERNELS(KERNEL)                                                                                 \
+  KERNEL(ownLPCToLSP_G729, W7,                                                                                       \
+         void(const Zpp16s* a, const Zpp16s* prevLsp, const Zpp16s* grid, int intervals, int halvings, Zpp16s* lsp)) \
+  KERNEL(ownLspPreSelect, W7, int(const Zpp16s* target))                                                             \
+  KERNEL(ownLspSelect2, W7, void(const Zpp16s* residual, const Zpp16s* weight, Zpp16s* index))
+
+ZPP_G729_LSP_KERNELS(ZPP_DECLARE_KERNEL)
+
+// Levinson-Durbin recursion; zppStsOverflowWarn, with nothing written, on an ill-conditioned stage.
+ZppStatus ownLevinsonDurbin_G729(const Zpp32s* autoCorr, int order, Zpp16s* a, Zpp16s* refl, Zpp16s* energy);
+ZppStatus ownLevinsonDurbin_G729B(const Zpp32s* autoCorr, Zpp16s* a, Zpp16s* refl, Zpp16s* energy);
+void ownLagWindow_G729_32s_I(Zpp32s* autoCorr, int len);
+
+void ownLSPToLPC_G729_16s(const Zpp16s* lsp, Zpp16s* a);
+void ownLSPToLSF_G729_16s(const Zpp16s* lsp, Zpp16s* lsf);
+void ownLSPToLSF_Norm_G729_16s(const Zpp16s* lsp, Zpp16s* lsfNorm);
+ZppStatus ownLSFToLSP_G729_16s(const Zpp16s* lsf, Zpp16s* lsp);
+
+// The switched predictor of one MA mode: four frames' coefficients, their complement and its inverse
+struct MaPredictor {
+  const Zpp16s (*coefficient)[10];  // Q15
+  const Zpp16s* complement;         // Q15
+  const Zpp16s* inverse;            // Q12
+};
+MaPredictor ownMaPredictor(int mode);       // speech frames; mode 0 or 1
+MaPredictor ownNoiseMaPredictor(int mode);  // SID frames
+
+void ownGetWgt(const Zpp16s* lsf, Zpp16s* weight);
+// The code vector from which the predictor would compose lsf
+void ownLspPrevExtract(const MaPredictor& predictor, const Zpp16s* lsf, const Zpp16s* maMem, Zpp16s* codeVector);
+// Shifts a code vector into the MA memory
+void ownLspPrevUpdate(const Zpp16s* codeVector, Zpp16s* maMem);
+void ownLspGetQuant(int first, int lower, int upper, Zpp16s* codeVector);
+// Composition and stability step: the quantised LSF, and which of its limits acted (zppStsOk or zppStsLSF...Clamped)
+ZppStatus ownLspCompose(const MaPredictor& predictor, const Zpp16s* codeVector, const Zpp16s* maMem, Zpp16s* quantLsf);
+
+// index: MA mode, L1, L2, L3
+void ownRelspwed(const Zpp16s* lsf, const Zpp16s* maMem, Zpp16s* index);
+ZppStatus ownLSFQuant_G729_16s(const Zpp16s* lsf, Zpp16s* maMem, Zpp16s* quantLsf, Zpp16s* index);
+ZppStatus ownLSFDecode_G729_16s(const Zpp16s* index, Zpp16s* maMem, Zpp16s* quantLsf);
+void ownLSFDecodeErased_G729_16s(int mode, Zpp16s* maMem, const Zpp16s* lsf);
+ZppStatus ownLSPQuant_G729_16s(const Zpp16s* lsp, Zpp16s* maMem, Zpp16s* quantLsp, Zpp16s* code);
+ZppStatus ownLSPQuant_G729E_16s(const Zpp16s* lsp, const Zpp16s* maMem, Zpp16s* codeVector, Zpp16s* quantLsp, Zpp16s* code);
+ZppStatus ownLSFQuant_G729B_16s(const Zpp16s* lsf, Zpp16s* maMem, Zpp16s* quantLsf, Zpp16s* sidIndex);
+ZppStatus ownLSFDecode_G729B_16s(const Zpp16s* sidIndex, Zpp16s* maMem, Zpp16s* quantLsf);
