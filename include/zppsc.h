@@ -559,7 +559,7 @@ ZPPAPI ZppStatus zppsGainQuant_G729D_16s(const Zpp16s* target, const Zpp16s* ada
 
 /* ---- G.723.1 ---------------------------------------------------------------------------------------------------------------------
  *
- * One frame of 240 samples at 8 kHz has four subframes of 60. LPC: ten predictor coefficients, Q13: lpc[k-1] is a(k) of
+ * A frame of 240 samples at 8 kHz has four subframes of 60. LPC: ten predictor coefficients, Q13: lpc[k-1] is a(k) of
  * A(z) = 1 - sum a(k) z^-k. LSF: ten ascending frequencies, 128 units a step of the standard's grid of 256, 32768 = Nyquist.
  * LSF below 0 give no useful result, but do no harm. Where a comment lists no status: zppStsOk, or zppStsNullPointer.
  * Source: ITU-T G.723.1 (fixed-point reference), clauses 2.4 to 2.7 for the spectrum, 2.14 and 3.4 for the adaptive codebook.

@@ -27,11 +27,15 @@ void ownAdaptiveCodebookDecode_G723_16s_W7(const Zpp16s* taps, const Zpp16s* wor
     const V sum = _mm_add_epi32(_mm_madd_epi16(load(from), first), _mm_madd_epi16(load(from + 2), second));
     return _mm_srai_epi32(_mm_add_epi32(_mm_add_epi32(sum, half), last), 14);
   };
-  for (int block = 0; block < 8; ++block) {
-    const int n = block < 7 ? 8 * block : 52;  // the last block overlaps
+  const auto eight = [&](int n) {
     const V end = load(work + n + 4);
     const V even = rounded(work + n, _mm_madd_epi16(end, evenLast));
     const V odd = rounded(work + n + 1, _mm_madd_epi16(end, oddLast));
-    store(dst + n, _mm_packs_epi32(_mm_unpacklo_epi32(even, odd), _mm_unpackhi_epi32(even, odd)));
-  }
+    return _mm_packs_epi32(_mm_unpacklo_epi32(even, odd), _mm_unpackhi_epi32(even, odd));
+  };
+  for (int n = 0; n < 48; n += 8) store(dst + n, eight(n));
+  // The last two blocks overlap: both are read before either is written, as dst may be work.
+  const V beforeLast = eight(48), last = eight(52);
+  store(dst + 48, beforeLast);
+  store(dst + 52, last);
 }

@@ -3,14 +3,12 @@
 
 #include "core/variants.h"
 
-// ownAutoCorr_NormE_G723_16s32s: corr[k] = (sum of src[j] src[j-k-1], j = k+1..179) << norm, k = 0..9, for 180 samples whose
-// energy
-//   is below 2^31 and a norm of at most its normalisation shift.
-// ownFindRootLSF_Fast: roots of the two polynomials (lsf_root_search.h) in steps of four grid points, halved twice; true when
-// all
-//   ten are found. Misses two roots of one polynomial within a step.
-// ownLspSvq: the entry of a band's codebook that is nearest to target under the Q15 weights (0 or more), the first of equals.
-//   Reads four elements of target and weight in every band.
+// ownAutoCorr_NormE_G723_16s32s: corr[k] = (sum of src[j] src[j-k-1], j = k+1..179) << norm, k = 0..9, for 180 samples
+//   whose energy is below 2^31 and a norm of at most its normalisation shift.
+// ownFindRootLSF_Fast: roots of the two polynomials (lsf_root_search.h) in steps of four grid points, halved twice; true
+//   when all ten are found. Misses two roots of one polynomial within a step.
+// ownLspSvq: the entry of a band's codebook that is nearest to target under the Q15 weights (0 or more), the first of
+//   equals. Reads four elements of target and weight in every band.
 // ownAdaptiveCodebookDecode_G723_16s: 60 samples from 64, the sum of taps[k] work[n + k], k = 0..4, taps Q14.
 #define ZPP_G723_KERNELS(KERNEL)                                                                     \
   KERNEL(ownAutoCorr_NormE_G723_16s32s, W7, void(const Zpp16s* src, int norm, Zpp32s* corr))         \

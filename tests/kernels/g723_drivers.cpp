@@ -20,9 +20,12 @@ DRIVE(ownFindRootLSF_Fast, {{2000, 20000, 32767}, {20000}}) {
   auto* lsf = rig.inOut<Zpp16s>(10);
   rig.run(static_cast<const Zpp16s*>(polynomials), lsf);
 }
-// Taps beyond those of the codebooks as well
+// Taps beyond those of the codebooks as well; now and then in place
 DRIVE(ownAdaptiveCodebookDecode_G723_16s, {{8000, 13107, 32767}, {8000}}) {
-  rig.run(rig.in<Zpp16s>(5, static_cast<Zpp16s>(-n), static_cast<Zpp16s>(n)), rig.in<Zpp16s>(64), rig.out<Zpp16s>(60));
+  const auto* taps = rig.in<Zpp16s>(5, static_cast<Zpp16s>(-n), static_cast<Zpp16s>(n));
+  auto* work = rig.inOut<Zpp16s>(64);
+  auto* dst = rig.out<Zpp16s>(60);
+  rig.run(taps, static_cast<const Zpp16s*>(work), rig.scalar(0, 3) == 0 ? work : dst);
 }
 // n = band
 DRIVE(ownLspSvq, only({0, 1, 2})) { rig.run(rig.in<Zpp16s>(4), rig.in<Zpp16s>(4, 0, 32767), LSPCdbk_G723_Tbls[n]); }
