@@ -92,8 +92,7 @@ const PitchSearch& searchOf(ZppSpeechRate rate) {
 
 LagCoding codingOf(ZppSpeechRate rate, int subframe) {
   const bool delta = subframe % 2 == 1 || (subframe == 2 && (rate == ZPP_RATE_4750 || rate == ZPP_RATE_5150));
-  const bool fourBits =
-      rate == ZPP_RATE_4750 || rate == ZPP_RATE_5150 || rate == ZPP_RATE_5900 || rate == ZPP_RATE_6700;
+  const bool fourBits = rate == ZPP_RATE_4750 || rate == ZPP_RATE_5150 || rate == ZPP_RATE_5900 || rate == ZPP_RATE_6700;
   return !delta ? LagCoding::absolute : fourBits ? LagCoding::delta4 : LagCoding::delta;
 }
 
@@ -126,10 +125,11 @@ PitchLag ownSearchFrac(const Zpp16s* corr, int lag, int first, int last, bool th
   return best == -3 ? PitchLag{lag - 1, 3} : PitchLag{lag, best};
 }
 
-// The lag that the vector is built with: as coded, unless the index or the previous lag lies outside what an encoder sends. The
-// ends of the range reach half a sample beyond whole lags.
-PitchLag limited(PitchLag lag, int minLag) {
-  if (lag.samples > kMaxLag && !(lag.samples == kMaxLag + 1 && lag.fraction < 0)) lag.samples = kMaxLag;
+// The lag that the vector is built with: as coded, unless the index or the previous lag lies outside what an encoder sends. A
+// range relative to the previous lag reaches one sample further than an index by itself; a fraction may precede the smallest lag.
+PitchLag limited(PitchLag lag, LagCoding coding, int minLag) {
+  const int maxLag = coding == LagCoding::absolute ? kMaxLag : kMaxLag + 1;
+  if (lag.samples > maxLag) lag.samples = kMaxLag;
   if (lag.samples < minLag && !(lag.samples == minLag - 1 && lag.fraction > 0)) lag.samples = minLag;
   if (outside(lag.fraction, -3, 3)) lag.fraction = 0;
   return lag;
@@ -173,7 +173,8 @@ void ownAdaptiveCodebookSearch_GSMAMR_16s(const Zpp16s* target, const Zpp16s* im
   PitchLag found{best, 0};
   if (first != last) found = ownSearchFrac(&corr[best - range.min], best, first, last, search.thirds);
 
-  *lagIndex = static_cast<Zpp16s>(search.thirds ? ownEncLag3(found, coding, range, previous) : ownEncLag6(found, coding, range));
+  *lagIndex =
+      static_cast<Zpp16s>(search.thirds ? ownEncLag3(found, coding, range, previous) : ownEncLag6(found, coding, range));
   *lag = static_cast<Zpp16s>(found.samples);
   *fraction = static_cast<Zpp16s>(found.fraction);
   adaptiveVector(excitation, found, search.thirds, vector);
@@ -203,7 +204,7 @@ void ownAdaptiveCodebookDecode_GSMAMR_16s(int lagIndex, Zpp16s* lastGoodLag, Zpp
       decoded = {keepsDecoded ? coded : *lastGoodLag, 0};
     }
   }
-  decoded = limited(decoded, search.minLag);
+  decoded = limited(decoded, coding, search.minLag);
   *lag = static_cast<Zpp16s>(decoded.samples);
   adaptiveVector(excitation, decoded, search.thirds, vector);
 }

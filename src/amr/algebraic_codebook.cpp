@@ -49,7 +49,8 @@ ZppStatus zppsAlgebraicCodebookSearchEX_GSMAMR_16s(Zpp16s lag, Zpp16s gain, cons
 
 namespace {
 
-// --- Two to four pulses: an index and a word of signs ------------------------------------------------------------------------------
+// --- Two to four pulses: an index and a word of signs
+// ------------------------------------------------------------------------------
 
 using Sequence = Zpp8u[4];  // tracks of the pulses, outermost loop first
 
@@ -83,12 +84,12 @@ using Fields = Field[5];  // by track
 
 struct SparseMode {
   int pulses;
-  int candidates;              // positions on a track that the outermost pulse tries
-  const Sequence* sequences;   // in the order of search
+  int candidates;             // positions on a track that the outermost pulse tries
+  const Sequence* sequences;  // in the order of search
   int sequenceCount;
   TrackPairs pairs;
-  bool grayCoded;              // position numbers in the index
-  const Fields* fields;        // one row for all pulses, or a row for each
+  bool grayCoded;        // position numbers in the index
+  const Fields* fields;  // one row for all pulses, or a row for each
   bool fieldsOfEach;
 };
 
@@ -107,10 +108,10 @@ constexpr Rotated<2, 4> kSequences74({{0, 1, 2, 3}, {0, 1, 2, 4}});
 constexpr Fields kFields74 = {{0, 0, 0}, {3, 0, 1}, {6, 0, 2}, {10, 0, 3}, {10, 0x200, 3}};
 
 constexpr SparseMode kMode59 = {2, 8, kSequences59, 8, pairsOf(kSequences59, 8, 2), false, kFields59, true};
-constexpr SparseMode kMode67 = {3, 6, kSequences67.sequences, 12, pairsOf(kSequences67.sequences, 12, 3), false, &kFields67,
-                                false};
-constexpr SparseMode kMode74 = {4, 4, kSequences74.sequences, 8, pairsOf(kSequences74.sequences, 8, 4), true, &kFields74,
-                                false};
+constexpr SparseMode kMode67 = {3,          6,    kSequences67.sequences, 12, pairsOf(kSequences67.sequences, 12, 3), false,
+                                &kFields67, false};
+constexpr SparseMode kMode74 = {4,          4,    kSequences74.sequences, 8, pairsOf(kSequences74.sequences, 8, 4), true,
+                                &kFields74, false};
 
 void searchSparse(const SparseMode& mode, const Zpp16s* target, const Zpp16s* impulse, Zpp16s* code, Zpp16s* filteredCode,
                   Zpp16s* codeword) {
@@ -148,12 +149,13 @@ void searchSparse475(int subframe, const Zpp16s* target, const Zpp16s* impulse, 
   searchSparse(mode, target, impulse, code, filteredCode, codeword);
 }
 
-// --- Two pulses a track --------------------------------------------------------------------------------------------------------------
+// --- Two pulses a track
+// --------------------------------------------------------------------------------------------------------------
 
 struct DenseMode {
   const Grid& grid;
-  Zpp16s amplitude;                           // of a pulse in the code vector
-  Zpp16s positiveWeight, negativeWeight;      // of the impulse response in the filtered vector, Q15
+  Zpp16s amplitude;                       // of a pulse in the code vector
+  Zpp16s positiveWeight, negativeWeight;  // of the impulse response in the filtered vector, Q15
   // Position numbers of the first and then of the second pulses of the tracks, signs of the first ones, to codeword
   void (*pack)(const int* numbers, const bool* negative, Zpp16s* codeword);
 };
@@ -243,8 +245,7 @@ void searchDense(const DenseMode& mode, const Zpp16s* target, const Zpp16s* ltpR
 void ownAlgebraicCodebookSearch_GSMAMR_16s(int lag, Zpp16s gain, const Zpp16s* target, const Zpp16s* ltpResidual,
                                            Zpp16s* impulse, Zpp16s* code, Zpp16s* filteredCode, Zpp16s* codeword, int subframe,
                                            ZppSpeechRate rate) {
-  const bool wraps =
-      rate == ZPP_RATE_6700 || rate == ZPP_RATE_7400 || rate == ZPP_RATE_7950 || rate == ZPP_RATE_10200;
+  const bool wraps = rate == ZPP_RATE_6700 || rate == ZPP_RATE_7400 || rate == ZPP_RATE_7950 || rate == ZPP_RATE_10200;
   const Zpp16s sharpening = wraps ? wrap16(gain * 2) : shlSat16(gain, 1);
   const bool sharpened = lag > 0 && lag < kSubframe;
   if (sharpened) ownHarmonicFilter_16s(sharpening, lag, impulse + lag, kSubframe - lag);
@@ -273,7 +274,8 @@ void ownAlgebraicCodebookSearch_GSMAMR_16s(int lag, Zpp16s gain, const Zpp16s* t
   if (sharpened) ownHarmonicFilter_16s(sharpening, lag, code + lag, kSubframe - lag);
 }
 
-// --- The correlation matrix by itself ---------------------------------------------------------------------------------------------
+// --- The correlation matrix by itself
+// ---------------------------------------------------------------------------------------------
 
 namespace {
 

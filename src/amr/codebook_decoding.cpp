@@ -1,4 +1,5 @@
-// Decoding of the algebraic codewords (3GPP TS 26.090 clause 6.1). Fields are masked, so any codeword stays within the subframe.
+// Decoding of the algebraic codewords (3GPP TS 26.090 clause 6.1). Fields are masked, so any codeword stays within the
+// subframe.
 #include "amr/kernels.h"
 #include "amr/tables.h"
 #include "core/checks.h"
@@ -50,8 +51,8 @@ void setPulses(const Zpp16s* positions, int pulses, int signs, Zpp16s* code) {
   for (int k = 0; k < pulses; ++k) code[positions[k]] = (signs >> k) & 1 ? 8191 : -8192;
 }
 
-// Two pulses on each track: the second has the sign of the first unless it lies before it. Positions outside the subframe, which
-// only malformed codewords have, are left out.
+// Two pulses on each track: the second has the sign of the first unless it lies before it. Positions outside the subframe,
+// which only malformed codewords have, are left out.
 void addTrackPairs(const int* numbers, const bool* negative, Zpp16s amplitude, int tracks, Zpp16s* code) {
   clear(code);
   const auto add = [code](int position, Zpp16s pulse) {

@@ -18,23 +18,29 @@
 // ownPredLt: adaptive-codebook vector written in place: excitation[0..39] from the samples `lag` + sixths / 6 back. lag 11 or
 //   more; sixths -5..5; the samples down to excitation[-lag - 10] are read.
 #define ZPP_AMR_KERNELS(KERNEL)                                                                                             \
-  KERNEL(ownToeplizMatrix_GSMAMR_16s, NONE, \
+  KERNEL(ownToeplizMatrix_GSMAMR_16s, NONE,                                                                                 \
          void(const Zpp16s* impulse, const Zpp16s* sign, Zpp16s* matrix, int tracks, TrackPairs pairs))                     \
-  KERNEL(ownSearchOptimalPulsePos_GSMAMR_16s, NONE, \
+  KERNEL(ownSearchOptimalPulsePos_GSMAMR_16s, NONE,                                                                         \
          void(const Zpp16s* corr, const Zpp16s* candidate, const Zpp16s* matrix, const Zpp8u* sequences, int count,         \
               int pulses, Zpp16s* slots))                                                                                   \
-  KERNEL(ownSearchOptimalPulsePos_M102M122_GSMAMR_16s, NONE, \
+  KERNEL(ownSearchOptimalPulsePos_M102M122_GSMAMR_16s, NONE,                                                                \
          void(const Zpp16s* corr, const Zpp16s* matrix, const Zpp16s* trackBest, const Zpp16s* trackOrder, Zpp16s* slots,   \
               int pulses, int tracks))                                                                                      \
-  KERNEL(ownFilteredCode_GSMAMR_16s, NONE, \
+  KERNEL(ownFilteredCode_GSMAMR_16s, NONE,                                                                                  \
          void(const Zpp16s* impulse, const Zpp16s* positions, const Zpp16s* weights, int pulses, Zpp16s* filtered))         \
-  KERNEL(ownNormCorr_GSMAMR_16s, NONE, \
+  KERNEL(ownNormCorr_GSMAMR_16s, NONE,                                                                                      \
          void(const Zpp16s* excitation, const Zpp16s* target, const Zpp16s* impulse, int minLag, int maxLag, Zpp16s* corr)) \
-  KERNEL(ownPredLt_GSMAMR_16s_I, NONE, void(Zpp16s* excitation, int lag, int sixths))
+  KERNEL(ownPredLt_GSMAMR_16s_I, NONE, void(Zpp16s * excitation, int lag, int sixths))
 
+#define ZPP_DECLARE_NONE(name, ...)     \
+  using name##_signature = __VA_ARGS__; \
+  name##_signature name##_PX;           \
+  inline constexpr name##_signature* name = name##_PX;
+#define ZPP_USE_NONE(name)
 ZPP_AMR_KERNELS(ZPP_DECLARE_KERNEL)
 
-// --- Target of the codebook search and signs of its pulses ----------------------------------------------------------------------
+// --- Target of the codebook search and signs of its pulses
+// ----------------------------------------------------------------------
 
 // Target filtered backward by the impulse response, normalised to 16 bits by the largest magnitudes of the tracks (cor_h_x2);
 // corr in track order
@@ -50,7 +56,8 @@ void ownSetSign_M102M122_GSMAMR_16s(const Zpp16s* ltpResidual, Zpp16s* corr, Zpp
 // saturate, which takes a response of full scale
 bool ownScaleResponse_GSMAMR_16s(const Zpp16s* impulse, Zpp16s* scaled);
 
-// --- Algebraic codebook -----------------------------------------------------------------------------------------------------------
+// --- Algebraic codebook
+// -----------------------------------------------------------------------------------------------------------
 
 void ownAlgebraicCodebookSearch_GSMAMR_16s(int lag, Zpp16s gain, const Zpp16s* target, const Zpp16s* ltpResidual,
                                            Zpp16s* impulse, Zpp16s* code, Zpp16s* filteredCode, Zpp16s* codeword, int subframe,
@@ -63,7 +70,8 @@ void ownDecode4i40_17bits(const Zpp16s* codeword, Zpp16s* code);
 void ownDecode8i40_31bits(const Zpp16s* codeword, Zpp16s* code);
 void ownDecode10i40_35bits(const Zpp16s* codeword, Zpp16s* code);
 
-// --- Adaptive codebook ------------------------------------------------------------------------------------------------------------
+// --- Adaptive codebook
+// ------------------------------------------------------------------------------------------------------------
 
 // Target of the subframe's closed-loop searches, residual and impulse response (3GPP TS 26.090 clause 5.5)
 void ownImpulseResponseTarget_GSMAMR_16s(const Zpp16s* speech, const Zpp16s* weight1, const Zpp16s* weight2,

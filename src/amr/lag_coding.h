@@ -1,4 +1,5 @@
-// Coding of the pitch lag (3GPP TS 26.090 clauses 5.6.1 and 6.1): a lag with its fraction to the index of the bit stream and back.
+// Coding of the pitch lag (3GPP TS 26.090 clauses 5.6.1 and 6.1): a lag with its fraction to the index of the bit stream and
+// back.
 #pragma once
 
 #include "zppsc.h"

@@ -9,9 +9,7 @@ struct Criterion {
   Zpp16s square = -1, energy = 1;
 
   // The difference of two products of 16 bits, of which `square` is never -32768, fits 32 bits.
-  constexpr bool beats(const Criterion& best) const {
-    return Zpp32s{best.energy} * square - Zpp32s{best.square} * energy > 0;
-  }
+  constexpr bool beats(const Criterion& best) const { return Zpp32s{best.energy} * square - Zpp32s{best.square} * energy > 0; }
 };
 
 // Step k - 1 adds pulse k to the earlier ones. The energy is a weighted mean of earlier energy and matrix entries, weights Q15:
