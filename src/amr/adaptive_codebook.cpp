@@ -126,7 +126,8 @@ PitchLag ownSearchFrac(const Zpp16s* corr, int lag, int first, int last, bool th
 }
 
 // The lag that the vector is built with: as coded, unless the index or the previous lag lies outside what an encoder sends. A
-// range relative to the previous lag reaches one sample further than an index by itself; a fraction may precede the smallest lag.
+// range relative to the previous lag reaches one sample further than an index by itself; a fraction may precede the smallest
+// lag.
 PitchLag limited(PitchLag lag, LagCoding coding, int minLag) {
   const int maxLag = coding == LagCoding::absolute ? kMaxLag : kMaxLag + 1;
   if (lag.samples > maxLag) lag.samples = kMaxLag;

@@ -17,22 +17,34 @@ bool ownScaleResponse_GSMAMR_16s(const Zpp16s* impulse, Zpp16s* scaled) {
   return ownDotProd_16s(scaled, scaled, kSubframe) >= (1 << 30) - 1;
 }
 
-void ownToeplizMatrix_GSMAMR_16s_PX(const Zpp16s* impulse, const Zpp16s* sign, Zpp16s* matrix, int tracks, TrackPairs pairs) {
-  const Grid& grid = gridOf(tracks);
-  Zpp16s h[kSubframe];
-  const bool loud = ownScaleResponse_GSMAMR_16s(impulse, h);
+namespace {
+
+// Down each diagonal an entry is its lower right neighbour plus one product.
+template <class Accumulate>
+void fillMatrix(const Zpp16s* h, const Zpp16s* sign, Zpp16s* matrix, const Grid& grid, TrackPairs pairs,
+                Accumulate accumulate) {
   for (int distance = 0; distance < kSubframe; ++distance) {
+    const Zpp16s* const later = h + distance;
     Zpp32s sum = 0;
     for (int n = 0, j = kSubframe - 1; j >= distance; ++n, --j) {
-      const Zpp32s product = h[n] * h[n + distance] * 2;
-      sum = loud ? addSat32(sum, product) : sum + product;
-      const int i = j - distance, slotI = grid.slotOf[i], slotJ = grid.slotOf[j];
+      sum = accumulate(sum, h[n], later[n]);
+      const int slotI = grid.slotOf[j - distance], slotJ = grid.slotOf[j];
       if (distance == 0) {
         matrix[slotJ * kSubframe + slotJ] = roundHigh16(sum);
-      } else if (pairs & pairOf(i % tracks, j % tracks)) {
-        const Zpp16s value = mulQ15(roundHigh16(sum), mulQ15(sign[slotI], sign[slotJ]));
-        matrix[slotI * kSubframe + slotJ] = matrix[slotJ * kSubframe + slotI] = value;
+      } else if (pairs >> (grid.track[j - distance] * 5 + grid.track[j]) & 1) {
+        matrix[slotI * kSubframe + slotJ] = matrix[slotJ * kSubframe + slotI] =
+            mulQ15(roundHigh16(sum), mulQ15(sign[slotI], sign[slotJ]));
       }
     }
   }
+}
+
+}  // namespace
+
+void ownToeplizMatrix_GSMAMR_16s_PX(const Zpp16s* impulse, const Zpp16s* sign, Zpp16s* matrix, int tracks, TrackPairs pairs) {
+  Zpp16s h[kSubframe];
+  if (ownScaleResponse_GSMAMR_16s(impulse, h))
+    fillMatrix(h, sign, matrix, gridOf(tracks), pairs, [](Zpp32s sum, Zpp16s a, Zpp16s b) { return macDbl(sum, a, b); });
+  else
+    fillMatrix(h, sign, matrix, gridOf(tracks), pairs, [](Zpp32s sum, Zpp16s a, Zpp16s b) { return sum + 2 * a * b; });
 }

@@ -9,7 +9,7 @@
 // ownToeplizMatrix: matrix = correlations of the impulse response (Q12) times sign * sign (32767 or -32767, track order), the
 //   standard's cor_h. Written are the diagonal and the blocks of `pairs`; the others may change too.
 // ownSearchOptimalPulsePos: depth-first search of 2, 3 or 4 pulses; `sequences` rows of four tracks, of which `pulses` count;
-//   the outermost pulse tries the slots with candidate >= 0. slots: the best pulses in the order of their sequence.
+//   the outermost pulse tries the slots with candidate >= 0. corr >= 0. slots: the best pulses in the order of their sequence.
 // ownSearchOptimalPulsePos_M102M122: two pulses a track; trackBest: each track's slot of largest correlation; trackOrder:
 //   `pulses` tracks in the order of the first pass.
 // ownFilteredCode: filtered = sum of weight * impulse delayed by position, saturated after every product, in this order.
@@ -18,25 +18,20 @@
 // ownPredLt: adaptive-codebook vector written in place: excitation[0..39] from the samples `lag` + sixths / 6 back. lag 11 or
 //   more; sixths -5..5; the samples down to excitation[-lag - 10] are read.
 #define ZPP_AMR_KERNELS(KERNEL)                                                                                             \
-  KERNEL(ownToeplizMatrix_GSMAMR_16s, NONE,                                                                                 \
+  KERNEL(ownToeplizMatrix_GSMAMR_16s, W7,                                                                                   \
          void(const Zpp16s* impulse, const Zpp16s* sign, Zpp16s* matrix, int tracks, TrackPairs pairs))                     \
-  KERNEL(ownSearchOptimalPulsePos_GSMAMR_16s, NONE,                                                                         \
+  KERNEL(ownSearchOptimalPulsePos_GSMAMR_16s, W7,                                                                           \
          void(const Zpp16s* corr, const Zpp16s* candidate, const Zpp16s* matrix, const Zpp8u* sequences, int count,         \
               int pulses, Zpp16s* slots))                                                                                   \
-  KERNEL(ownSearchOptimalPulsePos_M102M122_GSMAMR_16s, NONE,                                                                \
+  KERNEL(ownSearchOptimalPulsePos_M102M122_GSMAMR_16s, W7,                                                                  \
          void(const Zpp16s* corr, const Zpp16s* matrix, const Zpp16s* trackBest, const Zpp16s* trackOrder, Zpp16s* slots,   \
               int pulses, int tracks))                                                                                      \
-  KERNEL(ownFilteredCode_GSMAMR_16s, NONE,                                                                                  \
+  KERNEL(ownFilteredCode_GSMAMR_16s, W7,                                                                                    \
          void(const Zpp16s* impulse, const Zpp16s* positions, const Zpp16s* weights, int pulses, Zpp16s* filtered))         \
-  KERNEL(ownNormCorr_GSMAMR_16s, NONE,                                                                                      \
+  KERNEL(ownNormCorr_GSMAMR_16s, W7,                                                                                        \
          void(const Zpp16s* excitation, const Zpp16s* target, const Zpp16s* impulse, int minLag, int maxLag, Zpp16s* corr)) \
-  KERNEL(ownPredLt_GSMAMR_16s_I, NONE, void(Zpp16s * excitation, int lag, int sixths))
+  KERNEL(ownPredLt_GSMAMR_16s_I, W7, void(Zpp16s * excitation, int lag, int sixths))
 
-#define ZPP_DECLARE_NONE(name, ...)     \
-  using name##_signature = __VA_ARGS__; \
-  name##_signature name##_PX;           \
-  inline constexpr name##_signature* name = name##_PX;
-#define ZPP_USE_NONE(name)
 ZPP_AMR_KERNELS(ZPP_DECLARE_KERNEL)
 
 // --- Target of the codebook search and signs of its pulses

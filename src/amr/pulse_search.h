@@ -13,8 +13,7 @@ struct Criterion {
 };
 
 // Step k - 1 adds pulse k to the earlier ones. The energy is a weighted mean of earlier energy and matrix entries, weights Q15:
-// no sum of a step can leave 31 bits, and none but the last exceeds full scale. Energies keep the scale 1/4 for two pulses and
-// 1/16 for three and four.
+// it never exceeds full scale. Energies have the scale 1/4 for two pulses, 1/16 for three and four.
 struct PulseStep {
   Zpp32s before;  // the energy so far; at first the outer pulse's diagonal entry
   Zpp32s own;     // the new pulse's diagonal entry
@@ -22,8 +21,8 @@ struct PulseStep {
 };
 inline constexpr PulseStep kPulseSteps[3] = {{8192, 8192, 16384}, {8192, 2048, 4096}, {32768, 2048, 4096}};
 
-// The search of 8 and 10 pulses adds pairs: weights Q15 of the steps from pulses 2, 3 to pulses 8, 9. The inner pulse's terms
-// are summed and rounded before the loops.
+// The search of 8 and 10 pulses adds pairs: weights Q15 of the steps from pulses 2 and 3 to pulses 8 and 9. The inner pulse's
+// terms are summed and rounded before the loops.
 struct PairStep {
   struct Weights {
     Zpp16s own, each;  // the diagonal entry, the entry with each pulse placed before
@@ -36,3 +35,77 @@ inline constexpr PairStep kPairSteps[4] = {{{4096, 8192}, {2048, 4096}, 16384, 4
                                            {{4096, 8192}, {1024, 2048}, 8192, 2048},
                                            {{2048, 4096}, {512, 1024}, 8192, 1024},
                                            {{2048, 4096}, {256, 512}, 4096, 512}};
+
+// One pass of the search of 8 and 10 pulses: the pulses placed so far
+struct Placed {
+  Zpp16s slots[10];
+  int count;
+  Zpp16s sum;
+  Zpp32s energy;
+};
+// The best pair of pulses on two tracks
+struct BestPair {
+  Criterion reached;
+  Zpp16s sum = 0;
+  Zpp16s outer, inner;  // slots
+};
+struct PairSearch {
+  const Zpp16s *corr, *matrix;
+  const Grid& grid;
+
+  Zpp16s entry(int slot1, int slot2) const { return matrix[slot1 * kSubframe + slot2]; }
+  // Energy with one more pulse, saturated after every term as in the standard
+  Zpp32s with(Zpp32s energy, const Placed& placed, int slot, PairStep::Weights weights) const {
+    energy = zpp::macDbl(energy, entry(slot, slot), weights.own);
+    for (int j = 0; j < placed.count; ++j) energy = zpp::macDbl(energy, entry(placed.slots[j], slot), weights.each);
+    return energy;
+  }
+  // The standard's loops over two tracks, given as their first slots
+  BestPair best(const Placed& placed, int outerTrack, int innerTrack, const PairStep& step) const {
+    Zpp16s inner[10];
+    for (int i = 0; i < grid.perTrack; ++i) inner[i] = zpp::roundHigh16(with(0, placed, innerTrack + i, step.inner));
+    BestPair best{{}, 0, static_cast<Zpp16s>(outerTrack), static_cast<Zpp16s>(innerTrack)};
+    for (int slot1 = outerTrack; slot1 < outerTrack + grid.perTrack; ++slot1) {
+      const Zpp16s sum1 = zpp::addSat16(placed.sum, corr[slot1]);
+      const Zpp32s energy1 = with(placed.energy, placed, slot1, step.outer);
+      for (int i = 0; i < grid.perTrack; ++i) {
+        const int slot2 = innerTrack + i;
+        const Zpp16s sum2 = zpp::addSat16(sum1, corr[slot2]);
+        const Zpp32s energy2 = zpp::macDbl(zpp::macDbl(energy1, inner[i], step.ofInner), entry(slot1, slot2), step.cross);
+        const Criterion tried{zpp::mulQ15(sum2, sum2), zpp::roundHigh16(energy2)};
+        if (tried.beats(best.reached)) best = {tried, sum2, static_cast<Zpp16s>(slot1), static_cast<Zpp16s>(slot2)};
+      }
+    }
+    return best;
+  }
+};
+
+// The passes of the search. The first track keeps its pulse of largest correlation, the other tracks move up by one from pass
+// to pass, and bestPair (placed, outerTrack, innerTrack, step) finds two pulses after two.
+template <class FindPair>
+void searchPairs(const PairSearch& search, const Zpp16s* trackBest, const Zpp16s* trackOrder, Zpp16s* slots, int pulses,
+                 FindPair findPair) {
+  const Grid& grid = search.grid;
+  Criterion best;
+  for (int k = 0; k < pulses; ++k) slots[k] = grid.slotOf[k];
+  for (int pass = 0; pass < grid.tracks - 1; ++pass) {
+    const auto trackOf = [&](int k) { return k == 0 ? trackOrder[0] : trackOrder[1 + (k - 1 + pass) % (pulses - 1)]; };
+    const Zpp16s first = trackBest[trackOf(0)], second = trackBest[trackOf(1)];
+    Placed placed = {{first, second}, 2, zpp::addSat16(search.corr[first], search.corr[second]), 0};
+    // A sixteenth of the energy of two pulses: weights of 1/4 in all
+    placed.energy = (search.entry(first, first) + search.entry(second, second)) * 4096 + search.entry(first, second) * 8192;
+    Criterion reached;
+    for (int k = 2; k < pulses; k += 2) {
+      const BestPair pair = findPair(placed, trackOf(k) * grid.perTrack, trackOf(k + 1) * grid.perTrack, kPairSteps[k / 2 - 1]);
+      placed.slots[k] = pair.outer;
+      placed.slots[k + 1] = pair.inner;
+      placed.count = k + 2;
+      placed.sum = pair.sum;
+      placed.energy = pair.reached.energy * 32768;  // half of it: the scale halves with every pair
+      reached = pair.reached;
+    }
+    if (!reached.beats(best)) continue;
+    best = reached;
+    for (int k = 0; k < pulses; ++k) slots[k] = placed.slots[k];
+  }
+}

@@ -47,55 +47,9 @@ void ownSearchOptimalPulsePos_GSMAMR_16s_PX(const Zpp16s* corr, const Zpp16s* ca
 
 void ownSearchOptimalPulsePos_M102M122_GSMAMR_16s_PX(const Zpp16s* corr, const Zpp16s* matrix, const Zpp16s* trackBest,
                                                      const Zpp16s* trackOrder, Zpp16s* slots, int pulses, int tracks) {
-  const Grid& grid = gridOf(tracks);
-  const auto entry = [matrix](int slot1, int slot2) { return matrix[slot1 * kSubframe + slot2]; };
-  Criterion best;
-  for (int k = 0; k < pulses; ++k) slots[k] = grid.slotOf[k];
-
-  for (int pass = 0; pass < tracks - 1; ++pass) {
-    // The first track keeps its pulse; the others move up by one from pass to pass.
-    const auto trackOf = [&](int k) { return k == 0 ? trackOrder[0] : trackOrder[1 + (k - 1 + pass) % (pulses - 1)]; };
-    Zpp16s chosen[10] = {trackBest[trackOf(0)], trackBest[trackOf(1)]};
-    Zpp16s sum = addSat16(corr[chosen[0]], corr[chosen[1]]);
-    Zpp32s before = mulDbl(entry(chosen[0], chosen[0]), 2048);
-    before = macDbl(before, entry(chosen[1], chosen[1]), 2048);
-    before = macDbl(before, entry(chosen[0], chosen[1]), 4096);
-    Criterion reached;
-    for (int k = 2; k < pulses; k += 2) {
-      const PairStep& step = kPairSteps[k / 2 - 1];
-      const auto placed = [&](Zpp32s energy, int slot, PairStep::Weights weights) {
-        energy = macDbl(energy, entry(slot, slot), weights.own);
-        for (int j = 0; j < k; ++j) energy = macDbl(energy, entry(chosen[j], slot), weights.each);
-        return energy;
-      };
-      const int firstOuter = trackOf(k) * grid.perTrack, firstInner = trackOf(k + 1) * grid.perTrack;
-      Zpp16s inner[10];
-      for (int i = 0; i < grid.perTrack; ++i) inner[i] = roundHigh16(placed(0, firstInner + i, step.inner));
-      const Zpp16s sumBefore = sum;
-      int bestOuter = firstOuter, bestInner = firstInner;
-      reached = {};
-      sum = 0;
-      for (int slot1 = firstOuter; slot1 < firstOuter + grid.perTrack; ++slot1) {
-        const Zpp16s sum1 = addSat16(sumBefore, corr[slot1]);
-        const Zpp32s energy1 = placed(before, slot1, step.outer);
-        for (int i = 0; i < grid.perTrack; ++i) {
-          const int slot2 = firstInner + i;
-          const Zpp16s sum2 = addSat16(sum1, corr[slot2]);
-          const Zpp32s energy2 = macDbl(macDbl(energy1, inner[i], step.ofInner), entry(slot1, slot2), step.cross);
-          const Criterion tried{mulQ15(sum2, sum2), roundHigh16(energy2)};
-          if (!tried.beats(reached)) continue;
-          reached = tried;
-          sum = sum2;
-          bestOuter = slot1;
-          bestInner = slot2;
-        }
-      }
-      chosen[k] = static_cast<Zpp16s>(bestOuter);
-      chosen[k + 1] = static_cast<Zpp16s>(bestInner);
-      before = reached.energy * 32768;  // half of it: the scale halves with every pair
-    }
-    if (!reached.beats(best)) continue;
-    best = reached;
-    for (int k = 0; k < pulses; ++k) slots[k] = chosen[k];
-  }
+  const PairSearch search = {corr, matrix, gridOf(tracks)};
+  searchPairs(search, trackBest, trackOrder, slots, pulses,
+              [&search](const Placed& placed, int outerTrack, int innerTrack, const PairStep& step) {
+                return search.best(placed, outerTrack, innerTrack, step);
+              });
 }
