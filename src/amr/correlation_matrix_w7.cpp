@@ -28,72 +28,70 @@ struct SignProducts {
   alignas(16) Zpp16s withPositive[kLanes + kSubframe] = {}, withNegative[kLanes + kSubframe] = {};
 };
 
-// The response in steps of one track, backward, in the low halves of 32-bit lanes; zero beyond its end
-struct Phases {
-  Phases(const Zpp16s* h, int tracks) : last((kSubframe - 1) / tracks) {
-    for (int phase = 0; phase < tracks; ++phase)
-      for (int i = kLanes - 1; i < last + kLanes; ++i) {
-        const int n = (last + kLanes - 1 - i) * tracks + phase;
-        if (n < kSubframe) backward[phase][i] = static_cast<Zpp16u>(h[n]);
-      }
+// What the diagonals have in common, by position: the response in steps of one track, and where the rows lie.
+struct Rows {
+  Rows(const Zpp16s* h, const Zpp16s* sign, Zpp16s* matrix, const SignProducts& products, const Grid& grid) {
+    int phase = 0, at = grid.perTrack - 1;
+    for (int n = 0; n < kSubframe; ++n) {
+      row[n] = matrix + grid.slotOf[n] * kSubframe;
+      productsOf[n] = products.with(sign[grid.slotOf[n]]);
+      later[n] = &backward[phase][at];
+      backward[phase][at + kLanes - 1] = static_cast<Zpp16u>(h[n]);
+      if (++phase < grid.tracks) continue;
+      phase = 0;
+      --at;
+    }
   }
-  // h[n], n = (number + 7) * tracks + phase, in the first lane, down to number * tracks + phase in the last
-  const Zpp32s* from(int phase, int number) const { return &backward[phase][last - number]; }
 
-  int last;  // number of the last position of track 0
-  alignas(16) Zpp32s backward[5][20] = {};
+  Zpp16s* row[kSubframe];
+  const Zpp16s* productsOf[kSubframe];  // of the position's sign
+  const Zpp32s* later[kSubframe];       // the response at the position in the last of eight lanes, at later ones before it
+  // A phase a row, backward, in the low halves of 32-bit lanes, after zeros for what lies beyond the response
+  alignas(16) Zpp32s backward[5][10 + kLanes - 1] = {};
 };
 
 // The entries at the distances first, first + tracks ... first + 7 * tracks. Lanes without an earlier position write to slots
 // in front of the track: the diagonal and entries with later positions, which are filled afterwards.
-void fillDiagonals(const Zpp16s* h, const Zpp16s* sign, Zpp16s* matrix, const SignProducts& products, const Phases& phases,
-                   const Grid& grid, int first, TrackPairs pairs) {
+void fillDiagonals(const Zpp16s* h, const Rows& rows, const Grid& grid, int first, TrackPairs pairs) {
+  bool wanted[5];
+  for (int track = 0; track < grid.tracks; ++track)
+    wanted[track] = pairs >> (track * 5 + (track + grid.tracks - first) % grid.tracks) & 1;
   V low = _mm_set1_epi32(0x4000), high = low;
   const auto value = [&] { return _mm_packs_epi32(_mm_srai_epi32(low, 15), _mm_srai_epi32(high, 15)); };
-  int n = 0, phase = first, number = 0;
-  const auto addProducts = [&] {
+  const auto nearest = [](V sums) { return static_cast<Zpp16s>(_mm_extract_epi16(sums, kLanes - 1)); };
+  const auto addProducts = [&](int n) {
     const V factor = _mm_set1_epi32(static_cast<Zpp16u>(h[n]));
-    const Zpp32s* const later = phases.from(phase, number);
+    const Zpp32s* const later = rows.later[n + first];
     low = _mm_add_epi32(low, _mm_madd_epi16(factor, load(later)));
     high = _mm_add_epi32(high, _mm_madd_epi16(factor, load(later + 4)));
-    ++n;
-    if (++phase == grid.tracks) {
-      phase = 0;
-      ++number;
-    }
   };
-  for (int j = kSubframe - 1; j >= grid.tracks; --j) {
-    addProducts();
-    const int i = j - first, slotJ = grid.slotOf[j], slots = grid.slotOf[i] - (kLanes - 1);
-    if (pairs >> (grid.track[i] * 5 + grid.track[j]) & 1)
-      store(matrix + slotJ * kSubframe + slots, mulQ15(value(), load(products.with(sign[slotJ]) + slots)));
+  int j = kSubframe - 1;
+  for (; j >= grid.tracks; --j) {
+    addProducts(kSubframe - 1 - j);
+    const V sums = value();
+    if (wanted[grid.track[j]]) {
+      const int slots = grid.slotOf[j - first] - (kLanes - 1);
+      store(rows.row[j] + slots, mulQ15(sums, load(rows.productsOf[j] + slots)));
+    }
+    if (first == 0) rows.row[j][grid.slotOf[j]] = nearest(sums);
   }
   // Rows of the tracks' first positions: one earlier position at most
-  for (int j = grid.tracks - 1; j >= first && first > 0; --j) {
-    addProducts();
-    const int slotI = grid.slotOf[j - first], slotJ = grid.slotOf[j];
-    const auto nearest = static_cast<Zpp16s>(_mm_extract_epi16(value(), kLanes - 1));
-    matrix[slotJ * kSubframe + slotI] = zpp::mulQ15(nearest, products.with(sign[slotJ])[slotI]);
+  for (; j >= first; --j) {
+    addProducts(kSubframe - 1 - j);
+    const int slot = grid.slotOf[j - first];
+    rows.row[j][slot] = first == 0 ? nearest(value()) : zpp::mulQ15(nearest(value()), rows.productsOf[j][slot]);
   }
 }
 
 // What lies further apart than the diagonals of all tracks reach (10.2 kbit/s)
-void fillFarthest(const Zpp16s* h, const Zpp16s* sign, Zpp16s* matrix, const SignProducts& products, const Grid& grid) {
+void fillFarthest(const Zpp16s* h, const Rows& rows, const Grid& grid) {
   for (int distance = kLanes * grid.tracks; distance < kSubframe; ++distance) {
     Zpp32s sum = 0x4000;
     for (int n = 0, j = kSubframe - 1; j >= distance; ++n, --j) {
       sum += h[n] * h[n + distance];
-      const int slotI = grid.slotOf[j - distance], slotJ = grid.slotOf[j];
-      matrix[slotJ * kSubframe + slotI] = zpp::mulQ15(sat16(sum >> 15), products.with(sign[slotJ])[slotI]);
+      const int slotI = grid.slotOf[j - distance];
+      rows.row[j][slotI] = zpp::mulQ15(sat16(sum >> 15), rows.productsOf[j][slotI]);
     }
-  }
-}
-
-void fillDiagonal(const Zpp16s* h, Zpp16s* matrix, const Grid& grid) {
-  Zpp32s sum = 0x4000;
-  for (int n = 0; n < kSubframe; ++n) {
-    sum += h[n] * h[n];
-    matrix[grid.slotOf[kSubframe - 1 - n] * (kSubframe + 1)] = sat16(sum >> 15);
   }
 }
 
@@ -104,16 +102,15 @@ void mirrorBlocks(Zpp16s* matrix, int track1, int track2) {
   Zpp16s* const lower = matrix + track1 * kLanes * kSubframe + track2 * kLanes;
   Zpp16s* const upper = matrix + track2 * kLanes * kSubframe + track1 * kLanes;
   V block[kLanes];
-  for (int row = 0; row < kLanes; ++row) block[row] = load(upper + row * kSubframe);
+  unrolled<kLanes>([&](int row) { block[row] = load(upper + row * kSubframe); });
   transpose(block);
-  for (int row = 0; row < kLanes; ++row) {
-    const V earlier = load(kFrom + kLanes - 1 - row);
-    block[row] = select(earlier, load(lower + row * kSubframe), block[row]);
+  unrolled<kLanes>([&](int row) {
+    block[row] = select(load(kFrom + kLanes - 1 - row), load(lower + row * kSubframe), block[row]);
     store(lower + row * kSubframe, block[row]);
-  }
+  });
   if (track1 == track2) return;
   transpose(block);
-  for (int row = 0; row < kLanes; ++row) store(upper + row * kSubframe, block[row]);
+  unrolled<kLanes>([&](int row) { store(upper + row * kSubframe, block[row]); });
 }
 
 }  // namespace
@@ -123,9 +120,9 @@ void ownToeplizMatrix_GSMAMR_16s_W7(const Zpp16s* impulse, const Zpp16s* sign, Z
   Zpp16s h[kSubframe];
   if (ownScaleResponse_GSMAMR_16s(impulse, h)) return ownToeplizMatrix_GSMAMR_16s_PX(impulse, sign, matrix, tracks, pairs);
   const SignProducts products(sign);
-  const Phases phases(h, tracks);
-  for (int first = 0; first < tracks; ++first) fillDiagonals(h, sign, matrix, products, phases, grid, first, pairs);
-  fillFarthest(h, sign, matrix, products, grid);
+  const Rows rows(h, sign, matrix, products, grid);
+  for (int first = tracks - 1; first >= 0; --first) fillDiagonals(h, rows, grid, first, pairs);
+  fillFarthest(h, rows, grid);
   if (tracks == 5) {
     for (int track1 = 0; track1 < tracks; ++track1)
       for (int track2 = 0; track2 <= track1; ++track2)
@@ -135,5 +132,4 @@ void ownToeplizMatrix_GSMAMR_16s_W7(const Zpp16s* impulse, const Zpp16s* sign, Z
       for (int i = 0; i < j; ++i)
         matrix[grid.slotOf[i] * kSubframe + grid.slotOf[j]] = matrix[grid.slotOf[j] * kSubframe + grid.slotOf[i]];
   }
-  fillDiagonal(h, matrix, grid);
 }

@@ -61,51 +61,43 @@ struct PairSearch {
     return energy;
   }
   // The standard's loops over two tracks, given as their first slots
-  BestPair best(const Placed& placed, int outerTrack, int innerTrack, const PairStep& step) const {
-    Zpp16s inner[10];
-    for (int i = 0; i < grid.perTrack; ++i) inner[i] = zpp::roundHigh16(with(0, placed, innerTrack + i, step.inner));
-    BestPair best{{}, 0, static_cast<Zpp16s>(outerTrack), static_cast<Zpp16s>(innerTrack)};
-    for (int slot1 = outerTrack; slot1 < outerTrack + grid.perTrack; ++slot1) {
-      const Zpp16s sum1 = zpp::addSat16(placed.sum, corr[slot1]);
-      const Zpp32s energy1 = with(placed.energy, placed, slot1, step.outer);
-      for (int i = 0; i < grid.perTrack; ++i) {
-        const int slot2 = innerTrack + i;
-        const Zpp16s sum2 = zpp::addSat16(sum1, corr[slot2]);
-        const Zpp32s energy2 = zpp::macDbl(zpp::macDbl(energy1, inner[i], step.ofInner), entry(slot1, slot2), step.cross);
-        const Criterion tried{zpp::mulQ15(sum2, sum2), zpp::roundHigh16(energy2)};
-        if (tried.beats(best.reached)) best = {tried, sum2, static_cast<Zpp16s>(slot1), static_cast<Zpp16s>(slot2)};
-      }
-    }
-    return best;
-  }
+  BestPair best(const Placed& placed, int outerTrack, int innerTrack, const PairStep& step) const;
 };
 
 // The passes of the search. The first track keeps its pulse of largest correlation, the other tracks move up by one from pass
-// to pass, and bestPair (placed, outerTrack, innerTrack, step) finds two pulses after two.
+// to pass. findPair(placed, outerTrack, innerTrack, step) finds two pulses after two, for all passes in turn: what one pass
+// waits for, the processor computes of the next.
 template <class FindPair>
 void searchPairs(const PairSearch& search, const Zpp16s* trackBest, const Zpp16s* trackOrder, Zpp16s* slots, int pulses,
                  FindPair findPair) {
   const Grid& grid = search.grid;
+  const int passes = grid.tracks - 1;
+  const auto trackOf = [&](int pass, int k) { return trackOrder[k == 0 ? 0 : 1 + (k - 1 + pass) % (pulses - 1)]; };
+  Placed placed[4];
+  Criterion reached[4];
+  for (int pass = 0; pass < passes; ++pass) {
+    const Zpp16s first = trackBest[trackOf(pass, 0)], second = trackBest[trackOf(pass, 1)];
+    // A sixteenth of the energy of two pulses: weights of 1/4 in all
+    const Zpp32s own = search.entry(first, first) + search.entry(second, second), cross = search.entry(first, second);
+    placed[pass] = {{first, second}, 2, zpp::addSat16(search.corr[first], search.corr[second]), own * 4096 + cross * 8192};
+  }
+  for (int k = 2; k < pulses; k += 2)
+    for (int pass = 0; pass < passes; ++pass) {
+      Placed& p = placed[pass];
+      const int outerTrack = trackOf(pass, k) * grid.perTrack, innerTrack = trackOf(pass, k + 1) * grid.perTrack;
+      const BestPair pair = findPair(p, outerTrack, innerTrack, kPairSteps[k / 2 - 1]);
+      p.slots[k] = pair.outer;
+      p.slots[k + 1] = pair.inner;
+      p.count = k + 2;
+      p.sum = pair.sum;
+      p.energy = pair.reached.energy * 32768;  // half of it: the scale halves with every pair
+      reached[pass] = pair.reached;
+    }
   Criterion best;
   for (int k = 0; k < pulses; ++k) slots[k] = grid.slotOf[k];
-  for (int pass = 0; pass < grid.tracks - 1; ++pass) {
-    const auto trackOf = [&](int k) { return k == 0 ? trackOrder[0] : trackOrder[1 + (k - 1 + pass) % (pulses - 1)]; };
-    const Zpp16s first = trackBest[trackOf(0)], second = trackBest[trackOf(1)];
-    Placed placed = {{first, second}, 2, zpp::addSat16(search.corr[first], search.corr[second]), 0};
-    // A sixteenth of the energy of two pulses: weights of 1/4 in all
-    placed.energy = (search.entry(first, first) + search.entry(second, second)) * 4096 + search.entry(first, second) * 8192;
-    Criterion reached;
-    for (int k = 2; k < pulses; k += 2) {
-      const BestPair pair = findPair(placed, trackOf(k) * grid.perTrack, trackOf(k + 1) * grid.perTrack, kPairSteps[k / 2 - 1]);
-      placed.slots[k] = pair.outer;
-      placed.slots[k + 1] = pair.inner;
-      placed.count = k + 2;
-      placed.sum = pair.sum;
-      placed.energy = pair.reached.energy * 32768;  // half of it: the scale halves with every pair
-      reached = pair.reached;
-    }
-    if (!reached.beats(best)) continue;
-    best = reached;
-    for (int k = 0; k < pulses; ++k) slots[k] = placed.slots[k];
+  for (int pass = 0; pass < passes; ++pass) {
+    if (!reached[pass].beats(best)) continue;
+    best = reached[pass];
+    for (int k = 0; k < pulses; ++k) slots[k] = placed[pass].slots[k];
   }
 }

@@ -45,6 +45,24 @@ void ownSearchOptimalPulsePos_GSMAMR_16s_PX(const Zpp16s* corr, const Zpp16s* ca
   }
 }
 
+BestPair PairSearch::best(const Placed& placed, int outerTrack, int innerTrack, const PairStep& step) const {
+  Zpp16s inner[10];
+  for (int i = 0; i < grid.perTrack; ++i) inner[i] = roundHigh16(with(0, placed, innerTrack + i, step.inner));
+  BestPair best{{}, 0, static_cast<Zpp16s>(outerTrack), static_cast<Zpp16s>(innerTrack)};
+  for (int slot1 = outerTrack; slot1 < outerTrack + grid.perTrack; ++slot1) {
+    const Zpp16s sum1 = addSat16(placed.sum, corr[slot1]);
+    const Zpp32s energy1 = with(placed.energy, placed, slot1, step.outer);
+    for (int i = 0; i < grid.perTrack; ++i) {
+      const int slot2 = innerTrack + i;
+      const Zpp16s sum2 = addSat16(sum1, corr[slot2]);
+      const Zpp32s energy2 = macDbl(macDbl(energy1, inner[i], step.ofInner), entry(slot1, slot2), step.cross);
+      const Criterion tried{mulQ15(sum2, sum2), roundHigh16(energy2)};
+      if (tried.beats(best.reached)) best = {tried, sum2, static_cast<Zpp16s>(slot1), static_cast<Zpp16s>(slot2)};
+    }
+  }
+  return best;
+}
+
 void ownSearchOptimalPulsePos_M102M122_GSMAMR_16s_PX(const Zpp16s* corr, const Zpp16s* matrix, const Zpp16s* trackBest,
                                                      const Zpp16s* trackOrder, Zpp16s* slots, int pulses, int tracks) {
   const PairSearch search = {corr, matrix, gridOf(tracks)};

@@ -42,54 +42,54 @@ struct Candidates {
 };
 
 // Adds pulse k on the track of eight slots from `first` on.
-void addPulse(Candidates& c, int k, int first, const Zpp16s* corr, const Zpp16s* diagonal, const Zpp16s* matrix) {
-  const PulseStep& step = kPulseSteps[k - 1];
-  const V own = load(diagonal + first), ofTrack = load(corr + first);
+template <int k>
+void addPulse(Candidates& c, int first, const Zpp16s* corr, const Zpp16s* diagonal, const Zpp16s* matrix) {
+  constexpr PulseStep step = kPulseSteps[k - 1];
+  const V own = load(diagonal + first), ofTrack = load(corr + first), zero = _mm_setzero_si128();
   const V outerWeights = weights(step.own, step.cross), innerWeights = weights(step.cross, k == 3 ? step.cross : 0);
-  V square[4], energy[4], round1[4], positive = _mm_set1_epi16(-1);
-  for (int i = 0; i < 4; ++i) {
+  V low[4], high[4], round1[4], smallest = _mm_set1_epi16(kMax16);
+  unrolled<4>([&](int i) {
     const auto row = [&](int pulse) { return load(matrix + c.chosen[pulse][i] * kSubframe + first); };
     const V before = _mm_set1_epi32(c.reached[i].energy * step.before + 0x4000), row0 = row(0);
-    V low = _mm_add_epi32(before, _mm_madd_epi16(_mm_unpacklo_epi16(own, row0), outerWeights));
-    V high = _mm_add_epi32(before, _mm_madd_epi16(_mm_unpackhi_epi16(own, row0), outerWeights));
-    if (k > 1) {
+    V energyLow = _mm_add_epi32(before, _mm_madd_epi16(_mm_unpacklo_epi16(own, row0), outerWeights));
+    V energyHigh = _mm_add_epi32(before, _mm_madd_epi16(_mm_unpackhi_epi16(own, row0), outerWeights));
+    if constexpr (k > 1) {
       const V row1 = row(1), row2 = row(k - 1);
-      low = _mm_add_epi32(low, _mm_madd_epi16(_mm_unpacklo_epi16(row1, row2), innerWeights));
-      high = _mm_add_epi32(high, _mm_madd_epi16(_mm_unpackhi_epi16(row1, row2), innerWeights));
+      energyLow = _mm_add_epi32(energyLow, _mm_madd_epi16(_mm_unpacklo_epi16(row1, row2), innerWeights));
+      energyHigh = _mm_add_epi32(energyHigh, _mm_madd_epi16(_mm_unpackhi_epi16(row1, row2), innerWeights));
     }
-    energy[i] = _mm_packs_epi32(_mm_srai_epi32(low, 15), _mm_srai_epi32(high, 15));
-    positive = _mm_and_si128(positive, _mm_cmpgt_epi16(energy[i], _mm_setzero_si128()));
-    const V sum = _mm_adds_epi16(_mm_set1_epi16(c.sum[i]), ofTrack);
-    square[i] = mulQ15(sum, sum);
-    round1[i] = winners(pairsLow(square[i], energy[i]), pairsHigh(square[i], energy[i]));
-  }
-  if (_mm_movemask_epi8(positive) == 0xffff) {
+    const V energy = _mm_packs_epi32(_mm_srai_epi32(energyLow, 15), _mm_srai_epi32(energyHigh, 15));
+    const V sum = _mm_adds_epi16(_mm_set1_epi16(c.sum[i]), ofTrack), square = mulQ15(sum, sum);
+    smallest = _mm_min_epi16(smallest, energy);
+    low[i] = pairsLow(square, energy);
+    high[i] = pairsHigh(square, energy);
+    round1[i] = winners(low[i], high[i]);
+  });
+  if (_mm_movemask_epi8(_mm_cmpgt_epi16(smallest, zero)) == 0xffff) {
     const V best = winners(winners(round1[0], round1[1]), winners(round1[2], round1[3]));
     _mm_store_si128(reinterpret_cast<V*>(c.reached), best);
     // A winner is the first with its square and energy.
     const V bestOf[4] = {_mm_shuffle_epi32(best, 0x00), _mm_shuffle_epi32(best, 0x55), _mm_shuffle_epi32(best, 0xaa),
                          _mm_shuffle_epi32(best, 0xff)};
-    for (int i = 0; i < 4; ++i) {
-      const V equal = _mm_packs_epi32(_mm_cmpeq_epi32(bestOf[i], pairsLow(square[i], energy[i])),
-                                      _mm_cmpeq_epi32(bestOf[i], pairsHigh(square[i], energy[i])));
+    unrolled<4>([&](int i) {
+      const V equal = _mm_packs_epi32(_mm_cmpeq_epi32(bestOf[i], low[i]), _mm_cmpeq_epi32(bestOf[i], high[i]));
       const int slot = first + std::countr_zero(static_cast<unsigned>(_mm_movemask_epi8(equal))) / 2;
       c.chosen[k][i] = static_cast<Zpp16s>(slot);
       c.sum[i] = addSat16(c.sum[i], corr[slot]);
-    }
+    });
     return;
   }
   for (int i = 0; i < 4; ++i) {
-    alignas(16) Zpp16s squares[8], energies[8];
-    store(squares, square[i]);
-    store(energies, energy[i]);
+    alignas(16) Criterion tried[8];
+    store(tried, low[i]);
+    store(tried + 4, high[i]);
     const Zpp16s sumBefore = c.sum[i];
     c.reached[i] = {};
     c.sum[i] = 0;
     c.chosen[k][i] = static_cast<Zpp16s>(first);
     for (int lane = 0; lane < 8; ++lane) {
-      const Criterion tried{squares[lane], energies[lane]};
-      if (!tried.beats(c.reached[i])) continue;
-      c.reached[i] = tried;
+      if (!tried[lane].beats(c.reached[i])) continue;
+      c.reached[i] = tried[lane];
       c.sum[i] = addSat16(sumBefore, corr[first + lane]);
       c.chosen[k][i] = static_cast<Zpp16s>(first + lane);
     }
@@ -123,7 +123,10 @@ void ownSearchOptimalPulsePos_GSMAMR_16s_W7(const Zpp16s* corr, const Zpp16s* ca
         c.sum[i] = corr[slot];
         c.reached[i] = {0, diagonal[slot]};
       }
-      for (int k = 1; k < pulses; ++k) addPulse(c, k, tracks[k] * grid.perTrack, corr, diagonal, matrix);
+      const auto firstOf = [&](int k) { return tracks[k] * grid.perTrack; };
+      addPulse<1>(c, firstOf(1), corr, diagonal, matrix);
+      if (pulses > 2) addPulse<2>(c, firstOf(2), corr, diagonal, matrix);
+      if (pulses > 3) addPulse<3>(c, firstOf(3), corr, diagonal, matrix);
       for (int i = 0; i < used; ++i) {
         if (!c.reached[i].beats(best)) continue;
         best = c.reached[i];
@@ -177,6 +180,22 @@ int largestMagnitude(const Zpp32s* x, int len) {
   return largest;
 }
 
+// Of eight lanes with energy and negated square, each the best of its inner slot for the given outer one: the first of the best
+// in the order of the loops, as outer number * 8 + lane.
+int firstOfBest(V low, V high, V outer) {
+  const V zero = _mm_setzero_si128(), lane = _mm_setr_epi16(0, 1, 2, 3, 4, 5, 6, 7);
+  V best = winners(swapNegated(_mm_sub_epi16(zero, low)), swapNegated(_mm_sub_epi16(zero, high)));
+  best = winners(best, best);
+  best = winners(best, best);
+  const V equal =
+      _mm_packs_epi32(_mm_cmpeq_epi32(_mm_madd_epi16(low, best), zero), _mm_cmpeq_epi32(_mm_madd_epi16(high, best), zero));
+  V order = select(equal, _mm_or_si128(_mm_slli_epi16(outer, 3), lane), _mm_set1_epi16(kMax16));
+  order = _mm_min_epi16(order, _mm_srli_si128(order, 8));
+  order = _mm_min_epi16(order, _mm_srli_si128(order, 4));
+  order = _mm_min_epi16(order, _mm_srli_si128(order, 2));
+  return _mm_extract_epi16(order, 0);
+}
+
 // PairSearch::best with the inner track's slots side by side; each lane keeps the best of its slot.
 BestPair bestPair(const PairSearch& search, const Zpp16s* diagonal, const Placed& placed, int outerTrack, int innerTrack,
                   const PairStep& step) {
@@ -210,41 +229,42 @@ BestPair bestPair(const PairSearch& search, const Zpp16s* diagonal, const Placed
     if (bound >= 1 << 30) return search.best(placed, outerTrack, innerTrack, step);
   }
 
-  const V pairWeights = weights(step.ofInner, step.cross);
-  V positive = _mm_set1_epi16(-1);
+  alignas(16) Zpp16s sum1[10];
+  for (int from = 0; from <= lastVector; from += 2)
+    store(sum1 + from, _mm_adds_epi16(_mm_set1_epi16(placed.sum), load(search.corr + outerTrack + from)));
+  const V pairWeights = weights(step.ofInner, step.cross), zero = _mm_setzero_si128();
+  V smallest = _mm_set1_epi16(kMax16);
   BestPair best{{}, 0, static_cast<Zpp16s>(outerTrack), static_cast<Zpp16s>(innerTrack)};
   for (int from = 0; from <= lastVector; from += 2) {
-    const V ofTrack = load(search.corr + innerTrack + from), ofInner = inner[from / 2];
-    V low = weights(1, 1), high = low, outer = _mm_setzero_si128();  // energy, negated square; number of the outer slot
-    for (int i = 0; i < perTrack; ++i) {
-      const int slot1 = outerTrack + i;
-      const V row = load(search.matrix + slot1 * kSubframe + innerTrack + from), energyBefore = _mm_set1_epi32(energy1[i]);
-      const V energyLow = _mm_add_epi32(energyBefore, _mm_madd_epi16(_mm_unpacklo_epi16(ofInner, row), pairWeights));
-      const V energyHigh = _mm_add_epi32(energyBefore, _mm_madd_epi16(_mm_unpackhi_epi16(ofInner, row), pairWeights));
+    const V ofTrack = load(search.corr + innerTrack + from);
+    const V ofInner = inner[from / 2];
+    const Zpp16s* row = search.matrix + outerTrack * kSubframe + innerTrack + from;
+    V low = weights(1, 1), high = low, outer = zero;  // energy and negated square; number of the outer slot
+    for (int i = 0; i < perTrack; ++i, row += kSubframe) {
+      const V cross = load(row), before = _mm_set1_epi32(energy1[i]);
+      const V energyLow = _mm_add_epi32(before, _mm_madd_epi16(_mm_unpacklo_epi16(ofInner, cross), pairWeights));
+      const V energyHigh = _mm_add_epi32(before, _mm_madd_epi16(_mm_unpackhi_epi16(ofInner, cross), pairWeights));
       const V energy = _mm_packs_epi32(_mm_srai_epi32(energyLow, 15), _mm_srai_epi32(energyHigh, 15));
-      positive = _mm_and_si128(positive, _mm_cmpgt_epi16(energy, _mm_setzero_si128()));
-      const V sum = _mm_adds_epi16(_mm_set1_epi16(addSat16(placed.sum, search.corr[slot1])), ofTrack);
+      smallest = _mm_min_epi16(smallest, energy);
+      const V sum = _mm_adds_epi16(_mm_set1_epi16(sum1[i]), ofTrack);
       const V wrapped = mulQ15(sum, sum), square = _mm_add_epi16(wrapped, _mm_srai_epi16(wrapped, 15));
-      const V negated = _mm_sub_epi16(_mm_setzero_si128(), square), zero = _mm_setzero_si128();
+      const V negated = _mm_sub_epi16(zero, square);
       const V betterLow = _mm_cmpgt_epi32(_mm_madd_epi16(low, pairsLow(square, energy)), zero);
       const V betterHigh = _mm_cmpgt_epi32(_mm_madd_epi16(high, pairsHigh(square, energy)), zero);
       low = select(betterLow, pairsLow(energy, negated), low);
       high = select(betterHigh, pairsHigh(energy, negated), high);
       outer = select(_mm_packs_epi32(betterLow, betterHigh), _mm_set1_epi16(static_cast<Zpp16s>(i)), outer);
     }
-    alignas(16) Zpp16s lanes[16], outers[8];
+    const int first = firstOfBest(low, high, outer), slot1 = outerTrack + first / 8, slot2 = innerTrack + from + first % 8;
+    alignas(16) Zpp16s lanes[16];
     store(lanes, low);
     store(lanes + 8, high);
-    store(outers, outer);
-    for (int i = 0; i < 8; ++i) {
-      const Criterion tried{static_cast<Zpp16s>(-lanes[2 * i + 1]), lanes[2 * i]};
-      const int slot1 = outerTrack + outers[i], slot2 = innerTrack + from + i;
-      const bool earlier = slot1 < best.outer || (slot1 == best.outer && slot2 < best.inner);
-      if (tried.beats(best.reached) || (earlier && !best.reached.beats(tried)))
-        best = {tried, 0, static_cast<Zpp16s>(slot1), static_cast<Zpp16s>(slot2)};
-    }
+    const Criterion tried{static_cast<Zpp16s>(-lanes[2 * (first % 8) + 1]), lanes[2 * (first % 8)]};
+    const bool earlier = slot1 < best.outer || (slot1 == best.outer && slot2 < best.inner);
+    if (tried.beats(best.reached) || (earlier && !best.reached.beats(tried)))
+      best = {tried, 0, static_cast<Zpp16s>(slot1), static_cast<Zpp16s>(slot2)};
   }
-  if (_mm_movemask_epi8(positive) != 0xffff) return search.best(placed, outerTrack, innerTrack, step);
+  if (_mm_movemask_epi8(_mm_cmpgt_epi16(smallest, zero)) != 0xffff) return search.best(placed, outerTrack, innerTrack, step);
   best.sum = addSat16(addSat16(placed.sum, search.corr[best.outer]), search.corr[best.inner]);
   return best;
 }
