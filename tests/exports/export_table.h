@@ -198,7 +198,12 @@ Export row(const char* name, Return (*function)(Types...), Arguments... argument
   };
   (complete(std::type_identity<Types>{}), ...);
   e.call = [function](const std::vector<Passed>& passed) {
-    return [&]<std::size_t... I>(std::index_sequence<I...>) { return function(passAs<Types>(passed[I])...); }
+    return [&]<std::size_t... I>(std::index_sequence<I...>) {
+      if constexpr (std::is_void_v<Return>)
+        return function(passAs<Types>(passed[I])...), zppStsOk;
+      else
+        return function(passAs<Types>(passed[I])...);
+    }
     (std::index_sequence_for<Types...>{});
   };
   return e;

@@ -1,7 +1,122 @@
+#include "amr/kernels.h"
+
 #include "kernels/rig.h"
 
 namespace test {
 
-void runAmrKernels(const Options&, Tally&) {}
+ZPP_AMR_KERNELS(ZPP_KERNEL_TYPE)
+
+void runAmrKernels(const Options& options, Tally& tally) { ZPP_AMR_KERNELS(ZPP_RUN_KERNEL) }
+
+namespace {
+
+// Content matters more than size here: many calls of each kind, their noise at levels from a bit to full scale. One when
+// timing.
+template <class Rig, class Call>
+void repeat(Rig& rig, Call call) {
+  for (int run = 0; run < (rig.keep ? 1 : 60); ++run) {
+    if (!rig.keep) rig.beginCall();
+    const bool scaled = rig.content == Content::noise || rig.keep;
+    call(static_cast<Zpp16s>(!scaled    ? 32767
+                             : rig.keep ? 8192
+                                        : rig.random.between(1, 1 << rig.random.between(0, 15)) - 1),
+         run);
+  }
+}
+
+template <class Rig>
+Zpp16s* within(Rig& rig, Zpp16s level, int n = 40) {
+  return rig.template inOut<Zpp16s>(n, static_cast<Zpp16s>(-level), level);
+}
+
+// A response as of a weighted synthesis filter: it fades, the faster the smaller the run; now and then it does not.
+template <class Rig>
+const Zpp16s* response(Rig& rig, Zpp16s level, int run) {
+  Zpp16s* impulse = within(rig, level);
+  double fade = 1;
+  for (int n = 0; n < 40; ++n, fade *= 0.3 + 0.012 * run) impulse[n] = static_cast<Zpp16s>(impulse[n] * fade);
+  return impulse;
+}
+
+template <class Rig>
+const Zpp16s* signs(Rig& rig) {
+  Zpp16s* sign = rig.template inOut<Zpp16s>(40);
+  for (int n = 0; n < 40; ++n) sign[n] = sign[n] < 0 ? -32767 : 32767;
+  return sign;
+}
+
+// A matrix of a response, so that energies are positive as in the codec, or of any numbers
+template <class Rig>
+const Zpp16s* matrix(Rig& rig, Zpp16s level, int run, int tracks) {
+  Zpp16s* m = rig.template inOut<Zpp16s>(1600, static_cast<Zpp16s>(run % 4 == 0 ? -level : level / 2), level);
+  if (run % 4 < 2 && !rig.keep) return m;
+  ownToeplizMatrix_GSMAMR_16s_PX(response(rig, 8192, run), signs(rig), m, tracks, kAllPairs);
+  return m;
+}
+
+}  // namespace
+
+DRIVE(ownToeplizMatrix_GSMAMR_16s, only({4, 5})) {
+  repeat(rig, [&](Zpp16s level, int run) {
+    rig.run(response(rig, level, run), signs(rig), rig.template inOut<Zpp16s>(1600), n, kAllPairs);
+  });
+}
+
+DRIVE(ownSearchOptimalPulsePos_GSMAMR_16s, only({2, 3, 4})) {
+  static constexpr Zpp8u kSequences[4][4] = {{0, 1, 2, 3}, {4, 0, 1, 2}, {1, 4, 2, 0}, {3, 2, 1, 4}};
+  repeat(rig, [&](Zpp16s level, int run) {
+    const auto* corr = rig.template in<Zpp16s>(40, 0, level);
+    Zpp16s* candidate = rig.template inOut<Zpp16s>(40, -1, run % 3 == 0 ? 0 : 1);
+    for (int slot = 0; slot < 40; ++slot)
+      if (rig.keep) candidate[slot] = static_cast<Zpp16s>(slot % 2 - 1);
+    const auto* m = matrix(rig, level, run, 5);
+    auto* sequences = rig.template inOut<Zpp8u>(16);
+    std::memcpy(sequences, kSequences, 16);
+    rig.run(corr, candidate, m, sequences, 4, n, rig.template out<Zpp16s>(n));
+  });
+}
+
+DRIVE(ownSearchOptimalPulsePos_M102M122_GSMAMR_16s, only({8, 10})) {
+  const int tracks = n / 2;
+  repeat(rig, [&](Zpp16s level, int run) {
+    const auto* corr = within(rig, level);
+    const auto* m = matrix(rig, level, run, tracks);
+    Zpp16s* trackBest = rig.template inOut<Zpp16s>(tracks);
+    Zpp16s* trackOrder = rig.template inOut<Zpp16s>(n);
+    const int first = rig.scalar(0, tracks - 1);
+    for (int t = 0; t < tracks; ++t) trackBest[t] = static_cast<Zpp16s>(t * (40 / tracks) + rig.scalar(0, 40 / tracks - 1));
+    for (int k = 0; k < n; ++k) trackOrder[k] = static_cast<Zpp16s>((first + k) % tracks);
+    rig.run(corr, m, trackBest, trackOrder, rig.template out<Zpp16s>(n), n, tracks);
+  });
+}
+
+DRIVE(ownFilteredCode_GSMAMR_16s, only({2, 3, 4, 8, 10})) {
+  repeat(rig, [&](Zpp16s level, int run) {
+    const auto* impulse = response(rig, level, run);
+    Zpp16s *positions = rig.template inOut<Zpp16s>(n), *weights = rig.template inOut<Zpp16s>(n);
+    for (int k = 0; k < n; ++k) {
+      positions[k] = static_cast<Zpp16s>(rig.random.between(0, 39));
+      const bool positive = weights[k] >= 0;
+      weights[k] = static_cast<Zpp16s>(n == 10 ? (positive ? 8192 : -8192) : (positive ? 32767 : -32768));
+    }
+    rig.run(impulse, positions, weights, n, rig.template out<Zpp16s>(40));
+  });
+}
+
+DRIVE(ownNormCorr_GSMAMR_16s, only({1, 15, 28})) {
+  repeat(rig, [&](Zpp16s level, int run) {
+    const int minLag = rig.scalar(14, 143 - n), maxLag = minLag + n - 1;
+    const auto* excitation = rig.template in<Zpp16s>(40, static_cast<Zpp16s>(-level), level, maxLag);
+    const auto* target = within(rig, level);
+    rig.run(excitation, target, response(rig, 32767 >> (run % 5), run), minLag, maxLag, rig.template out<Zpp16s>(n));
+  });
+}
+
+DRIVE(ownPredLt_GSMAMR_16s_I, only({11, 17, 18, 19, 20, 33, 50, 80, 144})) {
+  repeat(rig, [&](Zpp16s level, int run) {
+    auto* excitation = rig.template inOut<Zpp16s>(40, static_cast<Zpp16s>(-level), level, 154);
+    rig.run(excitation, n, run % 11 - 5);
+  });
+}
 
 }  // namespace test
