@@ -9,6 +9,10 @@
 // store(dst), 32-bit sums or their upper 16 bits; transpose(block); and for a lone sum accumulate(sum, x), value(sum).
 #pragma once
 
+#include <type_traits>
+#include <utility>
+
+#include "core/kernels.h"
 #include "g729/fcb_kernels.h"
 
 namespace zpp {
@@ -20,14 +24,17 @@ struct Chain {
   int distance;
   int block[kTracks];
 };
-inline constexpr Chain kChains[] = {
-    {1, {crossBlock(0, 1), crossBlock(1, 2), crossBlock(2, 3), Chain::kNowhere, crossBlock(0, 4)}},
-    {2, {crossBlock(0, 2), crossBlock(1, 3), crossBlock(2, 4), crossBlock(0, 3), crossBlock(1, 4)}}};
+inline constexpr Chain kNextTrack = {1,
+                                     {crossBlock(0, 1), crossBlock(1, 2), crossBlock(2, 3), Chain::kNowhere, crossBlock(0, 4)}};
+inline constexpr Chain kTrackAfterNext = {
+    2, {crossBlock(0, 2), crossBlock(1, 3), crossBlock(2, 4), crossBlock(0, 3), crossBlock(1, 4)}};
 // Annex D: 1-1 in place of 0-2, 3-4 in place of 0-4
-inline constexpr Chain kChainsAnnexD[] = {
-    {0, {Chain::kNowhere, crossBlock(0, 2), Chain::kNowhere, Chain::kNowhere, Chain::kNowhere}},
-    {1, {crossBlock(0, 1), crossBlock(1, 2), crossBlock(2, 3), crossBlock(0, 4), Chain::kNowhere}},
-    {2, {Chain::kNowhere, crossBlock(1, 3), crossBlock(2, 4), crossBlock(0, 3), crossBlock(1, 4)}}};
+inline constexpr Chain kSameTrackAnnexD = {
+    0, {Chain::kNowhere, crossBlock(0, 2), Chain::kNowhere, Chain::kNowhere, Chain::kNowhere}};
+inline constexpr Chain kNextTrackAnnexD = {
+    1, {crossBlock(0, 1), crossBlock(1, 2), crossBlock(2, 3), crossBlock(0, 4), Chain::kNowhere}};
+inline constexpr Chain kTrackAfterNextAnnexD = {
+    2, {Chain::kNowhere, crossBlock(1, 3), crossBlock(2, 4), crossBlock(0, 3), crossBlock(1, 4)}};
 
 // The impulse response backwards and by track: at[8 t + i] = h[39 - (5 i + t)]
 struct ReversedTracks {
@@ -39,16 +46,20 @@ struct ReversedTracks {
   }
 };
 
-template <class Sums, class Put>
-inline void correlateTracks(const ReversedTracks& g, int distance, Zpp32s start, Put put) {
+// put(track a, i, sums) for each row, the track as an integral constant
+template <class Sums, int distance, class Put>
+inline void correlateTracks(const ReversedTracks& g, Zpp32s start, Put put) {
   Sums sums(start);
-  for (int i = kPositions - 1; i >= 0; --i)
-    for (int a = kTracks - 1; a >= 0; --a) {
-      const int b = (a + distance) % kTracks;
-      if (b == kTracks - 1) sums.nextColumn(start);
+  for (int i = kPositions - 1; i >= 0; --i) {
+    const auto extend = [&]<int a>(std::integral_constant<int, a> track) {
+      constexpr int b = (a + distance) % kTracks;
+      if constexpr (b == kTracks - 1) sums.nextColumn(start);
       sums.add(g.at[kPositions * a + i], &g.at[kPositions * b]);
-      put(a, i, sums);
-    }
+      put(track, i, sums);
+    };
+    [&]<int... n>(std::integer_sequence<int, n...>) { (extend(std::integral_constant<int, kTracks - 1 - n>{}), ...); }
+    (std::make_integer_sequence<int, kTracks>{});
+  }
 }
 
 template <class Sums, class Put>
@@ -64,17 +75,20 @@ inline void correlateDiagonals(const ReversedTracks& g, Zpp32s start, Put put) {
 constexpr void storeCorrelation(Zpp32s sum, Zpp32s* dst) { *dst = sum; }
 constexpr void storeCorrelation(Zpp32s sum, Zpp16s* dst) { *dst = static_cast<Zpp16s>(sum >> 15); }
 
-template <class Sums, class T, int chains>
-inline void correlationMatrix(const Zpp16s* scaledImpulse, const Chain (&plan)[chains], T* matrix) {
+template <class Sums, Chain chain, class T>
+inline void correlationBlocks(const ReversedTracks& g, T* matrix) {
+  correlateTracks<Sums, chain.distance>(g, 0, [matrix]<int a>(std::integral_constant<int, a>, int i, const Sums& row) {
+    if constexpr (chain.block[a] != Chain::kNowhere) row.store(matrix + chain.block[a] + kPositions * i);
+  });
+  for (int a = kTracks - chain.distance; a < kTracks; ++a)
+    if (chain.block[a] != Chain::kNowhere) Sums::transpose(matrix + chain.block[a]);
+}
+
+template <class Sums, Chain... chains, class T>
+inline void correlationMatrix(const Zpp16s* scaledImpulse, T* matrix) {
   const ReversedTracks g(scaledImpulse);
   correlateDiagonals<Sums>(g, 0, [matrix](int entry, Zpp32s sum) { storeCorrelation(sum, matrix + entry); });
-  for (const Chain& chain : plan) {
-    correlateTracks<Sums>(g, chain.distance, 0, [&](int a, int i, const Sums& row) {
-      if (chain.block[a] != Chain::kNowhere) row.store(matrix + chain.block[a] + kPositions * i);
-    });
-    for (int a = kTracks - chain.distance; a < kTracks; ++a)
-      if (chain.block[a] != Chain::kNowhere) Sums::transpose(matrix + chain.block[a]);
-  }
+  (correlationBlocks<Sums, chains>(g, matrix), ...);
 }
 
 // Annex E: diagonals, rounded twice and halved, then the blocks of each track and the next, rounded.
@@ -82,8 +96,8 @@ template <class Sums>
 inline void correlationMatrixAnnexE(const Zpp16s* impulse, Zpp16s* matrix) {
   const ReversedTracks g(impulse);
   correlateDiagonals<Sums>(g, 32768, [matrix](int entry, Zpp32s sum) { matrix[entry] = static_cast<Zpp16s>(sum >> 16); });
-  correlateTracks<Sums>(
-      g, 1, 16384, [matrix](int a, int i, const Sums& row) { row.store(matrix + kDiagonals + kBlock * a + kPositions * i); });
+  correlateTracks<Sums, 1>(
+      g, 16384, [matrix](int a, int i, const Sums& row) { row.store(matrix + kDiagonals + kBlock * a + kPositions * i); });
 }
 // No sum of the matrix above saturates.
 inline bool plainSumsHoldAnnexE(const Zpp16s* impulse) { return ownDotProd_16s(impulse, impulse, kSubframe) + 32768 < 1 << 30; }

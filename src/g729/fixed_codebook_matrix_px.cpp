@@ -1,7 +1,4 @@
 // Correlation matrices of the impulse response: portable kernels.
-#include <utility>
-
-#include "core/kernels.h"
 #include "g729/fixed_codebook_matrix.h"
 
 using namespace zpp;
@@ -71,21 +68,30 @@ class SaturatingSums {
   Zpp32s sums_[kPositions];
 };
 
-template <class T, int chains>
-void buildMatrix(const Zpp16s* impulse, const Chain (&plan)[chains], T* matrix) {
+template <Chain... chains, class T>
+void buildMatrix(const Zpp16s* impulse, T* matrix) {
   Zpp16s scaled[kSubframe];
   if (ownScaleImpulse_G729_16s(impulse, scaled))
-    correlationMatrix<PlainSums>(scaled, plan, matrix);
+    correlationMatrix<PlainSums, chains...>(scaled, matrix);
   else
-    correlationMatrix<SaturatingSums>(scaled, plan, matrix);
+    correlationMatrix<SaturatingSums, chains...>(scaled, matrix);
+}
+
+template <class T>
+void buildMatrixAnnexD(const Zpp16s* impulse, T* matrix) {
+  buildMatrix<kSameTrackAnnexD, kNextTrackAnnexD, kTrackAfterNextAnnexD>(impulse, matrix);
 }
 
 }  // namespace
 
-void ownToeplizMatrix_G729_16s_PX(const Zpp16s* impulse, Zpp16s* matrix) { buildMatrix(impulse, kChains, matrix); }
-void ownToeplizMatrix_G729_16s32s_PX(const Zpp16s* impulse, Zpp32s* matrix) { buildMatrix(impulse, kChains, matrix); }
-void ownToeplizMatrix_G729D_16s_PX(const Zpp16s* impulse, Zpp16s* matrix) { buildMatrix(impulse, kChainsAnnexD, matrix); }
-void ownToeplizMatrix_G729D_16s32s_PX(const Zpp16s* impulse, Zpp32s* matrix) { buildMatrix(impulse, kChainsAnnexD, matrix); }
+void ownToeplizMatrix_G729_16s_PX(const Zpp16s* impulse, Zpp16s* matrix) {
+  buildMatrix<kNextTrack, kTrackAfterNext>(impulse, matrix);
+}
+void ownToeplizMatrix_G729_16s32s_PX(const Zpp16s* impulse, Zpp32s* matrix) {
+  buildMatrix<kNextTrack, kTrackAfterNext>(impulse, matrix);
+}
+void ownToeplizMatrix_G729D_16s_PX(const Zpp16s* impulse, Zpp16s* matrix) { buildMatrixAnnexD(impulse, matrix); }
+void ownToeplizMatrix_G729D_16s32s_PX(const Zpp16s* impulse, Zpp32s* matrix) { buildMatrixAnnexD(impulse, matrix); }
 
 void ownCorrMatrix_G729E_16s_PX(const Zpp16s* impulse, Zpp16s* matrix) {
   if (plainSumsHoldAnnexE(impulse))

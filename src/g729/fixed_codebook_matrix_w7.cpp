@@ -1,5 +1,4 @@
 // Correlation matrices of the impulse response: SSE2 kernels.
-#include "core/kernels.h"
 #include "core/simd_w7.h"
 #include "g729/fixed_codebook_matrix.h"
 
@@ -74,28 +73,33 @@ class PlainSums {
 };
 
 // The rare response whose sums saturate is left to the portable kernel.
-template <class T, int chains>
-void buildMatrix(const Zpp16s* impulse, const Chain (&plan)[chains], T* matrix, void (*portable)(const Zpp16s*, T*)) {
+template <Chain... chains, class T>
+void buildMatrix(const Zpp16s* impulse, T* matrix, void (*portable)(const Zpp16s*, T*)) {
   Zpp16s scaled[kSubframe];
   if (ownScaleImpulse_G729_16s(impulse, scaled))
-    correlationMatrix<PlainSums>(scaled, plan, matrix);
+    correlationMatrix<PlainSums, chains...>(scaled, matrix);
   else
     portable(impulse, matrix);
+}
+
+template <class T>
+void buildMatrixAnnexD(const Zpp16s* impulse, T* matrix, void (*portable)(const Zpp16s*, T*)) {
+  buildMatrix<kSameTrackAnnexD, kNextTrackAnnexD, kTrackAfterNextAnnexD>(impulse, matrix, portable);
 }
 
 }  // namespace
 
 void ownToeplizMatrix_G729_16s_W7(const Zpp16s* impulse, Zpp16s* matrix) {
-  buildMatrix(impulse, kChains, matrix, ownToeplizMatrix_G729_16s_PX);
+  buildMatrix<kNextTrack, kTrackAfterNext>(impulse, matrix, ownToeplizMatrix_G729_16s_PX);
 }
 void ownToeplizMatrix_G729_16s32s_W7(const Zpp16s* impulse, Zpp32s* matrix) {
-  buildMatrix(impulse, kChains, matrix, ownToeplizMatrix_G729_16s32s_PX);
+  buildMatrix<kNextTrack, kTrackAfterNext>(impulse, matrix, ownToeplizMatrix_G729_16s32s_PX);
 }
 void ownToeplizMatrix_G729D_16s_W7(const Zpp16s* impulse, Zpp16s* matrix) {
-  buildMatrix(impulse, kChainsAnnexD, matrix, ownToeplizMatrix_G729D_16s_PX);
+  buildMatrixAnnexD(impulse, matrix, ownToeplizMatrix_G729D_16s_PX);
 }
 void ownToeplizMatrix_G729D_16s32s_W7(const Zpp16s* impulse, Zpp32s* matrix) {
-  buildMatrix(impulse, kChainsAnnexD, matrix, ownToeplizMatrix_G729D_16s32s_PX);
+  buildMatrixAnnexD(impulse, matrix, ownToeplizMatrix_G729D_16s32s_PX);
 }
 
 void ownCorrMatrix_G729E_16s_W7(const Zpp16s* impulse, Zpp16s* matrix) {

@@ -6,17 +6,27 @@ using namespace zpp;
 namespace {
 
 struct Row {
-  template <int shift>
+  template <int shift, int length>
   static int improve(Best& best, Zpp16s sum, const Zpp16s* d, Zpp32s offset, const Zpp16s* r, const Zpp32s* energy) {
     int found = -1;
-    for (int j = 0; j < kPositions; ++j) {
+    for (int j = 0; j < length; ++j) {
       const Zpp16s correlation = addSat16(sum, d[j]);
       if (best.improve(mulQ15(correlation, correlation), (offset + 2 * r[j] + energy[j]) >> shift)) found = j;
     }
     return found;
   }
+  template <int shift>
+  static BestOfRows bestOf(int rows, const Zpp16s* sum, const Zpp16s* d, const Zpp32s* offset, const Zpp16s* r,
+                           const Zpp32s* energy) {
+    BestOfRows found;
+    for (int i = 0; i < rows; ++i) {
+      const int j = improve<shift, kPositions>(found.best, sum[i], d, offset[i], r + kPositions * i, energy);
+      if (j >= 0) found.row = i, found.column = j;
+    }
+    return found;
+  }
   static void addTwice(const Zpp32s* src, const Zpp16s* r, Zpp32s* dst) {
-    for (int j = 0; j < kPositions; ++j) dst[j] = src[j] + 2 * r[j];
+    for (int j = 0; j < kLastPositions; ++j) dst[j] = src[j] + 2 * r[j];
   }
   static unsigned above(Zpp16s sum, const Zpp16s* d, Zpp16s threshold) {
     unsigned mask = 0;
