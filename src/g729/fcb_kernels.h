@@ -5,7 +5,12 @@
 #pragma once
 
 #include "core/variants.h"
-#include "g729/fixed_codebook.h"
+
+namespace zpp {
+struct TrackPair;
+struct TrackTerms;
+struct PulsePair;
+}  // namespace zpp
 
 #define ZPP_G729_FCB_KERNELS(KERNEL)                                                                                      \
   KERNEL(ownToeplizMatrix_G729_16s, W7, void(const Zpp16s* impulse, Zpp16s* matrix))                                      \

@@ -6,6 +6,7 @@
 #include "core/checks.h"
 #include "core/kernels.h"
 #include "g729/fcb_kernels.h"
+#include "g729/fixed_codebook.h"
 
 using namespace zpp;
 

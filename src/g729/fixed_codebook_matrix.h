@@ -14,6 +14,7 @@
 
 #include "core/kernels.h"
 #include "g729/fcb_kernels.h"
+#include "g729/fixed_codebook.h"
 
 namespace zpp {
 

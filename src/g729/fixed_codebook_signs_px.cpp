@@ -1,5 +1,6 @@
 // Folding of the target's signs into the correlation matrix: portable kernel.
 #include "g729/fcb_kernels.h"
+#include "g729/fixed_codebook.h"
 
 using namespace zpp;
 

@@ -1,6 +1,7 @@
 // Folding of the target's signs into the correlation matrix: SSE2 kernel.
 #include "core/simd_w7.h"
 #include "g729/fcb_kernels.h"
+#include "g729/fixed_codebook.h"
 
 using namespace zpp;
 
