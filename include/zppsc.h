@@ -526,7 +526,71 @@ ZPPAPI ZppStatus zppsInterpolateC_NR_G729_16s_Sfs(const Zpp16s* src1, Zpp16s wei
 
 /* ---- G.729: pitch analysis and adaptive codebook (clauses 3.4 and 3.7) -------------------------------------------------------------- */
 
-/* ---- G.729: fixed codebook (clause 3.8) ------------------------------------------------------------------------------------------------ */
+/* ---- G.729: fixed codebook (clause 3.8) ------------------------------------------------------------------------------------------------
+ *
+ * Tracks: the 40 samples of a subframe form five tracks of eight positions, track t at samples 5 i + t. Pulses 0 to 2 of the
+ * 17-bit codebook are on tracks 0 to 2, pulse 3 on track 3 or 4.
+ * target of a search, where it is "backward filtered": 40 words, the correlation of the search target with the impulse response
+ *   as zppsCrossCorr_NormM_16s gives it (13 bits and sign). impulse: 40 words, Q12, h[n] of the weighted synthesis filter with
+ *   the pitch sharpening already in it.
+ * matrix: 616 correlations r(p, q) of the impulse response: the diagonals of tracks 0 to 4, 8 entries each, then the blocks of
+ *   tracks 0-1, 0-2, 0-3, 0-4, 1-2, 1-3, 1-4, 2-3, 2-4, 64 each; entry 8 i + j of block a-b is r(5 i + a, 5 j + b).
+ * Nothing is read or written outside the elements named. Where a comment lists no status: zppStsOk, or zppStsNullPointer for a
+ * null pointer.
+ */
+
+/* Correlation matrix of an impulse response (ITU-T G.729 clause 3.8.1).
+ * impulse: 40, in. It is scaled first: with E = sat32(2 * sum of squares), shifted right by 1 if E >> 16 exceeds 32000, else
+ *   left by half the normalisation shift of E.
+ * matrix: 616, out. _16s32s: sums of h[n - p] h[n - q] over n, Q format of the scaled response squared; _16s: the same shifted
+ *   right by 15, truncated. A sum that would exceed 2^30 - 1 saturates there, step by step as in the reference. */
+ZPPAPI ZppStatus zppsToeplizMatrix_G729_16s(const Zpp16s* impulse, Zpp16s* matrix);
+ZPPAPI ZppStatus zppsToeplizMatrix_G729_16s32s(const Zpp16s* impulse, Zpp32s* matrix);
+
+/* As zppsToeplizMatrix_G729_16s32s for the two pulses of Annex D: block 0-2 holds the whole of block 1-1, block 0-4 holds 3-4.
+ * Trusts its arguments. */
+ZPPAPI ZppStatus _zppsToeplizMatrix_G729D_16s32s(const Zpp16s* impulse, Zpp32s* matrix);
+
+/* Focused search for four signed pulses, 17 bits (ITU-T G.729 clause 3.8.1).
+ * target: 40, in, backward filtered.
+ * matrix: 616, in/out. In: from the builder of the same element type. Out: shifted right by 15 (32-bit member only, entries
+ *   saturated to 16 bits), cross blocks multiplied by the signs of their two positions in the reference's Q15 arithmetic; the
+ *   diagonals keep their values.
+ * code: 40, out, Q13: 8191 or -8192 at the pulses, else 0.
+ * codeword: 2, out: [0] bit k set for a positive pulse k; [1] i0 + 8 i1 + 64 i2 + 512 j3 with the position indices i and
+ *   j3 = 2 i + x for pulse 3 at sample 5 i + 3 + x. If no three pulses pass the search's threshold, pulses at samples 0 to 3.
+ * budget: 1, in/out: how many times pulse 3 may still be searched. Subframe 0 starts from 105, any other from the word's value
+ *   + 75, and at least one search is made; what is left is stored.
+ * subframe: 32s16s: 0 or more; 16s: 0 or 1; else zppStsOutOfRange. */
+ZPPAPI ZppStatus zppsFixedCodebookSearch_G729_32s16s(const Zpp16s* target, Zpp32s* matrix, Zpp16s* code, Zpp16s* codeword,
+                                                     Zpp16s* budget, Zpp16s subframe);
+ZPPAPI ZppStatus zppsFixedCodebookSearch_G729_16s(const Zpp16s* target, Zpp16s* matrix, Zpp16s* code, Zpp16s* codeword,
+                                                  Zpp16s* budget, Zpp16s subframe);
+
+/* Depth-first tree search for the same codebook (ITU-T G.729 clause A.3.8.1): 320 candidates, no budget. Arguments as above; the
+ * signs in the matrix are those of Annex A's reference, which differ in the last bits. */
+ZPPAPI ZppStatus zppsFixedCodebookSearch_G729A_32s16s(const Zpp16s* target, Zpp32s* matrix, Zpp16s* code, Zpp16s* codeword);
+ZPPAPI ZppStatus zppsFixedCodebookSearch_G729A_16s(const Zpp16s* target, Zpp16s* matrix, Zpp16s* code, Zpp16s* codeword);
+
+/* Two signed pulses, 11 bits, for 6.4 kbit/s (ITU-T G.729 Annex D, clause D.5).
+ * target: 40, in, backward filtered; impulse: 40, in.
+ * code: 40, out, Q13: +8191 or -8192 a pulse, added where both are on one sample. filtered: 40, out, Q12: the code vector through
+ *   the impulse response.
+ * sign: 1, out: bit 0 the first pulse, bit 1 the second, set when positive.
+ * position: 1, out, 9 bits: Gray code of the first pulse's entry + 16 * that of the second's. Entries number the samples of
+ *   tracks 1 and 3 in ascending order; those of tracks 0, 2 and 4 in ascending order and then those of track 1. */
+ZPPAPI ZppStatus zppsFixedCodebookSearch_G729D_16s(const Zpp16s* target, const Zpp16s* impulse, Zpp16s* code, Zpp16s* filtered,
+                                                   Zpp16s* sign, Zpp16s* position);
+
+/* 10 or 12 signed pulses, 35 or 44 bits, for 11.8 kbit/s (ITU-T G.729 Annex E, clause E.3.8).
+ * mode: 0 the 35-bit codebook, any other value the 44-bit one.
+ * target: 40, in: the search target itself, not backward filtered. residual: 40, in: LP residual less the adaptive-codebook part,
+ *   from which signs are chosen. impulse: 40, in.
+ * code: 40, out, Q12: the sum of pulses of +-4096. filtered: 40, out, Q11: the code vector through the impulse response.
+ * index: 5, out. 35 bits: 7 bits a track. 44 bits: starting track * 1024 + 10 bits of its three pulses, 10 bits of the next
+ *   track's three, 7 bits for each of the other three tracks in turn. */
+ZPPAPI ZppStatus zppsFixedCodebookSearch_G729E_16s(Zpp16s mode, const Zpp16s* target, const Zpp16s* residual,
+                                                   const Zpp16s* impulse, Zpp16s* code, Zpp16s* filtered, Zpp16s* index);
 
 /* ---- G.729: gains (clause 3.9) ------------------------------------------------------------------------------------------------------------ */
 

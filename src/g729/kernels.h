@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/variants.h"
+#include "g729/fcb_kernels.h"
 
 // ---- LP analysis and LSP quantisation ------------------------------------------------------------------------------------
 //

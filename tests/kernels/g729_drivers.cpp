@@ -7,7 +7,12 @@ namespace test {
 
 ZPP_G729_LSP_KERNELS(ZPP_KERNEL_TYPE)
 
-void runG729Kernels(const Options& options, Tally& tally){ZPP_G729_LSP_KERNELS(ZPP_RUN_KERNEL)}
+void runG729FcbKernels(const Options& options, Tally& tally);
+
+void runG729Kernels(const Options& options, Tally& tally) {
+  ZPP_G729_LSP_KERNELS(ZPP_RUN_KERNEL)
+  runG729FcbKernels(options, tally);
+}
 
 // --- LP analysis and LSP quantisation -------------------------------------------------------------------------------------
 // Sizes only repeat the random draws: even ones over the whole range, odd ones in the range of speech.

@@ -81,6 +81,13 @@ class RigBase {
   const T* history(int n, int before) {
     return in<T>(n, std::numeric_limits<T>::lowest(), std::numeric_limits<T>::max(), before);
   }
+  // A source whose content the driver makes itself
+  template <class T, class Make>
+  const T* made(int n, Make make) {
+    T* p = claim<T>(n, 0, false);
+    make(p);
+    return p;
+  }
   template <class T = int>
   T scalar(std::int64_t lowest, std::int64_t highest) {
     return static_cast<T>(random.between(lowest, highest));

@@ -1,0 +1,109 @@
+// Fixed codebook of four signed pulses in 17 bits: the search of the main body with its budget (ITU-T G.729 clause 3.8.1) and
+// that of Annex A (clause A.3.8.1).
+#include "core/checks.h"
+#include "core/kernels.h"
+#include "g729/fcb_kernels.h"
+#include "g729/fixed_codebook.h"
+
+using namespace zpp;
+
+namespace {
+
+// Triples of pulses 0 to 2 beside which pulse 3 may be searched: a subframe's share, and an extra at the start of a frame
+constexpr Zpp16s kBudget = 75, kExtraBudget = 30;
+
+// How promising three pulses must be: the mean correlation and 0.4 of the way from there to the largest possible one, in
+// 16-bit arithmetic.
+Zpp16s pruningThreshold(const Zpp16s* magnitude) {
+  Zpp32s sum = 0;
+  Zpp16s most = 0;
+  for (int track = 0; track < 3; ++track) {
+    const Zpp16s* d = magnitude + kPositions * track;
+    for (int i = 0; i < kPositions; ++i) sum += d[i];
+    most = addSat16(most, ownMax_16s(d, kPositions));
+  }
+  const Zpp16s mean = sat16(sum >> 3);
+  return addSat16(mean, mulQ15(subSat16(most, mean), 13107));
+}
+
+// Code vector and codeword of four pulses; pulse[3] counts 16 positions.
+void writeCode(const SignedTarget& target, const Zpp8u* pulse, Zpp16s* code, Zpp16s* codeword) {
+  ownSet_16s(0, code, kSubframe);
+  Zpp32s signs = 0;
+  for (int n = 0; n < 4; ++n) {
+    const int position = n < 3 ? pulse[n] : pulse[3] / 2, track = n < 3 ? n : 3 + pulse[3] % 2;
+    const bool positive = target.positive(track, position);
+    code[kTracks * position + track] = pulseAmplitude(positive);
+    signs |= positive ? 1 << n : 0;
+  }
+  codeword[0] = static_cast<Zpp16s>(signs);
+  codeword[1] = static_cast<Zpp16s>(pulse[0] + 8 * pulse[1] + 64 * pulse[2] + 512 * pulse[3]);
+}
+
+void searchMainBody(const Zpp16s* target, Zpp16s* matrix, Zpp16s* code, Zpp16s* codeword, Zpp16s* budget, Zpp16s subframe) {
+  const SignedTarget signedTarget(target);
+  ownFoldSigns_G729(signedTarget.sign, kTrackPairs, matrix);
+  Zpp8u pulse[4];
+  const Zpp16s allowed = addSat16(subframe == 0 ? kExtraBudget : *budget, kBudget);
+  const int left =
+      ownFixedCodebookSearch_G729(signedTarget.magnitude, matrix, pruningThreshold(signedTarget.magnitude), allowed, pulse);
+  *budget = sat16(left);
+  writeCode(signedTarget, pulse, code, codeword);
+}
+
+void searchAnnexA(const Zpp16s* target, Zpp16s* matrix, Zpp16s* code, Zpp16s* codeword) {
+  const SignedTarget signedTarget(target);
+  ownFoldSigns_G729A(signedTarget.sign, kTrackPairs, kBlocks, matrix + kDiagonals);
+  Zpp8u pulse[4];
+  ownFixedCodebookSearch_G729A(signedTarget.magnitude, matrix, pulse);
+  writeCode(signedTarget, pulse, code, codeword);
+}
+
+// Runs a search on the 32-bit matrix shifted right by 15. The entries of a matrix built by this library fit 16 bits then, and
+// they still do with the signs folded in.
+template <class Search>
+void onShiftedMatrix(Zpp32s* matrix, Search search) {
+  Zpp16s shifted[kMatrix];
+  ownRShiftC_32s(matrix, matrix, kMatrix, 15);
+  ownConvert_NR_32s16s_Sfs(matrix, shifted, kMatrix, 0);
+  search(shifted);
+  ownConvert_16s32s(shifted, matrix, kMatrix);
+}
+
+void searchMainBody(const Zpp16s* target, Zpp32s* matrix, Zpp16s* code, Zpp16s* codeword, Zpp16s* budget, Zpp16s subframe) {
+  onShiftedMatrix(matrix, [&](Zpp16s* shifted) { searchMainBody(target, shifted, code, codeword, budget, subframe); });
+}
+
+void searchAnnexA(const Zpp16s* target, Zpp32s* matrix, Zpp16s* code, Zpp16s* codeword) {
+  onShiftedMatrix(matrix, [&](Zpp16s* shifted) { searchAnnexA(target, shifted, code, codeword); });
+}
+
+}  // namespace
+
+ZppStatus zppsFixedCodebookSearch_G729_32s16s(const Zpp16s* target, Zpp32s* matrix, Zpp16s* code, Zpp16s* codeword,
+                                              Zpp16s* budget, Zpp16s subframe) {
+  if (anyNull(target, matrix, code, codeword, budget)) return zppStsNullPointer;
+  if (subframe < 0) return zppStsOutOfRange;
+  searchMainBody(target, matrix, code, codeword, budget, subframe);
+  return zppStsOk;
+}
+
+ZppStatus zppsFixedCodebookSearch_G729_16s(const Zpp16s* target, Zpp16s* matrix, Zpp16s* code, Zpp16s* codeword, Zpp16s* budget,
+                                           Zpp16s subframe) {
+  if (anyNull(target, matrix, code, codeword, budget)) return zppStsNullPointer;
+  if (outside<Zpp16s>(subframe, 0, 1)) return zppStsOutOfRange;
+  searchMainBody(target, matrix, code, codeword, budget, subframe);
+  return zppStsOk;
+}
+
+ZppStatus zppsFixedCodebookSearch_G729A_32s16s(const Zpp16s* target, Zpp32s* matrix, Zpp16s* code, Zpp16s* codeword) {
+  if (anyNull(target, matrix, code, codeword)) return zppStsNullPointer;
+  searchAnnexA(target, matrix, code, codeword);
+  return zppStsOk;
+}
+
+ZppStatus zppsFixedCodebookSearch_G729A_16s(const Zpp16s* target, Zpp16s* matrix, Zpp16s* code, Zpp16s* codeword) {
+  if (anyNull(target, matrix, code, codeword)) return zppStsNullPointer;
+  searchAnnexA(target, matrix, code, codeword);
+  return zppStsOk;
+}

@@ -1,0 +1,15 @@
+// Folding of the target's signs into the correlation matrix: portable kernel.
+#include "g729/fcb_kernels.h"
+#include "g729/fixed_codebook.h"
+
+using namespace zpp;
+
+void ownFixedCodebookCorrSign_PX(Zpp16s* cross, const TrackPair* tracks, int blocks, const Zpp16s* sign,
+                                 const Zpp16s* besidePositive, const Zpp16s* besideNegative) {
+  for (int block = 0; block < blocks; ++block)
+    for (int i = 0; i < kPositions; ++i, cross += kPositions) {
+      const bool positive = sign[kPositions * tracks[block].row + i] > 0;
+      const Zpp16s* factor = (positive ? besidePositive : besideNegative) + kPositions * tracks[block].column;
+      for (int j = 0; j < kPositions; ++j) cross[j] = mulQ15(cross[j], factor[j]);
+    }
+}
