@@ -619,7 +619,88 @@ ZPPAPI ZppStatus zppsGainQuant_G729_16s(const Zpp16s* target, const Zpp16s* adap
 ZPPAPI ZppStatus zppsGainQuant_G729D_16s(const Zpp16s* target, const Zpp16s* adaptive, const Zpp16s* code, const Zpp16s* filtered,
                                          Zpp16s* memory, Zpp16s* index, Zpp16s* gain, Zpp16s taming);
 
-/* ---- G.729: postfilter (clause 4.2) --------------------------------------------------------------------------------------------------------- */
+/* ---- G.729: postfilter (clause 4.2) ---------------------------------------------------------------------------------------------------------
+ *
+ * One call a step and subframe of 40 samples. Order of the steps at full rate: residual with the weights 0.55, long-term
+ * postfilter, short-term postfilter, tilt compensation, gain control; in Annex A the tilt compensation comes before the
+ * short-term postfilter. All memories are the caller's. LP coefficients: 11 values, Q12, coef[0] = 4096; "weighted":
+ * coef[i] times 0.55^i (numerator) or 0.7^i (denominator), as the argument says.
+ * Where a comment lists no status: zppStsOk, or zppStsNullPointer for a null pointer.
+ */
+
+/* Long-term postfilter (ITU-T G.729 clause 4.2.1).
+ * gainFactor: Q15, 0..16384; 16384 is the 0.5 of the main body; Annex E takes 8192 for music.
+ * delay: 18..143, integer pitch delay of the frame's first subframe.
+ * residual: 40 samples and 152 before the pointer, which are read. dst: 40, out, the residual itself where the filter is off.
+ * delayOut: one value, out: the delay selected, the next integer above when it is fractional (17..145), 0 where the filter is off.
+ * Status: zppStsOk; zppStsNullPointer; zppStsOutOfRange for the delay, then for the gain factor. */
+ZPPAPI ZppStatus zppsLongTermPostFilter_G729_16s(Zpp16s gainFactor, int delay, const Zpp16s* residual, Zpp16s* dst,
+                                                 Zpp16s* delayOut);
+
+/* Residual and harmonic postfilter (ITU-T G.729 clause A.4.2.1).
+ * delay: 18..145, integer pitch delay of the subframe. speech: 40 samples of the synthesis and 10 before the pointer.
+ * coef: weighted numerator. residual: 194 samples from the pointer on: 154 past ones, of which the last 143 are read, then 40 that
+ * are written. dst: 40, out.
+ * Status: zppStsOk; zppStsNullPointer; zppStsOutOfRange for the delay. */
+ZPPAPI ZppStatus zppsLongTermPostFilter_G729A_16s(Zpp16s delay, const Zpp16s* speech, const Zpp16s* coef, Zpp16s* residual,
+                                                  Zpp16s* dst);
+
+/* Residual and long-term postfilter of the main body with Annex B's frame types.
+ * delay: 0..143; one below 18 counts as 18. speech, residual, dst as above (152 past samples are read); coef: not weighted.
+ * voicing: one value, out: 1 where a delay was selected, else 0.
+ * frameType: 1 active speech; 0 (not transmitted) and 2 (silence descriptor) copy the residual to dst.
+ * Status: zppStsOk; zppStsNullPointer; zppStsOutOfRange for the delay, then for the frame type. */
+ZPPAPI ZppStatus zppsLongTermPostFilter_G729B_16s(Zpp16s delay, const Zpp16s* speech, const Zpp16s* coef, Zpp16s* residual,
+                                                  Zpp16s* dst, Zpp16s* voicing, Zpp16s frameType);
+
+/* The harmonic postfilter alone. Trusts its arguments. delay: 18..145; residual: 40 samples and 143 before the pointer; dst: 40,
+ * out, outside the residual. */
+ZPPAPI ZppStatus _zppsHarmonicPostFilter_G729A_16s(Zpp16s delay, const Zpp16s* residual, Zpp16s* dst);
+
+/* Short-term postfilter (ITU-T G.729 clause 4.2.2): scales the residual and filters it by 1/A(z/0.7).
+ * coef: not weighted. residual: 40. dst: 40, in/out, with the 10 last outputs before the pointer, in. Where the response needs no
+ * scaling dst is not taken from the residual but filtered in place: pass the residual in dst, or as both.
+ * impulse: 20, out, Q12: response of A(z/0.55) / A(z/0.7).
+ * Status: zppStsOk; zppStsNullPointer; zppStsOverflowWarn when an output was clamped, with all outputs written. */
+ZPPAPI ZppStatus zppsShortTermPostFilter_G729_16s(const Zpp16s* coef, const Zpp16s* residual, Zpp16s* dst, Zpp16s* impulse);
+
+/* 1/A(z/0.7) alone (ITU-T G.729 clause A.4.2.2). coef: weighted denominator. src: 40, may be dst. dst: 40, out, with the 10 last
+ * outputs before the pointer, in. Status as above. */
+ZPPAPI ZppStatus zppsShortTermPostFilter_G729A_16s(const Zpp16s* coef, const Zpp16s* src, Zpp16s* dst);
+
+/* Tilt compensation (ITU-T G.729 clause 4.2.3). Both members use the same arithmetic; Annex E forms the tilt from a longer response.
+ * tilt: Q15, first reflection coefficient of the impulse response, -r(1)/r(0): negative for a low-pass response.
+ * srcDst: 40, in/out. memory: one value, in/out: the last input sample of the subframe before, then of this one; 0 at the start. */
+ZPPAPI ZppStatus zppsTiltCompensation_G729_16s(Zpp16s tilt, Zpp16s* srcDst, Zpp16s* memory);
+ZPPAPI ZppStatus zppsTiltCompensation_G729E_16s(Zpp16s tilt, Zpp16s* srcDst, Zpp16s* memory);
+
+/* Tilt compensation (ITU-T G.729 clause A.4.2.3).
+ * coef: 22: weighted numerator, then weighted denominator. srcDst: 40, in/out; srcDst[-1], in/out: the last input sample of the
+ * subframe before, then of this one. */
+ZPPAPI ZppStatus zppsTiltCompensation_G729A_16s(const Zpp16s* coef, Zpp16s* srcDst);
+
+/* dst[n] = src[n] - factor * src[n-1], factor Q15, product truncated, both saturated (ITU-T G.729 clause A.4.2.3).
+ * memory: one value, in/out: src[-1], then the last sample of src.
+ * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len below 1. */
+ZPPAPI ZppStatus zppsPreemphasize_G729A_16s(const Zpp16s* src, Zpp16s* dst, int len, Zpp16s factor, Zpp16s* memory);
+ZPPAPI ZppStatus zppsPreemphasize_G729A_16s_I(Zpp16s* srcDst, int len, Zpp16s factor, Zpp16s* memory);
+
+/* Adaptive gain control (ITU-T G.729 clauses 4.2.4 and A.4.2.4).
+ * src: 40 samples before the postfilter. srcDst: 40 postfiltered samples, in/out.
+ * gain: one value, in/out: the running gain; full rate Q14, 16384 at the start, Annex A Q12, 4096 at the start. It becomes 0, and
+ * srcDst stays, for a silent srcDst (full rate: unless src is silent as well, where the gain decays). */
+ZPPAPI ZppStatus zppsGainControl_G729_16s_I(const Zpp16s* src, Zpp16s* srcDst, Zpp16s* gain);
+ZPPAPI ZppStatus zppsGainControl_G729A_16s_I(const Zpp16s* src, Zpp16s* srcDst, Zpp16s* gain);
+
+/* Phase dispersion of the excitation at 6.4 kbit/s (ITU-T G.729 Annex D, clause D.6).
+ * state: a block of the size that zppsPhaseDispersionGetStateSize_G729D_16s tells, any alignment. Update keeps it current in
+ * subframes of the other rates.
+ * excitation: 40 samples, Q0; code: 40, code vector with pitch sharpening, Q13; dst: 40, out, may be the excitation.
+ * codeGain: Q1; pitchGain: Q14. */
+ZPPAPI ZppStatus zppsPhaseDispersionInit_G729D_16s(void* state);
+ZPPAPI ZppStatus zppsPhaseDispersionUpdate_G729D_16s(Zpp16s pitchGain, Zpp16s codeGain, void* state);
+ZPPAPI ZppStatus zppsPhaseDispersion_G729D_16s(const Zpp16s* excitation, const Zpp16s* code, Zpp16s* dst, Zpp16s codeGain,
+                                               Zpp16s pitchGain, void* state);
 
 /* ---- G.723.1 ---------------------------------------------------------------------------------------------------------------------
  *

@@ -1,0 +1,54 @@
+// The kernels of the G.729 postfilter (clause 4.2, Annexes A, D and E). Arguments are trusted. A subframe has 40 samples.
+#pragma once
+
+#include "core/variants.h"
+
+inline constexpr int kPostfilterSubframe = 40;
+inline constexpr int kPostfilterHistory =
+    152;  // samples of the residual before the subframe that the long-term postfilter uses
+inline constexpr int kPostfilterHistoryAnnexAB = 154;  // samples before the subframe in the residual buffers of Annexes A and B
+
+// A signal y against the residual c: y delayed by an integer less phase/8
+struct DelayedMatch {
+  Zpp32s correlation;  // 2 * sum of c[n] * y[n]
+  Zpp32s energy;       // 2 * sum of y[n]^2
+  bool operator==(const DelayedMatch&) const = default;
+};
+
+// ownNormaliseResidual_G729_16s: scaled = the 192 samples from residual[-152] on, shifted right by the result, -12..3, so that
+//   the OR of their magnitudes has 12 bits; 3 for silence.
+// ownMatchFractions_G729_16s: for each phase 1..7 the match of c[0..39] with c delayed by delay + 1 - phase/8, then by
+//   delay - phase/8. c within +-4096, which rules out overflow; 146 samples before it; delay 17..144.
+// ownInterpolate_G729_16s: dst[n] = the rounded sum of filter[i] * src[n - i], i = 0..taps-1, for 40 samples; taps 4 or 16;
+//   src within +-4096 and the filter a row of an interpolation table, which rules out overflow.
+// ownHarmonicFilter_G729_16s: dst = (x * gainX + y * gainY + 16384) >> 15; gains not negative, their sum 32768.
+// ownHarmonicFilter_G729A_16s: dst = x * gainX >> 15 plus y * gainY >> 15, saturated; gains not negative.
+// ownTiltFilter_G729_16s: srcDst[n] = the low 16 bits of (srcDst[n] + factor * srcDst[n - 1] / 2^14), rounded, times gain /
+// 2^shift,
+//   rounded and saturated; shift 11 or 14; all samples on the right are inputs; factor within +-16384.
+// ownPreemphasize_G729A_16s: dst[n] = src[n] - (factor * src[n - 1] >> 15), saturated both times, src[-1] being `previous`; dst
+// may be
+//   src.
+// ownMagnitudeSum_16s: sum of the magnitudes of 40 samples, 32768 counting as 32767.
+// ownEnergy_G729A_16s: 2 * sum of (src[n] >> 2)^2 over 40 samples, saturated.
+// ownApplyGain_G729A_16s: srcDst[n] = srcDst[n] * gain[n] >> 12, saturated, 40 samples.
+// ownConvolveCircular_G729D_16s: dst[n] = the sum of code[p] * response[(n - p) mod 40] >> 15, p ascending, saturated after
+// each;
+//   response above -32768.
+#define ZPP_G729_POSTFILTER_KERNELS(KERNEL)                                                                                \
+  KERNEL(ownNormaliseResidual_G729_16s, W7, int(const Zpp16s* residual, Zpp16s* scaled))                                   \
+  KERNEL(ownMatchFractions_G729_16s, W7, void(const Zpp16s* c, int delay, DelayedMatch(*match)[2]))                        \
+  KERNEL(ownInterpolate_G729_16s, W7, void(const Zpp16s* src, const Zpp16s* filter, int taps, Zpp16s* dst))                \
+  KERNEL(ownHarmonicFilter_G729_16s, W7, void(const Zpp16s* x, const Zpp16s* y, Zpp16s gainX, Zpp16s gainY, Zpp16s* dst))  \
+  KERNEL(ownHarmonicFilter_G729A_16s, W7, void(const Zpp16s* x, const Zpp16s* y, Zpp16s gainX, Zpp16s gainY, Zpp16s* dst)) \
+  KERNEL(ownTiltFilter_G729_16s, W7, void(Zpp16s * srcDst, Zpp16s previous, Zpp16s factor, Zpp16s gain, int shift))        \
+  KERNEL(ownPreemphasize_G729A_16s, W7, void(const Zpp16s* src, Zpp16s* dst, int len, Zpp16s factor, Zpp16s previous))     \
+  KERNEL(ownMagnitudeSum_16s, W7, Zpp32s(const Zpp16s* src))                                                               \
+  KERNEL(ownEnergy_G729A_16s, W7, Zpp32s(const Zpp16s* src))                                                               \
+  KERNEL(ownApplyGain_G729A_16s, W7, void(const Zpp16s* gain, Zpp16s* srcDst))                                             \
+  KERNEL(ownConvolveCircular_G729D_16s, W7, void(const Zpp16s* code, const Zpp16s* response, Zpp16s* dst))
+
+ZPP_G729_POSTFILTER_KERNELS(ZPP_DECLARE_KERNEL)
+
+// The full-rate long-term postfilter; the delay selected, 0 when it is off. delay: 18..143, gainFactor: Q15, 0..16384
+int ownLongTermPostFilter_G729_16s(Zpp16s gainFactor, int delay, const Zpp16s* residual, Zpp16s* dst);
