@@ -5,26 +5,27 @@
 namespace codecs::g7221 {
 namespace {
 
-// Follows a decoding tree to a leaf; none if the bits end first. Codes have at most 16 bits.
+// Follows a decoding tree from the given node to a leaf, which `length` bits have not reached yet; none if the bits end first.
+// Codes have at most 16 bits.
 template <class Entry>
-std::optional<int> decodeSymbol(const Entry* tree, BitReader& reader) {
-  unsigned window = reader.peek16();
-  int node = 0, length = 0;
-  do {
-    node = tree[2 * node + (window >> 15 & 1)];
-    window <<= 1;
-    ++length;
-  } while (node > 0);
+std::optional<int> decodeSymbol(const Entry* nodes, BitReader& reader, int node, int length) {
+  for (const unsigned window = reader.peek16(); node > 0 || length == 0; ++length)
+    node = nodes[2 * node + (window >> (15 - length) & 1)];
   const bool complete = length <= reader.left();
   reader.skip(complete ? length : reader.left());
   return complete ? std::optional(-node) : std::nullopt;
+}
+
+std::optional<int> decodeVector(const VectorTree& tree, BitReader& reader) {
+  const auto [node, bits] = tree.shortcuts[reader.peek16() >> 8];
+  return decodeSymbol(tree.nodes, reader, node, bits);
 }
 
 // The region powers (clause 4.1); a frame's bits always suffice for them.
 Powers decodePowers(BitReader& reader) {
   Powers powers;
   powers[0] = reader.bits(5) - 7;
-  for (int r = 1; r < kRegions; ++r) powers[r] = powers[r - 1] + decodeSymbol(powerTrees[r], reader).value() - 12;
+  for (int r = 1; r < kRegions; ++r) powers[r] = powers[r - 1] + decodeSymbol(powerTrees[r], reader, 0, 0).value() - 12;
   return powers;
 }
 
@@ -49,7 +50,7 @@ int blockShift(const Powers& powers) {
 template <int category, int dimension, int levels>
 bool decodeVectors(BitReader& reader, int deviation, std::span<Zpp16s, kRegionSize> region) {
   for (int n = 0; n < kRegionSize; n += dimension) {
-    const auto index = decodeSymbol(vectorTrees[category], reader);
+    const auto index = decodeVector(vectorTrees[category], reader);
     if (!index) return false;
     std::array<int, dimension> vector;
     int nonzero = 0;

@@ -3,7 +3,7 @@
 namespace codecs::g7221 {
 namespace {
 
-const std::int16_t vectorTree0[] = {
+constexpr std::int16_t vectorTree0[] = {
     1,    0,    2,    3,    4,    5,    6,    7,    8,    9,    -1,   -14,  10,   11,   12,   13,   14,   15,   16,   17,
     18,   19,   -15,  20,   21,   22,   23,   -28,  24,   -2,   25,   26,   27,   28,   29,   30,   31,   32,   -29,  33,
     -16,  34,   -3,   35,   36,   37,   -42,  38,   39,   40,   41,   42,   43,   44,   -17,  45,   -43,  46,   47,   48,
@@ -24,7 +24,7 @@ const std::int16_t vectorTree0[] = {
     -162, -163, -97,  -175, -188, 176,  177,  178,  179,  -111, -151, -124, -137, -177, -176, -125, -164, -138, -189, -190,
 };
 
-const std::int16_t vectorTree1[] = {
+constexpr std::int16_t vectorTree1[] = {
     1,   0,   2,   3,   4,   5,   6,   7,   8,   -10, -1,  9,   10,  11,  12,  13,  -11, 14,  15,  16,  17,  18,  -20, -2,
     19,  20,  -21, 21,  22,  23,  -12, 24,  25,  26,  27,  28,  29,  30,  -30, 31,  -31, -3,  32,  -22, 33,  -13, 34,  35,
     36,  37,  38,  39,  40,  -4,  -41, -14, 41,  -40, -32, 42,  43,  -23, 44,  45,  46,  47,  48,  -5,  -51, -50, -42, 49,
@@ -35,14 +35,14 @@ const std::int16_t vectorTree1[] = {
     -58, 87,  88,  -49, -94, 89,  90,  -68, 91,  -78, -86, -59, -77, -95, 92,  -69, -87, -96,
 };
 
-const std::int16_t vectorTree2[] = {
+constexpr std::int16_t vectorTree2[] = {
     1,   0,   2,   3,   4,  5,   6,   -7,  -1,  7,   -8,  8,   9,  10,  11,  12,  13, -14, -15, -9,  -2,  14,  15,  16,
     17,  18,  19,  -16, 20, -22, -10, 21,  -21, -3,  22,  23,  24, 25,  -23, -17, 26, 27,  28,  -29, -11, -28, 29,  30,
     -4,  -24, -30, 31,  32, -18, 33,  -35, -36, 34,  -31, -12, 35, -25, -5,  -37, 36, 37,  -42, 38,  -19, -43, -32, 39,
     -13, -38, -26, -20, 40, -6,  -44, 41,  42,  -39, -33, -45, 43, -27, 44,  -46, 45, -34, -40, 46,  -41, -47,
 };
 
-const std::int16_t vectorTree3[] = {
+constexpr std::int16_t vectorTree3[] = {
     1,    2,    3,    4,    5,    0,    6,    7,    8,    9,    10,   11,   12,   13,   14,   15,   16,   17,   -125, 18,
     -1,   19,   20,   21,   22,   23,   24,   25,   -5,   -25,  26,   27,   -6,   -150, 28,   29,   30,   31,   32,   33,
     34,   -30,  35,   36,   37,   38,   39,   -31,  -126, -155, 40,   41,   -156, 42,   43,   -130, 44,   -131, -151, -26,
@@ -97,7 +97,7 @@ const std::int16_t vectorTree3[] = {
     -567, -575, -576, -577, -578, -580, -581, -582, -583, -585, -586, -587, -590, -591, -600, -601, -605, -606,
 };
 
-const std::int16_t vectorTree4[] = {
+constexpr std::int16_t vectorTree4[] = {
     1,    2,    3,    0,    4,    5,    6,    7,    8,    9,    10,   11,   12,   -64,  -1,   13,   14,   -16,  -4,   15,
     16,   17,   18,   -80,  -5,   19,   20,   21,   -20,  22,   23,   -65,  -84,  -21,  -68,  24,   -17,  25,   26,   27,
     28,   -81,  -69,  -85,  29,   30,   31,   32,   -128, 33,   34,   35,   -2,   36,   37,   38,   -144, 39,   40,   -6,
@@ -121,7 +121,7 @@ const std::int16_t vectorTree4[] = {
     -217, -218, -220, -221, -50,  -138, -226, -139, -140, -230, -232, -233, -240, -241, -244, -245,
 };
 
-const std::int16_t vectorTree5[] = {
+constexpr std::int16_t vectorTree5[] = {
     1,    2,    0,    3,    4,    5,    6,    7,    8,    9,    10,   11,   -81,  -1,   12,   13,   14,   -27,  -3,   -9,
     15,   16,   17,   18,   19,   20,   -108, 21,   -4,   22,   23,   -36,  -12,  24,   -82,  25,   26,   -84,  27,   -90,
     -10,  -30,  28,   29,   30,   -28,  31,   -117, -13,  32,   -39,  33,   34,   -109, 35,   -93,  -85,  -111, -37,  36,
@@ -144,11 +144,23 @@ const std::int16_t vectorTree5[] = {
     -228, -229,
 };
 
-const std::int16_t vectorTree6[] = {
+constexpr std::int16_t vectorTree6[] = {
     1,  0,  2,   3,   4,   5,   6,  7,   8,   -16, -1,  -8,  -2, -4,  9,   10, 11,  12,  13,  14,  15,
     16, 17, -24, -3,  -12, -6,  18, 19,  -20, -10, -5,  -17, -9, -18, 20,  21, 22,  23,  24,  25,  -28,
     26, -7, -14, -22, -26, -11, 27, -19, -25, -13, -21, 28,  29, -30, -27, 30, -15, -29, -23, -31,
 };
+
+constexpr VectorTree withShortcuts(const std::int16_t* nodes) {
+  VectorTree tree{nodes, {}};
+  for (unsigned octet = 0; octet < 256; ++octet) {
+    VectorTree::Entry& entry = tree.shortcuts[octet];
+    do {
+      entry.node = nodes[2 * entry.node + (octet >> (7 - entry.bits) & 1)];
+      ++entry.bits;
+    } while (entry.node > 0 && entry.bits < 8);
+  }
+  return tree;
+}
 
 }  // namespace
 
@@ -243,7 +255,8 @@ const std::int16_t noiseFactors[3] = {
     23170,
 };
 
-const std::int16_t* const vectorTrees[7] = {vectorTree0, vectorTree1, vectorTree2, vectorTree3,
-                                            vectorTree4, vectorTree5, vectorTree6};
+constexpr VectorTree vectorTrees[7] = {withShortcuts(vectorTree0), withShortcuts(vectorTree1), withShortcuts(vectorTree2),
+                                       withShortcuts(vectorTree3), withShortcuts(vectorTree4), withShortcuts(vectorTree5),
+                                       withShortcuts(vectorTree6)};
 
 }  // namespace codecs::g7221

@@ -2,6 +2,7 @@
 #ifndef ZPPSC_EXAMPLES_G7221_TABLES_H
 #define ZPPSC_EXAMPLES_G7221_TABLES_H
 
+#include <array>
 #include <cstdint>
 
 namespace codecs::g7221 {
@@ -15,8 +16,17 @@ extern const std::uint16_t powerCodes[kRegions][24];
 // Decoding trees: 23 nodes of two entries, one for each value of the next bit. A positive entry is the next node, others are
 // leaves, minus the decoded value.
 extern const std::int8_t powerTrees[kRegions][46];
-// Trees of the vector codes, by category, as above: the decoded value is the vector index.
-extern const std::int16_t* const vectorTrees[7];
+// Trees of the vector codes, by category, as above: the decoded value is the vector index. Where the next eight bits lead is
+// looked up: to a leaf by `bits` of them, or to a node by all eight.
+struct VectorTree {
+  struct Entry {
+    std::int16_t node;
+    std::uint8_t bits;
+  };
+  const std::int16_t* nodes;
+  std::array<Entry, 256> shortcuts;
+};
+extern const VectorTree vectorTrees[7];
 
 // Bits that a region takes on average, by category
 extern const std::uint8_t expectedBits[8];
