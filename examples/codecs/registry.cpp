@@ -1,5 +1,6 @@
 #include "codec.h"
 #include "g711.h"
+#include "g7221.h"
 #include "g726.h"
 
 namespace codecs {
@@ -21,6 +22,7 @@ std::unique_ptr<Decoder> decoder(std::string_view framing) {
 const std::vector<Codec>& registry() {
   static const std::vector<std::string_view> octets = {"octets"};
   static const std::vector<std::string_view> adpcm = {"rfc3551", "aal2", "codes"};
+  static const std::vector<std::string_view> transform = {"packed", "rfc5577", "itu"};
   static const std::vector<Codec> rows = {
       // name, bit rate, Hz, samples a frame, delay, framings, factories
       {"g711-mulaw", "64 kbit/s", 8000, 1, 0, octets, encoder<G711Encoder, Law::mu>, decoder<G711Decoder, Law::mu>},
@@ -29,6 +31,8 @@ const std::vector<Codec>& registry() {
       {"g726-24", "24 kbit/s", 8000, g726Group(3), 0, adpcm, encoder<G726Encoder, 3>, decoder<G726Decoder, 3>},
       {"g726-32", "32 kbit/s", 8000, g726Group(4), 0, adpcm, encoder<G726Encoder, 4>, decoder<G726Decoder, 4>},
       {"g726-40", "40 kbit/s", 8000, g726Group(5), 0, adpcm, encoder<G726Encoder, 5>, decoder<G726Decoder, 5>},
+      {"g722.1-24", "24 kbit/s", 16000, 320, 320, transform, encoder<G7221Encoder, 24000>, decoder<G7221Decoder, 24000>},
+      {"g722.1-32", "32 kbit/s", 16000, 320, 320, transform, encoder<G7221Encoder, 32000>, decoder<G7221Decoder, 32000>},
   };
   return rows;
 }

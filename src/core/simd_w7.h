@@ -24,6 +24,12 @@ inline V loadFirst(const Zpp16s* p, int n) {
   return _mm_load_si128(reinterpret_cast<const V*>(lanes));
 }
 
+// Eight 16-bit lanes in reverse order
+inline V reversed(V v) {
+  v = _mm_shufflehi_epi16(_mm_shufflelo_epi16(v, _MM_SHUFFLE(0, 1, 2, 3)), _MM_SHUFFLE(0, 1, 2, 3));
+  return _mm_shuffle_epi32(v, _MM_SHUFFLE(1, 0, 3, 2));
+}
+
 // Sign-extended low and high halves of eight 16-bit lanes
 inline V widenLow(V v) { return _mm_srai_epi32(_mm_unpacklo_epi16(v, v), 16); }
 inline V widenHigh(V v) { return _mm_srai_epi32(_mm_unpackhi_epi16(v, v), 16); }
