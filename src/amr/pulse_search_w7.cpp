@@ -59,7 +59,7 @@ void addPulse(Candidates& c, int first, const Zpp16s* corr, const Zpp16s* diagon
       energyHigh = _mm_add_epi32(energyHigh, _mm_madd_epi16(_mm_unpackhi_epi16(row1, row2), innerWeights));
     }
     const V energy = _mm_packs_epi32(_mm_srai_epi32(energyLow, 15), _mm_srai_epi32(energyHigh, 15));
-    const V sum = _mm_adds_epi16(_mm_set1_epi16(c.sum[i]), ofTrack), square = mulQ15(sum, sum);
+    const V sum = _mm_adds_epi16(_mm_set1_epi16(c.sum[i]), ofTrack), square = mulWrapQ15(sum, sum);
     smallest = _mm_min_epi16(smallest, energy);
     low[i] = pairsLow(square, energy);
     high[i] = pairsHigh(square, energy);
@@ -247,7 +247,7 @@ BestPair bestPair(const PairSearch& search, const Zpp16s* diagonal, const Placed
       const V energy = _mm_packs_epi32(_mm_srai_epi32(energyLow, 15), _mm_srai_epi32(energyHigh, 15));
       smallest = _mm_min_epi16(smallest, energy);
       const V sum = _mm_adds_epi16(_mm_set1_epi16(sum1[i]), ofTrack);
-      const V wrapped = mulQ15(sum, sum), square = _mm_add_epi16(wrapped, _mm_srai_epi16(wrapped, 15));
+      const V wrapped = mulWrapQ15(sum, sum), square = _mm_add_epi16(wrapped, _mm_srai_epi16(wrapped, 15));
       const V negated = _mm_sub_epi16(zero, square);
       const V betterLow = _mm_cmpgt_epi32(_mm_madd_epi16(low, pairsLow(square, energy)), zero);
       const V betterHigh = _mm_cmpgt_epi32(_mm_madd_epi16(high, pairsHigh(square, energy)), zero);
