@@ -132,10 +132,8 @@ LagMax ownAutoCorrLagMax_Inv_16s_W7(const Zpp16s* src, int len, int minLag, int 
 
 bool ownDotProd_G729A_16s32s_W7(const Zpp16s* src1, const Zpp16s* src2, int len, Zpp32s* dp) {
   if (len < 8) return ownDotProd_G729A_16s32s_PX(src1, src2, len, dp);
-  // Sum and energies of the even samples. The energies, in units of 256, round each square up; 2^30 / 256 a sample fits a lane
-  // for 2^9 steps.
-  constexpr int kMost = 8 << 9;
-  if (len > kMost) return ownDotProd_G729A_16s32s_PX(src1, src2, len, dp);
+  // Sum and energies of the even samples. A square counts at most 2^22 in units of 256: 512 of them fit 32 bits.
+  if (len > 1024) return ownDotProd_G729A_16s32s_PX(src1, src2, len, dp);
   const V even = _mm_set1_epi32(0xffff);
   V sum = _mm_setzero_si128(), energy1 = sum, energy2 = sum;
   const auto add = [&](V x, V y) {
@@ -146,7 +144,7 @@ bool ownDotProd_G729A_16s32s_W7(const Zpp16s* src1, const Zpp16s* src2, int len,
   int n = 0;
   for (; n + 8 <= len; n += 8) add(_mm_and_si128(load(src1 + n), even), _mm_and_si128(load(src2 + n), even));
   if (n < len) add(_mm_and_si128(loadFirst(src1 + n, len - n), even), _mm_and_si128(loadFirst(src2 + n, len - n), even));
-  const auto total = [len](V lanes) { return Zpp64s{static_cast<Zpp32u>(sumLanes32(lanes))} + len; };
+  const auto total = [len](V lanes) { return Zpp64s{static_cast<Zpp32u>(sumLanes32(lanes))} + len; };  // each rounded up
   // Energies whose product is at most 2^60 keep every partial sum within 2^30: no doubled sum, and no doubled product,
   // saturates (a square of -32768 on both sides makes 2^60, and its rounding more).
   const Zpp64s bound1 = total(energy1), bound2 = total(energy2);

@@ -177,6 +177,11 @@ TEST(DotProductOfEvenSamples, SaturatesAtEachStep) {
   a[2] = -32768, b[2] = 32767, a[4] = 0;
   EXPECT_EQ(zppsDotProd_G729A_16s32s(a.data(), b.data(), 10, &dp), zppStsOverflowWarn);
   EXPECT_EQ(dp, INT32_MIN);
+  for (const int len : {1000, 1024, 2048, 4096}) {  // energies far beyond 32 bits
+    const V16 loud(static_cast<std::size_t>(len), -32768);
+    EXPECT_EQ(zppsDotProd_G729A_16s32s(loud.data(), loud.data(), len, &dp), zppStsOverflowWarn) << len;
+    EXPECT_EQ(dp, INT32_MAX);
+  }
 }
 
 TEST(HarmonicFilter, FeedsChangedSamplesBack) {
