@@ -22,7 +22,7 @@ if(_default STREQUAL px)
   set(ZPPSC_FLAGS_px "")
 elseif(CMAKE_SIZEOF_VOID_P EQUAL 4)
   # Callers built for the old i386 ABI enter with the stack aligned to 4 bytes: realign it wherever SSE needs more.
-  set(ZPPSC_FLAGS_px -march=i686 -mtune=generic -mstackrealign)
+  set(ZPPSC_FLAGS_px -march=i686 -mtune=generic -mstackrealign $<$<CXX_COMPILER_ID:Clang>:-mstack-alignment=4>)
   set(ZPPSC_FLAGS_a6 ${ZPPSC_FLAGS_px} -msse -mfpmath=sse -mno-sse2)
   set(ZPPSC_FLAGS_w7 ${ZPPSC_FLAGS_px} -msse2 -mfpmath=sse -mno-sse3)
   set(ZPPSC_FLAGS_t7 ${ZPPSC_FLAGS_px} -msse3 -mfpmath=sse -mno-ssse3)
