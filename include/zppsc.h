@@ -760,8 +760,8 @@ ZPPAPI ZppStatus zppsLSFToLPC_G723_16s_I(Zpp16s* lsfLpc);
  * rate: ZPP_RATE_5300 or ZPP_RATE_6300.
  * Status, in the order of checks: zppStsNullPointer; zppStsBadCodedParam for offset, lag or gainIndex; zppStsOutOfRange for
  *   the rate; zppStsBadCodedParam for a gainIndex above 85 where the rate and lag have the small codebook. */
-ZPPAPI ZppStatus zppsDecodeAdaptiveVector_G723_16s(Zpp16s lag, Zpp16s offset, Zpp16s gainIndex, const Zpp16s* history, Zpp16s* dst,
-                                                   ZppSpeechRate rate);
+ZPPAPI ZppStatus zppsDecodeAdaptiveVector_G723_16s(Zpp16s lag, Zpp16s offset, Zpp16s gainIndex, const Zpp16s* history,
+                                                   Zpp16s* dst, ZppSpeechRate rate);
 
 /* The samples that the filter takes: work (64) = two samples, then the last `delay` (1..145) samples of history (145) repeated.
  * Samples before the history count as zero. Returns zppStsOk. */
