@@ -118,7 +118,7 @@ std::optional<FrameDecoder::Spectrum> FrameDecoder::decodeSpectrum(std::span<con
   const int control = reader.bits(4);
   const Categorisation categorisation = categorise(powers, reader.left());
   Categories categories = categorisation.richest;
-  for (int j = 0; j < control; ++j) raise(categories[categorisation.cheapened[j]]);
+  for (int j = 0; j < control; ++j) coarsen(categories[categorisation.cheapened[j]]);
 
   Spectrum spectrum;
   spectrum.shift = blockShift(powers);
