@@ -25,8 +25,8 @@ int findOffset(const Powers& powers, int bits) {
   return offset;
 }
 
-// In the envelope of a damaged frame no region may qualify for a change; the first then stands in.
-constexpr int kNobody = 0;
+// The powers of a damaged frame may leave no region that qualifies for a change; the first then stands in.
+constexpr int kStandIn = 0;
 
 }  // namespace
 
@@ -36,14 +36,14 @@ Categorisation categorise(const Powers& powers, int bits) {
   Categories rich = categoriesAt(offset, powers), poor = rich;
   int richBits = bitsOf(rich), poorBits = richBits;
 
-  // Regions are raised at the rich end or lowered at the poor end, whichever keeps both around the number of bits. The list
-  // of regions grows at both of its ends: from the richest categorisation on, they are lowered in its order.
+  // One region after the other is refined in the rich categorisation or coarsened in the poor one, whichever keeps both around
+  // the number of bits. The list grows at both ends, so that in its order the rich one turns into the poor one.
   constexpr int kChanges = kCategorisations - 1;
   std::array<int, 2 * kChanges> list{};
   int begin = kChanges, end = kChanges;
   const auto surplus = [&](int r, const Categories& categories) { return offset - powers[r] - 2 * categories[r]; };
   while (end - begin < kChanges) {
-    int chosen = kNobody;
+    int chosen = kStandIn;
     if (richBits + poorBits <= 2 * bits) {
       int least = 99;
       for (int r = 0; r < kRegions; ++r) {
@@ -52,7 +52,7 @@ Categorisation categorise(const Powers& powers, int bits) {
         chosen = r;
       }
       richBits -= expectedBits[rich[chosen]];
-      lower(rich[chosen]);
+      refine(rich[chosen]);
       richBits += expectedBits[rich[chosen]];
       list[--begin] = chosen;
     } else {
@@ -63,7 +63,7 @@ Categorisation categorise(const Powers& powers, int bits) {
         chosen = r;
       }
       poorBits -= expectedBits[poor[chosen]];
-      raise(poor[chosen]);
+      coarsen(poor[chosen]);
       poorBits += expectedBits[poor[chosen]];
       list[end++] = chosen;
     }

@@ -20,8 +20,8 @@ using Powers = std::array<int, kRegions>;      // power indices
 using Categories = std::array<int, kRegions>;  // 0, the finest quantiser, to 7
 
 // One step towards fewer bits, or more; damaged frames may ask for steps beyond the range.
-inline void raise(int& category) { category = std::min(category + 1, kNoiseCategory); }
-inline void lower(int& category) { category = std::max(category - 1, 0); }
+inline void coarsen(int& category) { category = std::min(category + 1, kNoiseCategory); }
+inline void refine(int& category) { category = std::max(category - 1, 0); }
 
 struct Categorisation {
   Categories richest;  // the categorisation that needs most bits

@@ -5,6 +5,9 @@
 namespace codecs::g7221 {
 namespace {
 
+// 1 where the lowest bit is set, else -1
+int plusOrMinus(int bits) { return 2 * (bits & 1) - 1; }
+
 // Follows a decoding tree from the given node to a leaf, which `length` bits have not reached yet; none if the bits end first.
 // Codes have at most 16 bits.
 template <class Entry>
@@ -59,12 +62,13 @@ bool decodeVectors(BitReader& reader, int deviation, std::span<Zpp16s, kRegionSi
       nonzero += vector[i] != 0;
     }
     if (reader.left() < nonzero) return false;
-    // A value too small for the region's deviation is 0 and leaves its sign bit to the next.
+    // A value too small for the region's deviation is 0 and leaves its sign bit to the next. Signs are as good as random: they
+    // are better multiplied than branched upon.
     const int signs = reader.bits(nonzero);
     for (int i = 0, unused = nonzero; i < dimension; ++i) {
       const int value = deviation * centroids[category][vector[i]] >> 12;
-      const bool negative = value != 0 && (signs >> --unused & 1) == 0;
-      region[n + i] = static_cast<Zpp16s>(negative ? -value : value);
+      unused -= value != 0;
+      region[n + i] = static_cast<Zpp16s>(value * plusOrMinus(signs >> unused));
     }
   }
   return true;
@@ -89,11 +93,11 @@ bool isSound(BitReader& reader, bool complete, int control, const Powers& powers
 
 }  // namespace
 
-unsigned FrameDecoder::Noise::next() {
+int FrameDecoder::Noise::next() {
   auto value = static_cast<Zpp16s>(seeds_[0] + seeds_[3]);
   if (value < 0) ++value;
   seeds_ = {value, seeds_[0], seeds_[1], seeds_[2]};
-  return static_cast<Zpp16u>(value);
+  return value;
 }
 
 // Noise stands in for the coefficients of the coarse categories that were quantised to 0, and for all of category 7
@@ -102,10 +106,10 @@ void FrameDecoder::fillWithNoise(Region region, int category, int deviation) {
   if (category < 5) return;
   const auto amplitude = static_cast<Zpp16s>(deviation * noiseFactors[category - 5] >> 15);
   for (int half = 0; half < kRegionSize; half += kRegionSize / 2) {
-    unsigned signs = noise_.next();
+    int signs = noise_.next();
     for (Zpp16s& c : region.subspan(half, kRegionSize / 2)) {
       if (category != kNoiseCategory && c != 0) continue;
-      c = static_cast<Zpp16s>(signs & 1 ? amplitude : -amplitude);
+      c = static_cast<Zpp16s>(amplitude * plusOrMinus(signs));
       signs >>= 1;
     }
   }
@@ -118,7 +122,7 @@ std::optional<FrameDecoder::Spectrum> FrameDecoder::decodeSpectrum(std::span<con
   const int control = reader.bits(4);
   const Categorisation categorisation = categorise(powers, reader.left());
   Categories categories = categorisation.richest;
-  for (int j = 0; j < control; ++j) raise(categories[categorisation.cheapened[j]]);
+  for (int j = 0; j < control; ++j) coarsen(categories[categorisation.cheapened[j]]);
 
   Spectrum spectrum;
   spectrum.shift = blockShift(powers);

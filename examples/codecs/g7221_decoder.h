@@ -33,7 +33,7 @@ class FrameDecoder {
   // The generator of the noise's signs
   class Noise {
    public:
-    unsigned next();
+    int next();
 
    private:
     std::array<Zpp16s, 4> seeds_ = {1, 1, 1, 1};

@@ -104,16 +104,16 @@ int FrameEncoder::codeRegions(const Spectrum& spectrum, const Powers& powers, co
   };
 
   int control = kCategorisations / 2 - 1;  // the search starts in the middle
-  for (int j = 0; j < control; ++j) raise(categories[categorisation.cheapened[j]]);
+  for (int j = 0; j < control; ++j) coarsen(categories[categorisation.cheapened[j]]);
   for (int r = 0; r < kRegions; ++r) code(r);
   while (total < available && control > 0) {
     const int r = categorisation.cheapened[--control];
-    lower(categories[r]);
+    refine(categories[r]);
     code(r);
   }
   while (total > available && control < kCategorisations - 1) {
     const int r = categorisation.cheapened[control++];
-    raise(categories[r]);
+    coarsen(categories[r]);
     code(r);
   }
   return control;
