@@ -526,6 +526,69 @@ ZPPAPI ZppStatus zppsInterpolateC_NR_G729_16s_Sfs(const Zpp16s* src1, Zpp16s wei
 
 /* ---- G.729: pitch analysis and adaptive codebook (clauses 3.4 and 3.7) -------------------------------------------------------------- */
 
+/* Open-loop delay of a frame, 20..143: the delay where the normalised autocorrelation of the weighted speech is largest, shorter
+ * delays being favoured. The Annex A form uses every second sample and favours by multiples of a delay.
+ * wsp: the 80 samples of the frame; the 143 samples before the pointer are read. delay: one value.
+ * Status: zppStsOk; zppStsNullPointer. Source: ITU-T G.729 clause 3.4 and Annex A clause A.3.4. */
+ZPPAPI ZppStatus zppsOpenLoopPitchSearch_G729_16s(const Zpp16s* wsp, Zpp16s* delay);
+ZPPAPI ZppStatus zppsOpenLoopPitchSearch_G729A_16s(const Zpp16s* wsp, Zpp16s* delay);
+
+/* Closed-loop search of the adaptive codebook for a subframe of 40 samples, around olDelay with a resolution of 1/3.
+ * olDelay: the open-loop delay in subframe 0, the integer delay of subframe 0 in subframe 1; 18..145. Searched are delays from
+ * olDelay - 3 to olDelay + 3 in subframe 0 and from olDelay - 5 to olDelay + 4 in subframe 1, moved into 20..143.
+ * target: 40 samples; impulse: impulse response of the weighted synthesis filter, 40 values, Q12.
+ * exc: 194 values, the pointer at the oldest: 154 samples of past excitation, then the LP residual of the subframe, which
+ * delays below 40 read and which is replaced by the adaptive vector of the chosen delay.
+ * subframe: 0 or 1. delay: two values, integer delay and fraction in thirds, -1..1.
+ * _G729 maximises the normalised correlation of the target with the filtered excitation and then interpolates it; _G729A the
+ * correlation of the backward-filtered target with the excitation, trying fractions by decoding them; _G729D, for 6.4 kbit/s,
+ * is the first form with fractions in subframe 1 around the centre of the range only. In subframe 0 delays above 84 are integers.
+ * Status: zppStsOk; zppStsNullPointer; zppStsOutOfRange for olDelay or subframe.
+ * Source: ITU-T G.729 clause 3.7, Annex A clause A.3.7, Annex D clause D.4. */
+ZPPAPI ZppStatus zppsAdaptiveCodebookSearch_G729_16s(Zpp16s olDelay, const Zpp16s* target, const Zpp16s* impulse, Zpp16s* exc,
+                                                     int subframe, Zpp16s* delay);
+ZPPAPI ZppStatus zppsAdaptiveCodebookSearch_G729A_16s(Zpp16s olDelay, const Zpp16s* target, const Zpp16s* impulse, Zpp16s* exc,
+                                                      int subframe, Zpp16s* delay);
+ZPPAPI ZppStatus zppsAdaptiveCodebookSearch_G729D_16s(Zpp16s olDelay, const Zpp16s* target, const Zpp16s* impulse, Zpp16s* exc,
+                                                      int subframe, Zpp16s* delay);
+
+/* corr[t - tMin] = correlation of the target with the filtered excitation of delay t over the root of the latter's energy,
+ * t = tMin..tMax: what the search maximises. target, impulse (Q12): 40 values; exc: 194 values as above, of which those from
+ * 154 - tMax to 193 - tMin are read; corr: tMax - tMin + 1 values; tMin up to tMax, both within 0..154. Nothing is checked;
+ * returns zppStsOk. Source: ITU-T G.729 clause 3.7. */
+ZPPAPI ZppStatus _zppsMeanSquareWeightedError_16s(const Zpp16s* target, const Zpp16s* impulse, const Zpp16s* exc, int tMin,
+                                                  int tMax, Zpp16s* corr);
+
+/* The delay of tMin..tMax with the largest corr, the largest such delay, and the fraction of -2..2 thirds beside it where the
+ * interpolated corr is largest, the first such; two thirds are told as one third of the neighbouring delay. In subframe 0 a
+ * delay above 84 has fraction 0. corr: tMax - tMin + 9 values, corr[0] belonging to delay tMin - 4; frac, delay: one value each.
+ * Nothing is checked; returns zppStsOk. Source: ITU-T G.729 clause 3.7. */
+ZPPAPI ZppStatus _zppsClosedLoopPitchSearch_G729_16s(const Zpp16s* corr, int subframe, int tMin, int tMax, Zpp16s* frac,
+                                                     Zpp16s* delay);
+
+/* Adaptive vector of 40 samples: the past excitation at delay[0] + delay[1] / 3, interpolated. Delays below 50 feed the first
+ * samples of the vector back into its later ones.
+ * delay: integer delay, 18..144, and fraction in thirds, -1..1. _I: exc holds 154 samples of past excitation, oldest first, and
+ * the 40 samples behind them are written. The other form: pastExc, those 154 samples; dst: 40 samples.
+ * Status: zppStsOk; zppStsNullPointer; zppStsBadCodedParam for a delay or fraction outside its range.
+ * Source: ITU-T G.729 clause 3.7.1. */
+ZPPAPI ZppStatus zppsDecodeAdaptiveVector_G729_16s_I(const Zpp16s* delay, Zpp16s* exc);
+ZPPAPI ZppStatus zppsDecodeAdaptiveVector_G729_16s(const Zpp16s* delay, const Zpp16s* pastExc, Zpp16s* dst);
+
+/* Filtered adaptive vector and adaptive-codebook gain <target, filtered> / <filtered, filtered>, Q14, 0..19661 (1.2).
+ * target, adaptive: 40 samples; filtered: 40 samples, written, apart from the others: the convolution with impulse, 40 values,
+ * Q12, truncated (_G729), or the adaptive vector through 1/A(z) from rest with a[0..10], Q12 (_G729A). gain: one value.
+ * Status: zppStsOk; zppStsNullPointer. Source: ITU-T G.729 clause 3.7.3 and Annex A clause A.3.7. */
+ZPPAPI ZppStatus zppsAdaptiveCodebookGain_G729_16s(const Zpp16s* target, const Zpp16s* impulse, const Zpp16s* adaptive,
+                                                   Zpp16s* filtered, Zpp16s* gain);
+ZPPAPI ZppStatus zppsAdaptiveCodebookGain_G729A_16s(const Zpp16s* target, const Zpp16s* a, const Zpp16s* adaptive,
+                                                    Zpp16s* filtered, Zpp16s* gain);
+
+/* Target of the fixed-codebook search: result[n] = sat16(target[n] - sat16((gain * filtered[n]) >> 14)), gain Q14. All vectors:
+ * 40 samples; result may be target or filtered. Status: zppStsOk; zppStsNullPointer. Source: ITU-T G.729 clause 3.8. */
+ZPPAPI ZppStatus zppsAdaptiveCodebookContribution_G729_16s(Zpp16s gain, const Zpp16s* filtered, const Zpp16s* target,
+                                                           Zpp16s* result);
+
 /* ---- G.729: fixed codebook (clause 3.8) ------------------------------------------------------------------------------------------------
  *
  * Tracks: the 40 samples of a subframe form five tracks of eight positions, track t at samples 5 i + t. Pulses 0 to 2 of the

@@ -8,10 +8,12 @@ namespace test {
 ZPP_G729_LSP_KERNELS(ZPP_KERNEL_TYPE)
 
 void runG729FcbKernels(const Options& options, Tally& tally);
+void runG729PitchKernels(const Options& options, Tally& tally);
 
 void runG729Kernels(const Options& options, Tally& tally) {
   ZPP_G729_LSP_KERNELS(ZPP_RUN_KERNEL)
   runG729FcbKernels(options, tally);
+  runG729PitchKernels(options, tally);
 }
 
 // --- LP analysis and LSP quantisation -------------------------------------------------------------------------------------
