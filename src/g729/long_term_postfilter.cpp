@@ -1,8 +1,10 @@
 // Long-term postfilter of ITU-T G.729 (clause 4.2.1), which also serves Annexes B and E: the delay is searched around the
 // integer delay of the frame's first subframe, at a resolution of 1/8 sample.
 //
-// The search runs on the residual scaled to 12 bits and sign, so that no sum over 40 samples, interpolated by the short
-// filters (gain below 1.2) or not, leaves 32 bits when doubled: the reference's saturation does not act.
+// The search runs on the residual scaled to 12 bits and sign, so that no doubled sum over 40 samples leaves 32 bits and the
+// reference's saturation does not act: energies stay below 40 * 2^24 = 0.63 * 2^30. The responses of the interpolation filters
+// nowhere exceed 1.011 (short) and 1.004 (long), which bounds the energy of a delayed signal by 1.022 * 44 * 2^24 and
+// 1.008 * 55 * 2^24, both below 0.9 * 2^30, and with it every partial sum of a correlation (Cauchy and Schwarz).
 #include <cstring>
 
 #include "core/checks.h"
@@ -17,6 +19,13 @@ using namespace zpp;
 namespace {
 
 constexpr int kSubframe = kPostfilterSubframe;
+
+// A 32-bit sum of 0 or more as the upper 15 bits that count, and how far it was shifted right
+struct Upper {
+  explicit Upper(Zpp32s x) : shift(norm32(x) < 16 ? 16 - norm32(x) : 0), mantissa(low16(x >> shift)) {}
+  int shift;
+  Zpp16s mantissa;
+};
 
 // Correlation of the residual with a delayed signal and the energy of that signal: mantissas and how far each was shifted right
 struct Match {
@@ -42,8 +51,7 @@ constexpr bool exceeds(Zpp16s correlation1, Zpp16s energy1, Zpp16s correlation2,
 Selection ownSearchDel(const Zpp16s* c, int delay) {
   const auto energy = static_cast<Zpp32s>(2 * ownDotProd_16s(c, c, kSubframe));
   if (energy == 0) return kOff;
-  const int residualShift = norm32(energy) < 16 ? 16 - norm32(energy) : 0;
-  const Zpp16s residualEnergy = low16(energy >> residualShift);
+  const Upper residualEnergy(energy);
 
   // Integer delays delay + 1 down to delay - 1, and one more that completes a vector of four
   Zpp32s sums[4];
@@ -64,7 +72,7 @@ Selection ownSearchDel(const Zpp16s* c, int delay) {
     for (const auto& m : phase) mostEnergy = m.energy > mostEnergy ? m.energy : mostEnergy;
   const int energyShift = 16 - norm32(mostEnergy);
   if (energyShift <= 0) return kOff;
-  const int shift = energyShift > residualShift ? energyShift : residualShift;
+  const int shift = energyShift > residualEnergy.shift ? energyShift : residualEnergy.shift;
 
   Selection best = {whole, 0, {low16(mostDbl >> shift), low16(wholeEnergy >> energyShift), shift, energyShift}};
   for (int phase = 1; phase <= 7; ++phase)
@@ -78,29 +86,18 @@ Selection ownSearchDel(const Zpp16s* c, int delay) {
   if (best.match.correlation == 0 || best.match.energy <= 1) return kOff;
 
   // On for a prediction gain of 3 dB: correlation^2 of at least half the product of the energies
-  Zpp32s product = mulDbl(best.match.energy, residualEnergy), square = squareDbl(best.match.correlation);
-  const int excess = 2 * shift - energyShift - residualShift + 1;
+  Zpp32s product = mulDbl(best.match.energy, residualEnergy.mantissa), square = squareDbl(best.match.correlation);
+  const int excess = 2 * shift - energyShift - residualEnergy.shift + 1;
   if (excess < 0) square = shr32(square, -excess);
   if (excess > 0) product = shr32(product, excess);
   return square >= product ? best : kOff;
 }
 
-// The match of the residual with z, which the long filters may raise to 14 bits
-Match matchLong(const Zpp16s* c, const Zpp16s* z) {
-  Match m = {};
-  const Zpp64s exact = 2 * ownDotProd_16s(z, z, kSubframe);
-  const Zpp32s energy = sat32(exact);
-  m.energyShift = norm32(energy) < 16 ? 16 - norm32(energy) : 0;
-  m.energy = low16(energy >> m.energyShift);
-  Zpp32s correlation = 0;
-  if (exact <= kMax32)  // sum of z^2 below 2^30 and of c^2 at most 40 * 2^24: partial sums stay below 2^30 (Cauchy-Schwarz)
-    correlation = static_cast<Zpp32s>(2 * ownDotProd_16s(z, c, kSubframe));
-  else
-    for (int n = 0; n < kSubframe; ++n) correlation = macDbl(correlation, z[n], c[n]);
-  if (correlation <= 0) return m;
-  m.correlationShift = norm32(correlation) < 16 ? 16 - norm32(correlation) : 0;
-  m.correlation = low16(correlation >> m.correlationShift);
-  return m;
+Match matchOf(const Zpp16s* c, const Zpp16s* z) {
+  const auto correlation = static_cast<Zpp32s>(2 * ownDotProd_16s(z, c, kSubframe));
+  const auto energy = static_cast<Zpp32s>(2 * ownDotProd_16s(z, z, kSubframe));
+  const Upper n(correlation < 0 ? 0 : correlation), d(energy);
+  return {n.mantissa, d.mantissa, n.shift, d.shift};
 }
 
 // Whether the long filter's signal matches better than the short one's
@@ -143,7 +140,7 @@ int ownLongTermPostFilter_G729_16s(Zpp16s gainFactor, int delay, const Zpp16s* r
   Zpp16s interpolated[kSubframe];
   if (best.phase != 0) {
     ownInterpolate_G729_16s(c - best.delay + 8, tab_hup_l[best.phase - 1], 16, interpolated);
-    const Match match = matchLong(c, interpolated);
+    const Match match = matchOf(c, interpolated);
     if (prefersLong(match, best.match))
       best.match = match;
     else

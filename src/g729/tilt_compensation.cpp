@@ -30,13 +30,16 @@ void ownTiltCompensation_G729A_16s(const Zpp16s* coef, Zpp16s* srcDst) {
   Zpp16s response[kResponse] = {};
   std::memcpy(response, coef, (kLpcOrder + 1) * sizeof *response);
   ownSynthesisFilter_NR_16s(coef + kLpcOrder + 1, response, response, kResponse, 12, nullptr);
-  Zpp32s energy = 0, correlation = 0;
-  for (const Zpp16s h : response) energy = macDbl(energy, h, h);
-  for (int i = 0; i + 1 < kResponse; ++i) correlation = macDbl(correlation, response[i], response[i + 1]);
+  const Zpp64s energy = 2 * ownDotProd_16s(response, response, kResponse);
+  Zpp32s correlation = 0;
+  if (energy <= kMax32)  // which bounds every partial sum of the correlation as well
+    correlation = static_cast<Zpp32s>(2 * ownDotProd_16s(response, response + 1, kResponse - 1));
+  else
+    for (int i = 0; i + 1 < kResponse; ++i) correlation = macDbl(correlation, response[i], response[i + 1]);
 
   const Zpp16s last = srcDst[kSubframe - 1];
   if (correlation > 0) {
-    const Zpp16s factor = divQ15(mulQ15(high16(correlation), 26214), high16(energy));
+    const Zpp16s factor = divQ15(mulQ15(high16(correlation), 26214), high16(sat32(energy)));
     ownPreemphasize_G729A_16s(srcDst, srcDst, kSubframe, factor, srcDst[-1]);
   }
   srcDst[-1] = last;

@@ -9,11 +9,13 @@ ZPP_G729_LSP_KERNELS(ZPP_KERNEL_TYPE)
 
 void runG729FcbKernels(const Options& options, Tally& tally);
 void runG729PitchKernels(const Options& options, Tally& tally);
+void runG729PostfilterKernels(const Options& options, Tally& tally);
 
 void runG729Kernels(const Options& options, Tally& tally) {
   ZPP_G729_LSP_KERNELS(ZPP_RUN_KERNEL)
   runG729FcbKernels(options, tally);
   runG729PitchKernels(options, tally);
+  runG729PostfilterKernels(options, tally);
 }
 
 // --- LP analysis and LSP quantisation -------------------------------------------------------------------------------------
