@@ -71,7 +71,7 @@ void fillDiagonals(const Zpp16s* h, const Rows& rows, const Grid& grid, int firs
     const V sums = value();
     if (wanted[grid.track[j]]) {
       const int slots = grid.slotOf[j - first] - (kLanes - 1);
-      store(rows.row[j] + slots, mulQ15(sums, load(rows.productsOf[j] + slots)));
+      store(rows.row[j] + slots, mulWrapQ15(sums, load(rows.productsOf[j] + slots)));
     }
     if (first == 0) rows.row[j][grid.slotOf[j]] = nearest(sums);
   }

@@ -7,11 +7,6 @@
 
 namespace zpp {
 
-// (a * b) >> 15 of 16-bit lanes; -32768 * -32768 gives -32768
-inline V mulQ15(V a, V b) {
-  return _mm_or_si128(_mm_slli_epi16(_mm_mulhi_epi16(a, b), 1), _mm_srli_epi16(_mm_mullo_epi16(a, b), 15));
-}
-
 // Interleaves the first four of eight rows with the last four: a third of a transposition.
 inline void interleave(const V (&rows)[8], V (&out)[8]) {
   out[0] = _mm_unpacklo_epi16(rows[0], rows[4]);

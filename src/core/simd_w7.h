@@ -37,9 +37,13 @@ inline V widenHigh(V v) { return _mm_srai_epi32(_mm_unpackhi_epi16(v, v), 16); }
 inline V mulLow(V a, V b) { return _mm_unpacklo_epi16(_mm_mullo_epi16(a, b), _mm_mulhi_epi16(a, b)); }
 inline V mulHigh(V a, V b) { return _mm_unpackhi_epi16(_mm_mullo_epi16(a, b), _mm_mulhi_epi16(a, b)); }
 
-// mulQ15 of eight lanes: only -32768 times itself gives -32768 here, and is to give 32767.
+// (a * b) >> 15 of eight lanes; -32768 times itself wraps to -32768
+inline V mulWrapQ15(V a, V b) {
+  return _mm_or_si128(_mm_slli_epi16(_mm_mulhi_epi16(a, b), 1), _mm_srli_epi16(_mm_mullo_epi16(a, b), 15));
+}
+// mulQ15 of eight lanes: the one product that wraps is the only way to -32768, and is to give 32767.
 inline V mulQ15(V a, V b) {
-  const V product = _mm_or_si128(_mm_slli_epi16(_mm_mulhi_epi16(a, b), 1), _mm_srli_epi16(_mm_mullo_epi16(a, b), 15));
+  const V product = mulWrapQ15(a, b);
   return _mm_xor_si128(product, _mm_cmpeq_epi16(product, _mm_set1_epi16(-32768)));
 }
 
