@@ -835,26 +835,27 @@ ZPPAPI ZppStatus _zppsAdaptiveCodebookDecode_G723_16s(const Zpp16s* taps, const 
 
 /* ---- GSM-AMR ---------------------------------------------------------------------------------------------------------------------
  *
- * Steps of one subframe of 40 samples (3GPP TS 26.090 and 26.073). rate: ZPP_RATE_4750, _5150, _5900, _6700, _7400, _7950, _10200 or
- * _12200, written below as kbit/s; functions that also accept ZPP_RATE_DTX say so. subframe: 0..3. A buffer that is only read must
- * not overlap one that is written.
+ * Steps of one subframe of 40 samples (3GPP TS 26.090 and 26.073). rate: ZPP_RATE_4750, _5150, _5900, _6700, _7400, _7950, _10200
+ * or _12200, written below as kbit/s; functions that also accept ZPP_RATE_DTX say so. subframe: 0..3. A buffer that is only read
+ * must not overlap one that is written.
  */
 
 /* Searches the algebraic codebook (TS 26.090 clause 5.7).
- * lag: integer pitch lag of the subframe; from 1 to 39 impulse and code are sharpened: x[n] += (g * x[n - lag]) >> 15, ascending,
- *   g the doubled gain, saturated at 4.75, 5.15, 5.9 and 12.2 kbit/s, else kept to 16 bits.
+ * lag: integer pitch lag of the subframe; from 1 to 39 impulse and code are sharpened: x[n] += (g * x[n - lag]) >> 15,
+ *   ascending, g the doubled gain, saturated at 4.75, 5.15, 5.9 and 12.2 kbit/s, else kept to 16 bits.
  * gain: sharpening gain, Q14.
  * target: 40, Q0, without the adaptive codebook's contribution. ltpResidual: 40, Q0, used at 10.2 and 12.2 kbit/s only.
  * impulse: 40, Q12, response of the weighted synthesis filter, sharpened on return.
  * code: 40, the code vector, Q13, at 12.2 kbit/s Q12. filteredCode: 40, code before its sharpening filtered by the sharpened
  *   impulse, in the target's scale for a pulse of 1.0 (a quarter of it at 12.2 kbit/s).
- * codeword: 2 words up to 7.95 kbit/s: index, then signs, a set bit k for a positive pulse k; 7 at 10.2: four signs, two words of
- *   10 bits and one of 7; 10 at 12.2: five of 4 bits, five of 3.
+ * codeword: 2 words up to 7.95 kbit/s: index, then signs, a set bit k for a positive pulse k; 7 at 10.2: four signs, two words
+ *   of 10 bits and one of 7; 10 at 12.2: five of 4 bits, five of 3.
  * rate: ZPP_RATE_DTX acts as ZPP_RATE_12200.
  * Status: zppStsOk; zppStsNullPointer; zppStsOutOfRange for the subframe, then for the rate. */
-ZPPAPI ZppStatus zppsAlgebraicCodebookSearch_GSMAMR_16s(Zpp16s lag, Zpp16s gain, const Zpp16s* target, const Zpp16s* ltpResidual,
-                                                        Zpp16s* impulse, Zpp16s* code, Zpp16s* filteredCode, Zpp16s* codeword,
-                                                        Zpp16s subframe, ZppSpeechRate rate);
+ZPPAPI ZppStatus zppsAlgebraicCodebookSearch_GSMAMR_16s(Zpp16s lag, Zpp16s gain, const Zpp16s* target,
+                                                        const Zpp16s* ltpResidual, Zpp16s* impulse, Zpp16s* code,
+                                                        Zpp16s* filteredCode, Zpp16s* codeword, Zpp16s subframe,
+                                                        ZppSpeechRate rate);
 
 /* The same for callers that pass work memory, which is not touched: any pointer but null will do.
  * Status: as above; a null work is tested first. */
@@ -885,7 +886,8 @@ ZPPAPI void _zppsToeplizMatrix_r515_GSMAMR_16s32s(const Zpp16s* impulse, const Z
  *   out: this subframe's. Ranges: 18..143 at 12.2 kbit/s, else 20..143, and a fraction of a sample below.
  * excitation: 194: 154 past samples, then the subframe's, which hold the LP residual on entry and the adaptive-codebook vector
  *   on return.
- * fraction: in thirds of a sample, -1..1; at 12.2 kbit/s in sixths, -2..3. lagIndex: the codeword. vector: 40, the vector again.
+ * fraction: in thirds of a sample, -1..1; at 12.2 kbit/s in sixths, -2..3. lagIndex: the codeword. vector: 40, a copy of the
+ *   vector.
  * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for the subframe; zppStsOutOfRange for the rate, ZPP_RATE_DTX too. */
 ZPPAPI ZppStatus zppsAdaptiveCodebookSearch_GSMAMR_16s(const Zpp16s* target, const Zpp16s* impulse, const Zpp16s* openLoopLags,
                                                        Zpp16s* lag, Zpp16s* excitation, Zpp16s* fraction, Zpp16s* lagIndex,
@@ -899,8 +901,8 @@ ZPPAPI ZppStatus zppsAdaptiveCodebookSearch_GSMAMR_16s(const Zpp16s* target, con
  * decodedLag: the lag as decoded; at 12.2 kbit/s written only where the last good lag replaces it: in erased frames and for the
  *   indices from 61 on in subframes 1 and 3.
  * excitation: 194: 154 past samples, read only, then the vector, written.
- * lag: out: the integer lag of the vector; at 12.2 kbit/s in: the previous subframe's. Lags that no encoder sends are limited to
- *   143 and to the rate's smallest.
+ * lag: out: the integer lag of the vector; at 12.2 kbit/s in: the previous subframe's. Lags that no encoder sends are limited
+ *   to 143 and to the rate's smallest.
  * vector: 40, a copy of the vector. badFrame: not 0 for an erased frame. rate: ZPP_RATE_DTX decodes as ZPP_RATE_10200.
  * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for the subframe; zppStsOutOfRange for the rate, then, except at 12.2
  * kbit/s, for a lagIndex outside 0..511. */

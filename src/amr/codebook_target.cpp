@@ -58,7 +58,7 @@ void ownSetSign_M102M122_GSMAMR_16s(const Zpp16s* ltpResidual, Zpp16s* corr, Zpp
     largest = kMin16;
     for (int slot = track * grid.perTrack; slot < (track + 1) * grid.perTrack; ++slot) {
       const Zpp32s mixed = macDbl(mulDbl(ofResidual, ltpResidual[grid.positionOf[slot]]), ofCorr, corr[slot]);
-      Zpp16s value = roundHigh16(shlSat32(mixed, 10));
+      Zpp16s value = sat16((mixed >> 6) + ((mixed >> 5) & 1));  // 10 bits up, rounded to the upper half
       sign[slot] = 32767;
       if (value < 0) {
         sign[slot] = -32767;

@@ -22,19 +22,20 @@ struct PulseStep {
 inline constexpr PulseStep kPulseSteps[3] = {{8192, 8192, 16384}, {8192, 2048, 4096}, {32768, 2048, 4096}};
 
 // The search of 8 and 10 pulses adds pairs: weights Q15 of the steps from pulses 2 and 3 to pulses 8 and 9. The inner pulse's
-// terms are summed and rounded before the loops.
+// terms are summed and rounded before the loops. Where the weights add up to more than 1 a sum may saturate.
 struct PairStep {
   struct Weights {
     Zpp16s own, each;  // the diagonal entry, the entry with each pulse placed before
   };
   Weights inner, outer;
-  Zpp16s ofInner;  // the inner pulse's sum
-  Zpp16s cross;    // the entry of the two
+  Zpp16s ofInner;                        // the inner pulse's sum
+  Zpp16s cross;                          // the entry of the two
+  bool innerMayExceed, energyMayExceed;  // weights above 1: of the inner sum, of the energy with half of the earlier one
 };
-inline constexpr PairStep kPairSteps[4] = {{{4096, 8192}, {2048, 4096}, 16384, 4096},
-                                           {{4096, 8192}, {1024, 2048}, 8192, 2048},
-                                           {{2048, 4096}, {512, 1024}, 8192, 1024},
-                                           {{2048, 4096}, {256, 512}, 4096, 512}};
+inline constexpr PairStep kPairSteps[4] = {{{4096, 8192}, {2048, 4096}, 16384, 4096, false, false},
+                                           {{4096, 8192}, {1024, 2048}, 8192, 2048, true, true},
+                                           {{2048, 4096}, {512, 1024}, 8192, 1024, false, false},
+                                           {{2048, 4096}, {256, 512}, 4096, 512, true, false}};
 
 // One pass of the search of 8 and 10 pulses: the pulses placed so far
 struct Placed {
@@ -72,7 +73,10 @@ void searchPairs(const PairSearch& search, const Zpp16s* trackBest, const Zpp16s
                  FindPair findPair) {
   const Grid& grid = search.grid;
   const int passes = grid.tracks - 1;
-  const auto trackOf = [&](int pass, int k) { return trackOrder[k == 0 ? 0 : 1 + (k - 1 + pass) % (pulses - 1)]; };
+  const auto trackOf = [&](int pass, int k) {
+    const int moved = k == 0 ? 0 : k + pass;
+    return trackOrder[moved < pulses ? moved : moved - (pulses - 1)];
+  };
   Placed placed[4];
   Criterion reached[4];
   for (int pass = 0; pass < passes; ++pass) {

@@ -138,8 +138,6 @@ void ownSearchOptimalPulsePos_GSMAMR_16s_W7(const Zpp16s* corr, const Zpp16s* ca
 
 namespace {
 
-constexpr int kOne = 32768;  // the sum of weights that keeps within full scale
-
 // Energies of a pulse on eight slots from `slot` on with those placed before, in 32 bits before the rounding
 struct Energies {
   V low, high;
@@ -171,15 +169,6 @@ bool reachesFullScale(const PairSearch& search, const Zpp16s* diagonal, const Pl
   return _mm_movemask_epi8(_mm_cmpgt_epi16(sum, _mm_set1_epi16(kMax16 - 16))) != 0;  // each term was truncated
 }
 
-int largestMagnitude(const Zpp32s* x, int len) {
-  int largest = 0;
-  for (int i = 0; i < len; ++i) {
-    const int magnitude = x[i] < 0 ? -x[i] : x[i];
-    if (magnitude > largest) largest = magnitude;
-  }
-  return largest;
-}
-
 // Of eight lanes with energy and negated square, each the best of its inner slot for the given outer one: the first of the best
 // in the order of the loops, as outer number * 8 + lane.
 int firstOfBest(V low, V high, V outer) {
@@ -201,7 +190,11 @@ BestPair bestPair(const PairSearch& search, const Zpp16s* diagonal, const Placed
                   const PairStep& step) {
   constexpr int kHalf = 0x4000;
   const int perTrack = search.grid.perTrack, lastVector = perTrack - 8;  // vectors from slots 0 and, of ten, 2
-  const int innerSum = step.inner.own + step.inner.each * placed.count;
+  const auto rounded = [](const Energies& e) { return _mm_packs_epi32(_mm_srai_epi32(e.low, 15), _mm_srai_epi32(e.high, 15)); };
+  const auto anyBeyond = [](V x, Zpp16s limit) {
+    const V magnitude = _mm_max_epi16(x, _mm_subs_epi16(_mm_setzero_si128(), x));
+    return _mm_movemask_epi8(_mm_cmpgt_epi16(magnitude, _mm_set1_epi16(limit))) != 0;
+  };
 
   alignas(16) Zpp32s energy1[10];
   V inner[2];
@@ -209,24 +202,12 @@ BestPair bestPair(const PairSearch& search, const Zpp16s* diagonal, const Placed
     const Energies outer = energiesWith(search, diagonal, placed, outerTrack + from, placed.energy / 2 + kHalf, step.outer);
     store(energy1 + from, outer.low);
     store(energy1 + from + 4, outer.high);
-    if (innerSum > kOne && reachesFullScale(search, diagonal, placed, innerTrack + from, step.inner))
+    if (step.innerMayExceed && reachesFullScale(search, diagonal, placed, innerTrack + from, step.inner))
       return search.best(placed, outerTrack, innerTrack, step);
-    const Energies sums = energiesWith(search, diagonal, placed, innerTrack + from, kHalf, step.inner);
-    inner[from / 2] = _mm_packs_epi32(_mm_srai_epi32(sums.low, 15), _mm_srai_epi32(sums.high, 15));
-  }
-  // Half the energy before, the outer pulse's terms, the rounded sum and the cross term: with weights above 1 in all a step may
-  // saturate unless the terms at hand are small enough.
-  const int allWeights = kOne / 2 + step.outer.own + step.outer.each * placed.count + step.cross +
-                         (innerSum > kOne ? step.ofInner : step.ofInner * innerSum / kOne);
-  if (placed.count > 2 && allWeights > kOne) {
-    alignas(16) Zpp16s sums[16];
-    int largest = 0;
-    for (int from = 0; from <= lastVector; from += 2) {
-      store(sums, inner[from / 2]);
-      for (int i = 0; i < 8; ++i) largest = absSat16(sums[i]) > largest ? absSat16(sums[i]) : largest;
-    }
-    const Zpp64s bound = Zpp64s{largestMagnitude(energy1, perTrack)} + (largest + 1) * step.ofInner + step.cross * kOne + kHalf;
-    if (bound >= 1 << 30) return search.best(placed, outerTrack, innerTrack, step);
+    inner[from / 2] = rounded(energiesWith(search, diagonal, placed, innerTrack + from, kHalf, step.inner));
+    // Energies of 0.7, a quarter of an inner sum of 0.9 and a sixteenth of an entry stay below 1.
+    if (step.energyMayExceed && (anyBeyond(rounded(outer), 22937) || anyBeyond(inner[from / 2], 29491)))
+      return search.best(placed, outerTrack, innerTrack, step);
   }
 
   alignas(16) Zpp16s sum1[10];
