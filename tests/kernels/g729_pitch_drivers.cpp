@@ -36,7 +36,7 @@ DRIVE(ownBestFraction_G729_16s, upTo(60, {1})) {
   const int first = rig.keep ? -2 : rig.scalar(-2, 0);
   rig.run(corr, first, rig.keep ? 2 : rig.scalar(first, 2));
 }
-DRIVE(ownDecodeAdaptiveVector_G729_16s_I, only({18, 19, 25, 39, 40, 41, 57, 80, 143, 144})) {
+DRIVE(ownDecodeAdaptiveVector_G729_16s_I, {{18, 19, 25, 39, 40, 41, 57, 80, 143, 144}, {18, 57}}) {
   Zpp16s* exc = excitation(rig, limitOf(rig.scalar(0, 1), 8000));
   rig.run(n, rig.scalar(-1, 1), exc);
 }
