@@ -21,6 +21,7 @@ Zpp16s* excitation(RigBase& rig, Zpp16s limit) {
 
 }  // namespace
 
+DRIVE(ownSplitPairs_16s, upTo(40, {111})) { rig.run(rig.in<Zpp16s>(2 * n), rig.out<Zpp16s>(n), rig.out<Zpp16s>(n), n); }
 DRIVE(ownMeanSquareWeightedError_16s, upTo(60, {15, 17})) {
   const Zpp16s limit = limitOf(n, n % 4 == 1 ? 600 : 3000);
   const Zpp16s* target = rig.in<Zpp16s>(40, static_cast<Zpp16s>(-limit), limit);
