@@ -38,10 +38,7 @@ struct Candidate {
 class Phases {
  public:
   explicit Phases(const Zpp16s* signal) {
-    for (int k = 0; k < kSpan / 2; ++k) {
-      odd_[k] = signal[2 * k - kMostLag];
-      even_[k] = signal[2 * k - kMostLag + 1];
-    }
+    ownSplitPairs_16s(signal - kMostLag, odd_, even_, kSpan / 2);
     odd_[kSpan / 2] = signal[kFrame - 1];
   }
   // c[lag] = twice the correlation at a delay for all delays of the sections, even ones only in the last

@@ -11,6 +11,7 @@ struct PitchDelay {
   int lag, fraction;
 };
 
+// ownSplitPairs_16s: first[k] = src[2 k], second[k] = src[2 k + 1].
 // ownMeanSquareWeightedError_16s: corr[t - tMin] = correlation of the target with the filtered excitation of delay t over the
 //   root of the latter's energy, t = tMin..tMax; exc[-tMax..39-tMin] is read.
 // ownBestFraction_G729_16s: of first..last, within -2..2, the fraction where the interpolated corr is largest, the first of
@@ -18,6 +19,7 @@ struct PitchDelay {
 // ownDecodeAdaptiveVector_G729_16s_I: the excitation delayed by lag + fraction / 3, lag 18..144, fraction -1..1.
 // ownAdaptiveCodebookContribution_G729_16s: dst = target - gain * filtered, gain Q14; dst may be one of the sources.
 #define ZPP_G729_PITCH_KERNELS(KERNEL)                                                                           \
+  KERNEL(ownSplitPairs_16s, W7, void(const Zpp16s* src, Zpp16s* first, Zpp16s* second, int pairs))               \
   KERNEL(ownMeanSquareWeightedError_16s, W7,                                                                     \
          void(const Zpp16s* target, const Zpp16s* impulse, const Zpp16s* exc, int tMin, int tMax, Zpp16s* corr)) \
   KERNEL(ownBestFraction_G729_16s, W7, int(const Zpp16s* corr, int first, int last))                             \
