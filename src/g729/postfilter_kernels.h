@@ -30,7 +30,6 @@ struct DelayedMatch {
 // may be
 //   src.
 // ownMagnitudeSum_16s: sum of the magnitudes of 40 samples, 32768 counting as 32767.
-// ownEnergy_G729A_16s: 2 * sum of (src[n] >> 2)^2 over 40 samples, saturated.
 // ownApplyGain_G729A_16s: srcDst[n] = srcDst[n] * gain[n] >> 12, saturated, 40 samples.
 // ownConvolveCircular_G729D_16s: dst[n] = the sum of code[p] * response[(n - p) mod 40] >> 15, p ascending, saturated after
 // each;
@@ -44,7 +43,6 @@ struct DelayedMatch {
   KERNEL(ownTiltFilter_G729_16s, W7, void(Zpp16s * srcDst, Zpp16s previous, Zpp16s factor, Zpp16s gain, int shift))        \
   KERNEL(ownPreemphasize_G729A_16s, W7, void(const Zpp16s* src, Zpp16s* dst, int len, Zpp16s factor, Zpp16s previous))     \
   KERNEL(ownMagnitudeSum_16s, W7, Zpp32s(const Zpp16s* src))                                                               \
-  KERNEL(ownEnergy_G729A_16s, W7, Zpp32s(const Zpp16s* src))                                                               \
   KERNEL(ownApplyGain_G729A_16s, W7, void(const Zpp16s* gain, Zpp16s* srcDst))                                             \
   KERNEL(ownConvolveCircular_G729D_16s, W7, void(const Zpp16s* code, const Zpp16s* response, Zpp16s* dst))
 

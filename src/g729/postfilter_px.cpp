@@ -82,12 +82,6 @@ Zpp32s ownMagnitudeSum_16s_PX(const Zpp16s* src) {
   return sum;
 }
 
-Zpp32s ownEnergy_G729A_16s_PX(const Zpp16s* src) {
-  Zpp32u sum = 0;  // 40 * 2^26 at the most
-  for (int n = 0; n < kSubframe; ++n) sum += static_cast<Zpp32u>((src[n] >> 2) * (src[n] >> 2));
-  return sat32(2 * Zpp64s{sum});
-}
-
 void ownApplyGain_G729A_16s_PX(const Zpp16s* gain, Zpp16s* srcDst) {
   for (int n = 0; n < kSubframe; ++n) srcDst[n] = sat16(srcDst[n] * gain[n] >> 12);
 }

@@ -145,16 +145,6 @@ Zpp32s ownMagnitudeSum_16s_W7(const Zpp16s* src) {
   return sumLanes32(sum);
 }
 
-Zpp32s ownEnergy_G729A_16s_W7(const Zpp16s* src) {
-  V sum = _mm_setzero_si128();
-  for (int n = 0; n < kSubframe; n += 8) {
-    const V x = _mm_srai_epi16(load(src + n), 2);
-    sum = _mm_add_epi32(sum, _mm_madd_epi16(x, x));  // a lane: 10 * 2^26 at the most
-  }
-  const auto exact = static_cast<Zpp32u>(sumLanes32(sum));  // 40 * 2^26 fits 32 bits without sign
-  return exact > static_cast<Zpp32u>(kMax32) / 2 ? kMax32 : static_cast<Zpp32s>(2 * exact);
-}
-
 void ownApplyGain_G729A_16s_W7(const Zpp16s* gain, Zpp16s* srcDst) {
   for (int n = 0; n < kSubframe; n += 8) {
     const V x = load(srcDst + n), g = load(gain + n);

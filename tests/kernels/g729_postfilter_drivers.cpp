@@ -57,7 +57,6 @@ DRIVE(ownPreemphasize_G729A_16s, upTo(60, {40})) {
   rig.run(srcDst, srcDst, n, factor, previous);
 }
 DRIVE(ownMagnitudeSum_16s, repeated) { rig.run(subframe(rig)); }
-DRIVE(ownEnergy_G729A_16s, repeated) { rig.run(subframe(rig)); }
 DRIVE(ownApplyGain_G729A_16s, repeated) { rig.run(subframe(rig), rig.inOut<Zpp16s>(kSubframe)); }
 DRIVE(ownConvolveCircular_G729D_16s, repeated) {
   Zpp16s* code = rig.inOut<Zpp16s>(kSubframe);
