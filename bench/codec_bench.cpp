@@ -1,0 +1,53 @@
+// Every codec of examples/codecs: nanoseconds a sample and times real time of encoding and decoding.
+#include <benchmark/benchmark.h>
+
+#include "codec.h"
+#include "speech.h"
+
+namespace {
+
+void report(benchmark::State& state, std::size_t samples, int sampleRate) {
+  const auto processed = static_cast<double>(state.iterations()) * static_cast<double>(samples);
+  state.counters["ns/sample"] = benchmark::Counter(processed * 1e-9, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+  state.counters["x real time"] = benchmark::Counter(processed / sampleRate, benchmark::Counter::kIsRate);
+}
+
+std::span<const std::int16_t> wholeFrames(const codecs::Codec& codec, const codecs::Samples& speech) {
+  const auto frame = static_cast<std::size_t>(codec.samplesPerFrame);
+  return std::span(speech).first(speech.size() / frame * frame);
+}
+
+void encode(benchmark::State& state, const codecs::Codec& codec) {
+  const auto speech = speechLike(codec.sampleRate);
+  codecs::Bytes stream;
+  for ([[maybe_unused]] auto _ : state) {
+    stream.clear();
+    codec.makeEncoder(codec.framings.front())->encode(wholeFrames(codec, speech), stream);
+  }
+  report(state, speech.size(), codec.sampleRate);
+}
+
+void decode(benchmark::State& state, const codecs::Codec& codec) {
+  const auto speech = speechLike(codec.sampleRate);
+  codecs::Bytes stream;
+  codec.makeEncoder(codec.framings.front())->encode(wholeFrames(codec, speech), stream);
+  codecs::Samples decoded;
+  for ([[maybe_unused]] auto _ : state) {
+    decoded.clear();
+    codec.makeDecoder(codec.framings.front())->decode(stream, decoded);
+  }
+  report(state, decoded.size(), codec.sampleRate);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  for (const auto& codec : codecs::registry()) {
+    const std::string name(codec.name);
+    benchmark::RegisterBenchmark((name + "/encode").c_str(), [&codec](benchmark::State& s) { encode(s, codec); });
+    benchmark::RegisterBenchmark((name + "/decode").c_str(), [&codec](benchmark::State& s) { decode(s, codec); });
+  }
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  benchmark::RunSpecifiedBenchmarks();
+}
