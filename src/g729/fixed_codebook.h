@@ -30,12 +30,6 @@ constexpr int crossBlock(int row, int column) {
   return kDiagonals + block * kBlock;
 }
 
-// A vector of 40 samples reordered by track: dst[8 t + i] = src[5 i + t]
-inline void toTracks(const Zpp16s* src, Zpp16s* dst) {
-  for (int t = 0; t < kTracks; ++t)
-    for (int i = 0; i < kPositions; ++i) dst[kPositions * t + i] = src[kTracks * i + t];
-}
-
 // The best candidate so far: `square` is the squared correlation, at most 32767, `energy` that of the filtered code vector. A
 // candidate replaces it when its quotient square / energy is larger, which is decided by cross products.
 struct Best {
