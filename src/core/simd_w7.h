@@ -24,6 +24,11 @@ inline V loadFirst(const Zpp16s* p, int n) {
   return _mm_load_si128(reinterpret_cast<const V*>(lanes));
 }
 
+// Two 16-bit values in each 32-bit lane, the first in its lower half
+inline V pairOf(Zpp32s first, Zpp32s second) {
+  return _mm_set1_epi32(static_cast<int>((static_cast<Zpp32u>(second) << 16) | (static_cast<Zpp32u>(first) & 0xffff)));
+}
+
 // Eight 16-bit lanes in reverse order
 inline V reversed(V v) {
   v = _mm_shufflehi_epi16(_mm_shufflelo_epi16(v, _MM_SHUFFLE(0, 1, 2, 3)), _MM_SHUFFLE(0, 1, 2, 3));

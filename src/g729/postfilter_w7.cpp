@@ -3,7 +3,6 @@
 #include "core/simd_w7.h"
 #include "g729/postfilter_kernels.h"
 #include "g729/postfilter_tables.h"
-#include "lpc/simd_correlation_w7.h"
 
 using namespace zpp;
 
@@ -12,10 +11,6 @@ namespace {
 constexpr int kSubframe = kPostfilterSubframe, kVectors = kSubframe / 8;
 
 V magnitudes(V x) { return _mm_max_epi16(x, _mm_subs_epi16(_mm_setzero_si128(), x)); }
-// Two 16-bit factors in each 32-bit lane, the first in the lower half
-V pairOf(Zpp32s first, Zpp32s second) {
-  return _mm_set1_epi32(static_cast<int>((static_cast<Zpp32u>(second) << 16) | (static_cast<Zpp32u>(first) & 0xffff)));
-}
 
 }  // namespace
 
@@ -70,7 +65,7 @@ void ownMatchFractions_G729_16s_W7(const Zpp16s* c, int delay, DelayedMatch (*ma
       energy = _mm_add_epi32(energy, _mm_madd_epi16(y, y));
     }
     alignas(16) Zpp32s sum[4];
-    store(sum, sumRows(early, late, energy, energy));
+    store(sum, sumsOfLanes32(early, late, energy, energy));
     const Zpp32s last = (h[0] * end[0] + h[1] * end[-1] + h[2] * end[-2] + h[3] * end[-3] + 16384) >> 15;
     match[phase][0] = {2 * sum[0], 2 * sum[2]};
     match[phase][1] = {2 * (sum[1] - c[-1] * first + c[kSubframe - 1] * last), 2 * (sum[2] - first * first + last * last)};
@@ -126,15 +121,12 @@ void ownTiltFilter_G729_16s_W7(Zpp16s* srcDst, Zpp16s previous, Zpp16s factor, Z
 }
 
 void ownPreemphasize_G729A_16s_W7(const Zpp16s* src, Zpp16s* dst, int len, Zpp16s factor, Zpp16s previous) {
+  const V factors = _mm_set1_epi16(factor);
   int n = 0;
-  if (factor != kMin16) {
-    const V factors = _mm_set1_epi16(factor);
-    for (; n + 8 <= len; n += 8) {
-      const V x = load(src + n);
-      const V past = _mm_or_si128(_mm_slli_si128(x, 2), _mm_cvtsi32_si128(previous & 0xffff));
-      previous = src[n + 7];
-      store(dst + n, _mm_subs_epi16(x, mulWrapQ15(past, factors)));
-    }
+  for (; n + 8 <= len; n += 8) {
+    const V x = load(src + n), past = _mm_or_si128(_mm_slli_si128(x, 2), _mm_cvtsi32_si128(previous & 0xffff));
+    previous = src[n + 7];
+    store(dst + n, _mm_subs_epi16(x, mulQ15(past, factors)));
   }
   if (n < len) ownPreemphasize_G729A_16s_PX(src + n, dst + n, len - n, factor, previous);
 }

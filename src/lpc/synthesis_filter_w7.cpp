@@ -10,15 +10,6 @@
 
 using namespace zpp;
 
-namespace {
-
-// Two consecutive outputs in each 32-bit lane
-V pairOf(Zpp32s first, Zpp32s second) {
-  return _mm_set1_epi32(static_cast<int>((static_cast<Zpp32u>(second) << 16) | (static_cast<Zpp32u>(first) & 0xffff)));
-}
-
-}  // namespace
-
 bool ownSynthesisFilter_NR_16s_W7(const Zpp16s* coef, const Zpp16s* src, Zpp16s* dst, int len, int scaleFactor,
                                   const Zpp16s* hist) {
   if (len < 12) return ownSynthesisFilter_NR_16s_PX(coef, src, dst, len, scaleFactor, hist);
