@@ -135,6 +135,7 @@ struct Export {
   std::function<ZppStatus(const std::vector<Passed>&)> call;
   bool checks = true;           // false: an internal step that trusts its arguments
   ZppStatus status = zppStsOk;  // of the accepted call of the contract run
+  bool returnsStatus = true;    // false: a void function, which counts as zppStsOk
 
   Export trusting() const {
     return with([](Export& e) { e.checks = false; });
@@ -184,6 +185,7 @@ Export row(const char* name, Return (*function)(Types...), Arguments... argument
   Export e;
   e.name = name;
   e.address = reinterpret_cast<const void*>(function);
+  e.returnsStatus = !std::is_void_v<Return>;
   e.arguments = {arguments...};
   std::size_t i = 0;
   const auto complete = [&]<class T>(std::type_identity<T>) {

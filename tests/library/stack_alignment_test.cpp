@@ -52,7 +52,10 @@ TEST(StackAlignment, FourBytesAreEnoughForEveryExport) {
                         : a.real     ? std::bit_cast<Zpp32u>(static_cast<float>(call[i].number))
                                      : static_cast<Zpp32u>(static_cast<std::int64_t>(call[i].number)));
       }
-      EXPECT_EQ(callWithStackOffset(e.address, words.data(), static_cast<int>(words.size()), offset), e.status) << e.name;
+      const int status = callWithStackOffset(e.address, words.data(), static_cast<int>(words.size()), offset);
+      if (e.returnsStatus) {
+        EXPECT_EQ(status, e.status) << e.name;
+      }
     }
 }
 
