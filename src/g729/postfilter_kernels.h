@@ -4,9 +4,9 @@
 #include "core/variants.h"
 
 inline constexpr int kPostfilterSubframe = 40;
-inline constexpr int kPostfilterHistory =
-    152;  // samples of the residual before the subframe that the long-term postfilter uses
-inline constexpr int kPostfilterHistoryAnnexAB = 154;  // samples before the subframe in the residual buffers of Annexes A and B
+// Samples of the residual before the subframe: those that the full-rate postfilter reads, and those in the buffers of Annexes A
+// and B
+inline constexpr int kPostfilterHistory = 152, kPostfilterHistoryAnnexAB = 154;
 
 // A signal y against the residual c: y delayed by an integer less phase/8
 struct DelayedMatch {
@@ -23,17 +23,14 @@ struct DelayedMatch {
 //   src within +-4096 and the filter a row of an interpolation table, which rules out overflow.
 // ownHarmonicFilter_G729_16s: dst = (x * gainX + y * gainY + 16384) >> 15; gains not negative, their sum 32768.
 // ownHarmonicFilter_G729A_16s: dst = x * gainX >> 15 plus y * gainY >> 15, saturated; gains not negative.
-// ownTiltFilter_G729_16s: srcDst[n] = the low 16 bits of (srcDst[n] + factor * srcDst[n - 1] / 2^14), rounded, times gain /
-// 2^shift,
-//   rounded and saturated; shift 11 or 14; all samples on the right are inputs; factor within +-16384.
-// ownPreemphasize_G729A_16s: dst[n] = src[n] - (factor * src[n - 1] >> 15), saturated both times, src[-1] being `previous`; dst
-// may be
-//   src.
+// ownTiltFilter_G729_16s: with x the samples before the call, srcDst[n] = w * gain / 2^shift, rounded and saturated, w being
+//   the low 16 bits of x[n] + factor * x[n - 1] / 2^14, rounded; x[-1] is `previous`; factor within +-16384, shift 11 or 14.
+// ownPreemphasize_G729A_16s: dst[n] = src[n] - (factor * src[n - 1] >> 15), saturated both times; src[-1] is `previous`; dst
+//   may be src.
 // ownMagnitudeSum_16s: sum of the magnitudes of 40 samples, 32768 counting as 32767.
 // ownApplyGain_G729A_16s: srcDst[n] = srcDst[n] * gain[n] >> 12, saturated, 40 samples.
 // ownConvolveCircular_G729D_16s: dst[n] = the sum of code[p] * response[(n - p) mod 40] >> 15, p ascending, saturated after
-// each;
-//   response above -32768.
+//   each; response above -32768.
 #define ZPP_G729_POSTFILTER_KERNELS(KERNEL)                                                                                \
   KERNEL(ownNormaliseResidual_G729_16s, W7, int(const Zpp16s* residual, Zpp16s* scaled))                                   \
   KERNEL(ownMatchFractions_G729_16s, W7, void(const Zpp16s* c, int delay, DelayedMatch(*match)[2]))                        \
