@@ -49,8 +49,7 @@ ZppStatus zppsAlgebraicCodebookSearchEX_GSMAMR_16s(Zpp16s lag, Zpp16s gain, cons
 
 namespace {
 
-// --- Two to four pulses: an index and a word of signs
-// ------------------------------------------------------------------------------
+// --- Two to four pulses: an index and a word of signs ----------------------------------------------------------------
 
 using Sequence = Zpp8u[4];  // tracks of the pulses, outermost loop first
 
@@ -149,8 +148,7 @@ void searchSparse475(int subframe, const Zpp16s* target, const Zpp16s* impulse, 
   searchSparse(mode, target, impulse, code, filteredCode, codeword);
 }
 
-// --- Two pulses a track
-// --------------------------------------------------------------------------------------------------------------
+// --- Two pulses a track ----------------------------------------------------------------------------------------------
 
 struct DenseMode {
   const Grid& grid;
@@ -274,8 +272,7 @@ void ownAlgebraicCodebookSearch_GSMAMR_16s(int lag, Zpp16s gain, const Zpp16s* t
   if (sharpened) ownHarmonicFilter_16s(sharpening, lag, code + lag, kSubframe - lag);
 }
 
-// --- The correlation matrix by itself
-// ---------------------------------------------------------------------------------------------
+// --- The correlation matrix by itself --------------------------------------------------------------------------------
 
 namespace {
 

@@ -34,8 +34,7 @@
 
 ZPP_AMR_KERNELS(ZPP_DECLARE_KERNEL)
 
-// --- Target of the codebook search and signs of its pulses
-// ----------------------------------------------------------------------
+// --- Target of the codebook search and signs of its pulses -----------------------------------------------------------
 
 // Target filtered backward by the impulse response, normalised to 16 bits by the largest magnitudes of the tracks (cor_h_x2);
 // corr in track order
@@ -51,8 +50,7 @@ void ownSetSign_M102M122_GSMAMR_16s(const Zpp16s* ltpResidual, Zpp16s* corr, Zpp
 // saturate, which takes a response of full scale
 bool ownScaleResponse_GSMAMR_16s(const Zpp16s* impulse, Zpp16s* scaled);
 
-// --- Algebraic codebook
-// -----------------------------------------------------------------------------------------------------------
+// --- Algebraic codebook ----------------------------------------------------------------------------------------------
 
 void ownAlgebraicCodebookSearch_GSMAMR_16s(int lag, Zpp16s gain, const Zpp16s* target, const Zpp16s* ltpResidual,
                                            Zpp16s* impulse, Zpp16s* code, Zpp16s* filteredCode, Zpp16s* codeword, int subframe,
@@ -65,8 +63,7 @@ void ownDecode4i40_17bits(const Zpp16s* codeword, Zpp16s* code);
 void ownDecode8i40_31bits(const Zpp16s* codeword, Zpp16s* code);
 void ownDecode10i40_35bits(const Zpp16s* codeword, Zpp16s* code);
 
-// --- Adaptive codebook
-// ------------------------------------------------------------------------------------------------------------
+// --- Adaptive codebook -----------------------------------------------------------------------------------------------
 
 // Target of the subframe's closed-loop searches, residual and impulse response (3GPP TS 26.090 clause 5.5)
 void ownImpulseResponseTarget_GSMAMR_16s(const Zpp16s* speech, const Zpp16s* weight1, const Zpp16s* weight2,

@@ -14,9 +14,8 @@ inline constexpr int kLpcOrder = 10;
 
 // ownPartialCorr_16s32s: dst[k] = sum of src1[n] * src2[n + k], n = 0..len-1-k, modulo 2^32, k = 0..lags-1; 0 for k of len or
 //   more. The autocorrelation of a frame (src1 = src2), the backward-filtered target (src1 = signal, src2 = target).
-// ownCorr_16s32s: dst[k] = sum of src1[n] * src2[n + k], n = 0..len-1, modulo 2^32, k = 0..lags-1. Delays -maxLag..-minLag:
-// start
-//   src2 at -maxLag.
+// ownCorr_16s32s: dst[k] = sum of src1[n] * src2[n + k], n = 0..len-1, modulo 2^32, k = 0..lags-1.
+//   Delays -maxLag..-minLag: start src2 at -maxLag.
 // ownCrossCorr_16s32s_Sfs: dst[n] = the exact sum of target[k] * signal[k - n], k = n..len-1, scaled by the Sfs rule.
 // ownCrossCorr_NormM_16s: the same doubled and normalised to 13 bits (ITU-T G.729 Annex A, Cor_h_X).
 // ownCrossCorrLagMax_16s: exact sums saturated to 32 bits, src2 advanced by 0..maxLag; the largest lag wins a tie; {0, maxLag}
@@ -67,8 +66,7 @@ bool ownSynthesisFilter_G729E_16s(const Zpp16s* coef, int order, const Zpp16s* s
 // dst = the impulse response of coef[0]/A(z), coef[0] in front
 void ownSynthesisFilterZeroStateResponse_NR_16s(const Zpp16s* coef, Zpp16s* dst, int len, int scaleFactor);
 
-// --- Adaptive-codebook gain
-// --------------------------------------------------------------------------------------------------------
+// --- Adaptive-codebook gain ------------------------------------------------------------------------------------------
 
 // Gain of the filtered adaptive vector against the target, both of 40 samples: Q14, 0..1.2 (ITU-T G.729 clause 3.7.3, 3GPP
 // TS 26.090 clause 5.6). coeffs, unless null: mantissa and 15 - exponent of the energy, then of the correlation. The

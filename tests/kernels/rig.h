@@ -248,8 +248,7 @@ Sizes sizesOf();
 #define ZPP_USE_A6_W7(name) ZPP_USE_A6(name) ZPP_USE_W7(name)
 #define ZPP_USE_W7_T7(name) ZPP_USE_W7(name) ZPP_USE_T7(name)
 
-// --- The program's list
-// ---------------------------------------------------------------------------------------------------------
+// --- The program's list ----------------------------------------------------------------------------------------------
 
 struct Options {
   std::uint64_t seed = 1;
