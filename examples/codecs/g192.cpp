@@ -1,5 +1,7 @@
 #include "g192.h"
 
+#include <algorithm>
+
 namespace codecs {
 namespace {
 
@@ -23,13 +25,14 @@ void appendSerialFrame(std::span<const std::uint8_t> octets, Bytes& stream) {
     for (int bit = 7; bit >= 0; --bit) append(octet >> bit & 1 ? kOne : kZero, stream);
 }
 
-SerialFrame takeSerialFrame(std::span<const std::uint8_t> stream, int bits) {
+SerialFrame takeSerialFrame(std::span<const std::uint8_t> stream, std::initializer_list<std::size_t> sizes) {
   SerialFrame frame;
   if (stream.size() < 4) return frame;
   const std::size_t length = wordAt(stream, 1);
   frame.lost = wordAt(stream, 0) != kGoodFrame;
-  if (length != static_cast<std::size_t>(bits) && !(frame.lost && length == 0)) {
-    throw StreamError("a frame of " + std::to_string(length) + " bits where " + std::to_string(bits) + " are expected");
+  if (std::ranges::find(sizes, length) == sizes.end() && !(frame.lost && length == 0)) {
+    throw StreamError("a frame of " + std::to_string(length) + " bits where " + std::to_string(*sizes.begin()) +
+                      " are expected");
   }
   if (stream.size() < 2 * (2 + length)) return frame;
   frame.size = 2 * (2 + length);

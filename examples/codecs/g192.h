@@ -3,6 +3,8 @@
 #ifndef ZPPSC_EXAMPLES_G192_H
 #define ZPPSC_EXAMPLES_G192_H
 
+#include <initializer_list>
+
 #include "codec.h"
 
 namespace codecs {
@@ -16,9 +18,9 @@ struct SerialFrame {
 
 void appendSerialFrame(std::span<const std::uint8_t> octets, Bytes& stream);
 
-// Takes the frame at the front of a stream of frames with `bits` bits, a multiple of 8; lost ones may have none.
-// Throws StreamError for another number of bits.
-SerialFrame takeSerialFrame(std::span<const std::uint8_t> stream, int bits);
+// Takes the frame at the front of a stream whose frames have one of the given numbers of bits, multiples of 8; lost ones may
+// have none. Throws StreamError for another number of bits.
+SerialFrame takeSerialFrame(std::span<const std::uint8_t> stream, std::initializer_list<std::size_t> sizes);
 
 }  // namespace codecs
 

@@ -51,7 +51,7 @@ std::size_t G7221Decoder::decode(std::span<const std::uint8_t> stream, Samples& 
 std::size_t G7221Decoder::decodeFrame(std::span<const std::uint8_t> stream, Samples& samples) {
   SerialFrame frame;
   if (framing_ == G7221Framing::itu) {
-    frame = takeSerialFrame(stream, static_cast<int>(8 * frameSize_));
+    frame = takeSerialFrame(stream, {8 * frameSize_});
   } else if (stream.size() >= frameSize_) {
     frame = {.size = frameSize_, .octets = Bytes(stream.begin(), stream.begin() + static_cast<std::ptrdiff_t>(frameSize_))};
     if (framing_ == G7221Framing::packed) swapOctets(frame.octets);

@@ -2,6 +2,7 @@
 #include "g711.h"
 #include "g7221.h"
 #include "g726.h"
+#include "g729.h"
 
 namespace codecs {
 namespace {
@@ -23,6 +24,8 @@ const std::vector<Codec>& registry() {
   static const std::vector<std::string_view> octets = {"octets"};
   static const std::vector<std::string_view> adpcm = {"rfc3551", "aal2", "codes"};
   static const std::vector<std::string_view> transform = {"packed", "rfc5577", "itu"};
+  static const std::vector<std::string_view> celp = {"rfc3551", "itu"};
+  using enum g729::Variant;
   static const std::vector<Codec> rows = {
       // name, bit rate, Hz, samples a frame, delay, framings, factories
       {"g711-mulaw", "64 kbit/s", 8000, 1, 0, octets, encoder<G711Encoder, Law::mu>, decoder<G711Decoder, Law::mu>},
@@ -33,6 +36,10 @@ const std::vector<Codec>& registry() {
       {"g726-40", "40 kbit/s", 8000, g726Group(5), 0, adpcm, encoder<G726Encoder, 5>, decoder<G726Decoder, 5>},
       {"g722.1-24", "24 kbit/s", 16000, 320, 320, transform, encoder<G7221Encoder, 24000>, decoder<G7221Decoder, 24000>},
       {"g722.1-32", "32 kbit/s", 16000, 320, 320, transform, encoder<G7221Encoder, 32000>, decoder<G7221Decoder, 32000>},
+      {"g729", "8 kbit/s", 8000, 80, 40, celp, encoder<G729Encoder, mainBody, false>, decoder<G729Decoder, mainBody, false>},
+      {"g729a", "8 kbit/s", 8000, 80, 40, celp, encoder<G729Encoder, annexA, false>, decoder<G729Decoder, annexA, false>},
+      {"g729b", "0-8 kbit/s", 8000, 80, 40, celp, encoder<G729Encoder, mainBody, true>, decoder<G729Decoder, mainBody, true>},
+      {"g729ab", "0-8 kbit/s", 8000, 80, 40, celp, encoder<G729Encoder, annexA, true>, decoder<G729Decoder, annexA, true>},
   };
   return rows;
 }

@@ -1,0 +1,171 @@
+#include "g729_decoder.h"
+
+#include <algorithm>
+
+#include "codec.h"
+#include "fixed_point.h"
+#include "g729_tables.h"
+
+namespace codecs::g729 {
+namespace {
+
+// Clause 3.8: four pulses, Q13
+Subframe codeVector(Zpp16s positions, Zpp16s signs) {
+  const int last = positions >> 9 & 15;
+  const std::array<int, 4> pulses = {5 * (positions & 7), 5 * (positions >> 3 & 7) + 1, 5 * (positions >> 6 & 7) + 2,
+                                     5 * (last >> 1) + 3 + (last & 1)};
+  Subframe code{};
+  for (int k = 0; k < 4; ++k) code[pulses[k]] = signs >> k & 1 ? 8191 : -8192;
+  return code;
+}
+
+}  // namespace
+
+FrameDecoder::FrameDecoder(Variant variant) : variant_(variant), sidGain_(sidGains[0]) {
+  std::copy_n(maMemory_.data(), kOrder, lsf_.begin());
+  if (variant == Variant::mainBody) {
+    postfilter_ = std::make_unique<MainBodyPostfilter>();
+  } else {
+    postfilter_ = std::make_unique<AnnexAPostfilter>();
+  }
+}
+
+void FrameDecoder::decode(const Frame& frame, std::span<Zpp16s, kFrameSize> samples) { play(frame, false, samples); }
+
+// Speech goes on as speech, silence as silence.
+void FrameDecoder::conceal(std::span<Zpp16s, kFrameSize> samples) {
+  Frame frame;
+  if (lastType_ == FrameType::speech) frame.type = FrameType::speech;
+  play(frame, true, samples);
+}
+
+void FrameDecoder::play(const Frame& frame, bool lost, std::span<Zpp16s, kFrameSize> samples) {
+  const bool noise = frame.type != FrameType::speech;
+  if (noise) {
+    decodeNoise(frame.type == FrameType::sid ? &frame.sid : nullptr);
+  } else {
+    decodeSpeech(frame.speech, lost);
+  }
+  lastType_ = frame.type;
+  if (!lost) {
+    Zpp32s energy = 0;
+    for (int n = 0; n < kFrameSize; ++n) energy = macDbl(energy, excitation(0)[n], excitation(0)[n]);
+    const int norm = norm32(energy);
+    excitationEnergy_ = roundHigh16(shlSat32(energy, norm));
+    excitationExponent_ = 16 - norm;
+  }
+
+  voiced_ = false;
+  for (int s = 0; s < kSubframes; ++s) {
+    const Zpp16s delay = delays_[variant_ == Variant::mainBody ? 0 : s];
+    if (postfilter_->filter(filters_[s], delay, noise, synthesis(s), samples.data() + kSubframeSize * s) != 0) voiced_ = true;
+  }
+  highPass_.filter(samples);
+  std::copy(excitation_.begin() + kFrameSize, excitation_.end(), excitation_.begin());
+  std::copy(synthesis_.begin() + kFrameSize, synthesis_.end(), synthesis_.begin());
+}
+
+void FrameDecoder::decodeSpeech(const SpeechParameters& parameters, bool lost) {
+  noise_.restart();
+  filters_ = moveTo(decodeLsp(parameters.lsp, lost));
+  for (int s = 0; s < kSubframes; ++s) {
+    const PitchDelay delay = decodeDelay(parameters, s, lost);
+    delays_[s] = delay[0];
+    decodeSubframe(parameters.subframes[s], delay, s, lost);
+    synthesiseSubframe(s);
+  }
+}
+
+// Clauses 4.1.1 and 4.4.1
+Lsp FrameDecoder::decodeLsp(const std::array<Zpp16s, 2>& code, bool lost) {
+  if (lost) {
+    require(zppsLSFDecodeErased_G729_16s(maMode_, maMemory_.data(), lsf_.data()));
+  } else {
+    maMode_ = static_cast<Zpp16s>(code[0] >> 7);
+    const std::array<Zpp16s, 4> index = {maMode_, static_cast<Zpp16s>(code[0] & 127), static_cast<Zpp16s>(code[1] >> 5),
+                                         static_cast<Zpp16s>(code[1] & 31)};
+    zppsLSFDecode_G729_16s(index.data(), maMemory_.data(), lsf_.data());  // warns of LSFs that it moved apart
+  }
+  Lsp lsp;
+  require(zppsLSFToLSP_G729_16s(lsf_.data(), lsp.data()));
+  return lsp;
+}
+
+SubframeFilters FrameDecoder::moveTo(const Lsp& lsp) {
+  const SubframeFilters filters = interpolate(lsp_, lsp);
+  lsp_ = lsp;
+  return filters;
+}
+
+// Clauses 4.1.2 and 4.1.3. Without a good delay the last one is used, and grows slowly.
+PitchDelay FrameDecoder::decodeDelay(const SpeechParameters& parameters, int subframe, bool lost) {
+  const int code = parameters.subframes[subframe].delay;
+  const int third = ((code + 2) * 10923 >> 15) - 1;  // (code - 1) / 3
+  PitchDelay delay;
+  if (lost || (subframe == 0 && parameters.parity != delayParity(parameters.subframes[0].delay))) {
+    delay = {lastDelay_, 0};
+    lastDelay_ = std::min<Zpp16s>(static_cast<Zpp16s>(lastDelay_ + 1), kLongestDelay);
+    return delay;
+  }
+  if (subframe == 1) {
+    delay = {static_cast<Zpp16s>(third + earliestDelay(delays_[0])), static_cast<Zpp16s>(code - 2 - 3 * third)};
+  } else if (code < 197) {
+    delay = {static_cast<Zpp16s>(third + 20), static_cast<Zpp16s>(code - 3 * (third + 20) + 58)};
+  } else {
+    delay = {static_cast<Zpp16s>(code - 112), 0};
+  }
+  lastDelay_ = delay[0];
+  return delay;
+}
+
+// The excitation (clauses 4.1.3 to 4.1.5 and 4.4)
+void FrameDecoder::decodeSubframe(const SpeechParameters::Subframe& parameters, const PitchDelay& delay, int subframe,
+                                  bool lost) {
+  require(zppsDecodeAdaptiveVector_G729_16s_I(delay.data(), excitation(subframe) - kPastExcitation));
+
+  Zpp16s positions = parameters.positions, signs = parameters.signs;
+  if (lost) {
+    positions = static_cast<Zpp16s>(random_.next() & 0x1fff);
+    signs = static_cast<Zpp16s>(random_.next() & 15);
+  }
+  Subframe code = codeVector(positions, signs);
+  sharpen(code, delay[0], sharpening_);
+
+  Zpp32s energy = 0;
+  require(zppsDotProd_16s32s_Sfs(code.data(), code.data(), kSubframeSize, &energy, 0));
+  require(zppsDecodeGain_G729_16s(energy, gainMemory_.data(), lost ? nullptr : parameters.gains, gains_.data()));
+  sharpening_ = sharpeningFor(gains_[0]);
+
+  auto [pitchGain, codeGain] = gains_;
+  if (lost && variant_ == Variant::mainBody) (voiced_ ? codeGain : pitchGain) = 0;
+  mixExcitation(excitation(subframe), code, pitchGain, codeGain);
+}
+
+// Annex B. Without a descriptor the last one holds; if that was lost, the level follows the end of the speech.
+void FrameDecoder::decodeNoise(const SidParameters* sid) {
+  const bool afterSpeech = lastType_ == FrameType::speech;
+  if (sid != nullptr) {
+    sidGain_ = sidGains[sid->gain];
+    Lsp lsf;
+    zppsLSFDecode_G729B_16s(sid->lsf.data(), maMemory_.data(), lsf.data());  // warns of LSFs that it moved apart
+    require(zppsLSFToLSP_G729_16s(lsf.data(), sidLsp_.data()));
+  } else if (afterSpeech) {
+    sidGain_ = sidGains[guessSidGain(excitationEnergy_, excitationExponent_).index];
+  }
+  noise_.approach(sidGain_, afterSpeech);
+  noise_.excite(excitation(0));
+  filters_ = moveTo(sidLsp_);
+  for (int s = 0; s < kSubframes; ++s) synthesiseSubframe(s);
+  delays_.fill(lastDelay_);
+  sharpening_ = kLeastSharpening;
+}
+
+// Where the synthesis is clamped, the whole excitation is scaled down and the subframe synthesised again.
+void FrameDecoder::synthesiseSubframe(int subframe) {
+  Zpp16s* const output = synthesis(subframe);
+  if (synthesise(filters_[subframe], excitation(subframe), output, output - kOrder)) return;
+  require(zppsRShiftC_16s_I(excitation_.data(), static_cast<int>(excitation_.size()), 2));
+  synthesise(filters_[subframe], excitation(subframe), output, output - kOrder);
+}
+
+}  // namespace codecs::g729
