@@ -39,7 +39,8 @@ Zpp16s MainBodyPostfilter::filter(const Filter& a, Zpp16s delay, bool noise, con
   if (noise) {
     std::copy_n(residual, kSubframeSize, shortTerm);
   } else {
-    require(zppsLongTermPostFilter_G729_16s(16384, delay, residual, shortTerm, &selected));
+    // A repeated delay may be that of a second subframe, 144.
+    require(zppsLongTermPostFilter_G729_16s(16384, std::min(delay, kLongestDelay), residual, shortTerm, &selected));
   }
   std::array<Zpp16s, 20> impulse;
   zppsShortTermPostFilter_G729_16s(a.data(), shortTerm, shortTerm, impulse.data());

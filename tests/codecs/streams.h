@@ -1,4 +1,4 @@
-// Codecs by name, and files of golden streams.
+// Codecs by name, files of golden streams, checksums, and the serial format.
 #pragma once
 
 #include <cstring>
@@ -46,6 +46,31 @@ inline codecs::Samples decoded(const codecs::Codec& codec, std::string_view fram
     used += decoder->decode(stream.subspan(used, arrived - used), samples);
   }
   return samples;
+}
+
+inline std::uint32_t crc32(std::span<const std::int16_t> samples) {
+  std::uint32_t crc = 0xffffffff;
+  const auto take = [&](unsigned octet) {
+    crc ^= octet & 0xff;
+    for (int bit = 0; bit < 8; ++bit) crc = crc >> 1 ^ (crc & 1 ? 0xedb88320 : 0);
+  };
+  for (const int sample : samples) {
+    take(static_cast<unsigned>(sample));
+    take(static_cast<unsigned>(sample) >> 8);
+  }
+  return ~crc;
+}
+
+// A frame in the serial format of ITU-T G.192, the first bit in the highest place of the first octet
+inline void appendSerial(std::span<const std::uint8_t> octets, bool lost, codecs::Bytes& stream) {
+  const auto put = [&stream](std::size_t word) {
+    stream.push_back(static_cast<std::uint8_t>(word));
+    stream.push_back(static_cast<std::uint8_t>(word >> 8));
+  };
+  put(lost ? 0x6b20 : 0x6b21);
+  put(8 * octets.size());
+  for (const unsigned octet : octets)
+    for (int bit = 7; bit >= 0; --bit) put(octet >> bit & 1 ? 0x81 : 0x7f);
 }
 
 }  // namespace test
