@@ -23,9 +23,10 @@ SidGain quantise(Zpp32s energy, int exponent) {
   return {index, static_cast<Zpp16s>(2 * index + 4)};
 }
 
+// Doubled
 Zpp32s energyOf(const Subframe& x) {
   Zpp32s energy = 0;
-  for (const Zpp16s sample : x) energy = macDbl(energy, sample, sample);
+  require(zppsDotProd_16s32s_Sfs(x.data(), x.data(), kSubframeSize, &energy, -1));
   return energy;
 }
 

@@ -48,8 +48,8 @@ void FrameDecoder::play(const Frame& frame, bool lost, std::span<Zpp16s, kFrameS
   }
   lastType_ = frame.type;
   if (!lost) {
-    Zpp32s energy = 0;
-    for (int n = 0; n < kFrameSize; ++n) energy = macDbl(energy, excitation(0)[n], excitation(0)[n]);
+    Zpp32s energy = 0;  // doubled
+    require(zppsDotProd_16s32s_Sfs(excitation(0), excitation(0), kFrameSize, &energy, -1));
     const int norm = norm32(energy);
     excitationEnergy_ = roundHigh16(shlSat32(energy, norm));
     excitationExponent_ = 16 - norm;

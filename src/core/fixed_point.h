@@ -141,5 +141,9 @@ constexpr Zpp64s shrRoundHalfUp(Zpp64s v, int s) {
   if (s > 33) return 0;
   return (v + (Zpp64s{1} << (s - 1))) >> s;
 }
+constexpr Zpp32s shrRoundHalfUp(Zpp32s v, int s) {
+  if (s == 0) return v;
+  return s > 31 ? 0 : (v >> s) + ((v >> (s - 1)) & 1);
+}
 
 }  // namespace zpp

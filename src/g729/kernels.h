@@ -16,7 +16,9 @@
   KERNEL(ownLPCToLSP_G729, W7,                                                                                       \
          void(const Zpp16s* a, const Zpp16s* prevLsp, const Zpp16s* grid, int intervals, int halvings, Zpp16s* lsp)) \
   KERNEL(ownLspPreSelect, W7, int(const Zpp16s* target))                                                             \
-  KERNEL(ownLspSelect2, W7, void(const Zpp16s* residual, const Zpp16s* weight, Zpp16s* index))
+  KERNEL(ownLspSelect2, W7, void(const Zpp16s* residual, const Zpp16s* weight, Zpp16s* index))                       \
+  KERNEL(ownInterpolateC_NR_G729_16s_Sfs, W7,                                                                        \
+         void(const Zpp16s* src1, Zpp16s weight1, const Zpp16s* src2, Zpp16s weight2, Zpp16s* dst, int len, int scaleFactor))
 
 ZPP_G729_LSP_KERNELS(ZPP_DECLARE_KERNEL)
 

@@ -36,12 +36,6 @@ void walkCosines(const Zpp16s* lsp, Convert convert) {
   }
 }
 
-// (sum of two weighted elements) >> scaleFactor through `narrow`
-template <class Narrow>
-void weightedSum(const Zpp16s* src1, Zpp16s weight1, const Zpp16s* src2, Zpp16s weight2, Zpp16s* dst, int len, Narrow narrow) {
-  for (int n = 0; n < len; ++n) dst[n] = sat16(narrow(addSat32(Zpp32s{src1[n]} * weight1, Zpp32s{src2[n]} * weight2)));
-}
-
 }  // namespace
 
 void ownLSPToLPC_G729_16s(const Zpp16s* lsp, Zpp16s* a) {
@@ -109,12 +103,10 @@ void ownInterpolate_G729_16s(const Zpp16s* src1, const Zpp16s* src2, Zpp16s* dst
 
 void ownInterpolateC_G729_16s_Sfs(const Zpp16s* src1, Zpp16s weight1, const Zpp16s* src2, Zpp16s weight2, Zpp16s* dst, int len,
                                   int scaleFactor) {
-  weightedSum(src1, weight1, src2, weight2, dst, len, [scaleFactor](Zpp32s sum) { return shr32(sum, scaleFactor); });
-}
-
-void ownInterpolateC_NR_G729_16s_Sfs(const Zpp16s* src1, Zpp16s weight1, const Zpp16s* src2, Zpp16s weight2, Zpp16s* dst,
-                                     int len, int scaleFactor) {
-  weightedSum(src1, weight1, src2, weight2, dst, len, [scaleFactor](Zpp32s sum) { return shrRoundHalfUp(sum, scaleFactor); });
+  for (int n = 0; n < len; ++n) {
+    const Zpp32s sum = addSat32(Zpp32s{src1[n]} * weight1, Zpp32s{src2[n]} * weight2);
+    dst[n] = sat16(shr32(sum, scaleFactor));
+  }
 }
 
 ZppStatus zppsInterpolate_G729_16s(const Zpp16s* src1, const Zpp16s* src2, Zpp16s* dst, int len) {

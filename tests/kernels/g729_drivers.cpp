@@ -43,5 +43,15 @@ DRIVE(ownLspSelect2, upTo(60, {1})) {
   const auto limit = static_cast<Zpp16s>(n % 2 == 0 ? 32767 : 4000);
   rig.run(rig.in<Zpp16s>(10, static_cast<Zpp16s>(-limit), limit), rig.in<Zpp16s>(10, 0), rig.out<Zpp16s>(2));
 }
+// Now and then the weights whose sum of products needs more than 32 bits; in place for odd lengths
+DRIVE(ownInterpolateC_NR_G729_16s_Sfs, upTo(60, {40})) {
+  const bool extreme = rig.scalar(0, 9) == 0;
+  const auto weight = [&] { return extreme ? Zpp16s{-32768} : rig.scalar<Zpp16s>(-32768, 32767); };
+  const Zpp16s weight1 = weight(), weight2 = weight();
+  const int scaleFactor = n == 40 ? 14 : rig.scalar(0, 34);
+  if (n % 2 == 0) return rig.run(rig.in<Zpp16s>(n), weight1, rig.in<Zpp16s>(n), weight2, rig.out<Zpp16s>(n), n, scaleFactor);
+  Zpp16s* srcDst = rig.inOut<Zpp16s>(n);
+  rig.run(srcDst, weight1, rig.in<Zpp16s>(n), weight2, srcDst, n, scaleFactor);
+}
 
 }  // namespace test
