@@ -64,6 +64,12 @@ inline void require(ZppStatus status) {
   if (status != zppStsOk) throw std::logic_error("unexpected status " + std::to_string(status) + " from libzppsc");
 }
 
+// The same for calls that may return a warning: whether they do
+inline bool warns(ZppStatus status) {
+  if (status < 0) require(status);
+  return status > 0;
+}
+
 }  // namespace codecs
 
 #endif

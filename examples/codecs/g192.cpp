@@ -32,7 +32,7 @@ SerialFrame takeSerialFrame(std::span<const std::uint8_t> stream, std::initializ
   frame.lost = wordAt(stream, 0) != kGoodFrame;
   if (std::ranges::find(sizes, length) == sizes.end() && !(frame.lost && length == 0)) {
     throw StreamError("a frame of " + std::to_string(length) + " bits where " + std::to_string(*sizes.begin()) +
-                      " are expected");
+                      (sizes.size() > 1 ? " or fewer are expected" : " are expected"));
   }
   if (stream.size() < 2 * (2 + length)) return frame;
   frame.size = 2 * (2 + length);

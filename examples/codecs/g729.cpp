@@ -7,7 +7,9 @@ namespace {
 
 using g729::kFrameSize;
 
-constexpr std::size_t kSpeechOctets = 10, kSidOctets = 2;
+using g729::kSidOctets, g729::kSpeechOctets;
+
+constexpr std::size_t kLost = 255;
 
 G729Framing framingOf(std::string_view name, bool discontinuous) {
   if (name == "itu") return G729Framing::itu;
@@ -19,12 +21,13 @@ SerialFrame takeOctets(std::span<const std::uint8_t> stream, bool withLength) {
   if (stream.empty()) return {};
   const std::size_t header = withLength ? 1 : 0;
   const std::size_t length = withLength ? stream[0] : kSpeechOctets;
+  if (length == kLost) return {.size = header, .lost = true, .octets = {}};
   if (length != kSpeechOctets && length != kSidOctets && length != 0) {
     throw StreamError("a frame of " + std::to_string(length) + " octets where 10, 2 or 0 are expected");
   }
   if (stream.size() < header + length) return {};
   const auto octets = stream.subspan(header, length);
-  return {.size = header + length, .octets = Bytes(octets.begin(), octets.end())};
+  return {.size = header + length, .lost = false, .octets = Bytes(octets.begin(), octets.end())};
 }
 
 }  // namespace

@@ -12,7 +12,7 @@ const Filter& LevinsonDurbin::solve(const Zpp32s* autocorrelation, Zpp16s* energ
   Filter a;
   std::array<Zpp16s, kOrder> reflection;
   Zpp16s residual = 0;
-  if (zppsLevinsonDurbin_G729_32s16s(autocorrelation, kOrder, a.data(), reflection.data(), &residual) == zppStsOk) {
+  if (!warns(zppsLevinsonDurbin_G729_32s16s(autocorrelation, kOrder, a.data(), reflection.data(), &residual))) {
     filter_ = a;
     reflection_ = {reflection[0], reflection[1]};
     if (energy != nullptr) *energy = residual;
@@ -26,7 +26,7 @@ Correlations autocorrelate(std::span<const Zpp16s, kWindowSize> speech) {
   Correlations result;
   int exponent = 1;
   Zpp32s norm = 0;
-  while (zppsAutoCorr_NormE_16s32s(windowed.data(), kWindowSize, result.windowed.data(), kLags, &norm) == zppStsOverflowWarn) {
+  while (warns(zppsAutoCorr_NormE_16s32s(windowed.data(), kWindowSize, result.windowed.data(), kLags, &norm))) {
     require(zppsRShiftC_16s_I(windowed.data(), kWindowSize, 2));
     exponent += 4;
   }

@@ -4,7 +4,7 @@
 
 #include "codec.h"
 #include "fixed_point.h"
-#include "g729_vad.h"
+#include "g729_logarithm.h"
 
 namespace codecs::g729 {
 namespace {
@@ -30,14 +30,93 @@ Zpp32s energyOf(const Subframe& x) {
   return energy;
 }
 
-// The square root of half a value, 14 bits of it
-Zpp16s rootOfHalf(Zpp32s value) {
-  Zpp16s root = 0;
-  for (Zpp16s bit = 1 << 14; bit > 1; bit = static_cast<Zpp16s>(bit >> 1)) {
-    const Zpp16s trial = addSat16(root, bit);
-    if (mulDbl(trial, trial) <= value) root = trial;
+// What is drawn for a subframe
+struct Pulse {
+  int position;
+  bool positive;
+};
+using Pulses = std::array<Pulse, 4>;
+struct Drawn {
+  PitchDelay delay;
+  Zpp16s pitchGain;  // Q14
+  Pulses pulses;
+};
+
+Drawn draw(RandomNumbers& random) {
+  const auto bits = [](int number, int from, int count) { return number >> from & ((1 << count) - 1); };
+  const int first = random.next(), second = random.next();
+  const int thirds = bits(first, 0, 2) - 1;
+  return {.delay = {static_cast<Zpp16s>(40 + bits(first, 2, 6)), static_cast<Zpp16s>(thirds == 2 ? 0 : thirds)},
+          .pitchGain = static_cast<Zpp16s>(bits(random.next(), 0, 13)),
+          .pulses = {{{5 * bits(first, 8, 3), bits(first, 11, 1) != 0},
+                      {5 * bits(first, 12, 3) + 1, bits(first, 15, 1) != 0},
+                      {5 * bits(second, 0, 3) + 2, bits(second, 3, 1) != 0},
+                      {5 * bits(second, 5, 3) + 3 + bits(second, 4, 1), bits(second, 8, 1) != 0}}}};
+}
+
+// Gaussian noise of a gain
+Subframe drawNoise(RandomNumbers& random, Zpp16s gain) {
+  Subframe noise;
+  for (Zpp16s& sample : noise) {
+    Zpp32s sum = 0;
+    for (int n = 0; n < 12; ++n) sum += random.next();
+    sample = static_cast<Zpp16s>(sum >> 7);
   }
-  return root;
+  Zpp32s inverse = energyOf(noise) >> 1;
+  require(zppsInvSqrt_32s_I(&inverse, 1));
+  const Zpp32s factor = mulDbl32(inverse, addSat16(gain, mulRoundQ15(gain, 19043)));
+  const int norm = norm32(factor);
+  const Zpp16s mantissa = high16(shlSat32(factor, norm));
+  for (Zpp16s& sample : noise) sample = shrRound16(mulRoundQ15(sample, mantissa), norm - 14);
+  return noise;
+}
+
+// The amplitude x of the pulses that bring a signal to a given energy: x^2 + B x = C. The sum of the signal at the pulses, with
+// their signs, gives B; the energy that is missing gives C. All are scaled down by `shift` bits.
+struct AmplitudeEquation {
+  Zpp16s halfB;
+  Zpp32s discriminant;  // C + B^2 / 4, doubled
+  int shift;
+
+  // The solution nearer to 0
+  Zpp16s solve() const {
+    Zpp16s root = 0;  // of half the discriminant, 14 bits
+    for (Zpp16s bit = 1 << 14; bit > 1; bit = static_cast<Zpp16s>(bit >> 1)) {
+      const Zpp16s trial = addSat16(root, bit);
+      if (mulDbl(trial, trial) <= discriminant) root = trial;
+    }
+    const Zpp16s upper = subSat16(root, halfB), lower = sat16(-addSat16(halfB, root));
+    const Zpp16s nearer = absSat16(upper) <= absSat16(lower) ? upper : lower;
+    return std::clamp<Zpp16s>(shrRound16(nearer, 2 - shift), -5000, 5000);
+  }
+};
+
+Zpp16s sumAtPulses(const Zpp16s* signal, const Pulses& pulses, int shift) {
+  Zpp16s sum = 0;
+  for (const auto& [position, positive] : pulses) {
+    const auto value = static_cast<Zpp16s>(signal[position] >> shift);
+    sum = positive ? addSat16(sum, value) : subSat16(sum, value);
+  }
+  return sum;
+}
+
+AmplitudeEquation equationFor(const Zpp16s* signal, const Pulses& pulses, Zpp32s energy) {
+  Zpp16s largest = 0;
+  for (int n = 0; n < kSubframeSize; ++n) largest = std::max(largest, absSat16(signal[n]));
+  const int shift = largest == 0 ? 0 : std::max(3 - norm16(largest), 0);
+  Subframe scaled;
+  require(zppsRShiftC_16s(signal, scaled.data(), kSubframeSize, shift));
+  const auto halfB = static_cast<Zpp16s>(sumAtPulses(scaled.data(), pulses, 0) >> 1);
+  return {halfB, macDbl(subSat32(energy >> (1 + 2 * shift), energyOf(scaled)), halfB, halfB), shift + 1};
+}
+
+// The same for the noise, whose energy is a quarter of the whole
+AmplitudeEquation equationForNoise(const Subframe& noise, const Pulses& pulses, Zpp32s energy) {
+  int magnitudes = 0;
+  for (const auto& pulse : pulses) magnitudes |= absSat16(noise[pulse.position]);
+  const int shift = magnitudes & 1 << 14 ? 2 : 1;
+  const Zpp16s halfB = sumAtPulses(noise.data(), pulses, shift);
+  return {halfB, macDbl(mulDbl32(energy, 24576) >> (2 * shift - 1), halfB, halfB), shift};
 }
 
 }  // namespace
@@ -57,97 +136,31 @@ void ComfortNoise::approach(Zpp16s sidGain, bool afterSpeech) {
   gain_ = afterSpeech ? sidGain : addSat16(mulRoundQ15(gain_, 28672), mulRoundQ15(sidGain, 4096));
 }
 
+// An adaptive vector, noise, and pulses that bring them to the energy which the gain stands for; the noise and pulses alone
+// where there is more energy already
 void ComfortNoise::excite(Zpp16s* excitation, Taming* taming) {
   for (int s = 0; s < kSubframes; ++s, excitation += kSubframeSize) {
-    Zpp16s pitchGain = 0;
-    int delay = kSubframeSize + 1;
-    if (gain_ == 0) {
-      std::fill_n(excitation, kSubframeSize, Zpp16s{0});
-    } else {
-      const Draw drawn = draw();
-      pitchGain = exciteSubframe(drawn, excitation);
-      delay = drawn.delay[0];
+    const Drawn drawn = draw(random_);
+    const Subframe noise = drawNoise(random_, gain_);
+    Zpp16s pitchGain = drawn.pitchGain;
+    require(zppsDecodeAdaptiveVector_G729_16s_I(drawn.delay.data(), excitation - kPastExcitation));
+    require(zppsMulC_NR_16s_ISfs(excitation, static_cast<Zpp16s>(2 * pitchGain), kSubframeSize, 15));
+    require(zppsAdd_16s_I(noise.data(), excitation, kSubframeSize));
+
+    const Zpp32s energy = mulDbl(gain_, low16(mulDbl(gain_, kSubframeSize) >> 6));
+    AmplitudeEquation equation = equationFor(excitation, drawn.pulses, energy);
+    if (equation.discriminant < 0) {
+      pitchGain = 0;
+      std::ranges::copy(noise, excitation);
+      equation = equationForNoise(noise, drawn.pulses, energy);
     }
-    if (taming != nullptr) taming->update(pitchGain, delay);
-  }
-}
-
-ComfortNoise::Draw ComfortNoise::draw() {
-  const auto bits = [](int number, int from, int count) { return number >> from & ((1 << count) - 1); };
-  const int first = random_.next(), second = random_.next();
-  const int thirds = bits(first, 0, 2) - 1;
-  return {.delay = {static_cast<Zpp16s>(40 + bits(first, 2, 6)), static_cast<Zpp16s>(thirds == 2 ? 0 : thirds)},
-          .pitchGain = static_cast<Zpp16s>(bits(random_.next(), 0, 13)),
-          .pulses = {{{5 * bits(first, 8, 3), bits(first, 11, 1) != 0},
-                      {5 * bits(first, 12, 3) + 1, bits(first, 15, 1) != 0},
-                      {5 * bits(second, 0, 3) + 2, bits(second, 3, 1) != 0},
-                      {5 * bits(second, 5, 3) + 3 + bits(second, 4, 1), bits(second, 8, 1) != 0}}}};
-}
-
-// Noise of the current gain
-Subframe ComfortNoise::drawGaussian() {
-  Subframe noise;
-  for (Zpp16s& sample : noise) {
-    Zpp32s sum = 0;
-    for (int n = 0; n < 12; ++n) sum += random_.next();
-    sample = static_cast<Zpp16s>(sum >> 7);
-  }
-  Zpp32s inverse = energyOf(noise) >> 1;
-  require(zppsInvSqrt_32s_I(&inverse, 1));
-  const Zpp32s factor = mulDbl32(inverse, addSat16(gain_, mulRoundQ15(gain_, 19043)));
-  const int norm = norm32(factor);
-  const Zpp16s mantissa = high16(shlSat32(factor, norm));
-  for (Zpp16s& sample : noise) sample = shrRound16(mulRoundQ15(sample, mantissa), norm - 14);
-  return noise;
-}
-
-// Adds an adaptive vector, noise and four pulses whose amplitude brings the whole to the energy that the gain stands for;
-// without the adaptive vector where that is too loud already. Returns the pitch gain used.
-Zpp16s ComfortNoise::exciteSubframe(const Draw& draw, Zpp16s* excitation) {
-  Zpp16s pitchGain = draw.pitchGain;
-  const Subframe noise = drawGaussian();
-  require(zppsDecodeAdaptiveVector_G729_16s_I(draw.delay.data(), excitation - kPastExcitation));
-  require(zppsMulC_NR_16s_ISfs(excitation, static_cast<Zpp16s>(2 * pitchGain), kSubframeSize, 15));
-  require(zppsAdd_16s_I(noise.data(), excitation, kSubframeSize));
-
-  const auto sumAtPulses = [&draw](const Zpp16s* signal, int shift) {
-    Zpp16s sum = 0;
-    for (const auto& [position, positive] : draw.pulses) {
-      const auto value = static_cast<Zpp16s>(signal[position] >> shift);
-      sum = positive ? addSat16(sum, value) : subSat16(sum, value);
+    const Zpp16s amplitude = equation.solve();
+    for (const auto& [position, positive] : drawn.pulses) {
+      Zpp16s& sample = excitation[position];
+      sample = positive ? addSat16(sample, amplitude) : subSat16(sample, amplitude);
     }
-    return sum;
-  };
-  // The amplitude x solves 4 x^2 + 2 B x = D', B being the sum at the pulses; D = D' + B^2 / 4, all scaled down by `shift`
-  // bits.
-  const Zpp32s energy = mulDbl(gain_, low16(mulDbl(gain_, kSubframeSize) >> 6));
-  Zpp16s largest = 0;
-  for (int n = 0; n < kSubframeSize; ++n) largest = std::max(largest, absSat16(excitation[n]));
-  int shift = largest == 0 ? 0 : std::max(3 - norm16(largest), 0);
-  Subframe scaled;
-  require(zppsRShiftC_16s(excitation, scaled.data(), kSubframeSize, shift));
-  auto sum = static_cast<Zpp16s>(sumAtPulses(scaled.data(), 0) >> 1);
-  Zpp32s discriminant = macDbl(subSat32(energy >> (1 + 2 * shift), energyOf(scaled)), sum, sum);
-  ++shift;
-  if (discriminant < 0) {
-    std::ranges::copy(noise, excitation);
-    pitchGain = 0;
-    int magnitudes = 0;
-    for (const auto& pulse : draw.pulses) magnitudes |= absSat16(noise[pulse.position]);
-    shift = magnitudes & 1 << 14 ? 2 : 1;
-    sum = sumAtPulses(noise.data(), shift);
-    discriminant = macDbl(mulDbl32(energy, 24576) >> (2 * shift - 1), sum, sum);
+    if (taming != nullptr) taming->update(pitchGain, drawn.delay[0]);
   }
-
-  const Zpp16s root = rootOfHalf(discriminant);
-  const Zpp16s upper = subSat16(root, sum), lower = sat16(-addSat16(sum, root));
-  const Zpp16s nearer = absSat16(upper) <= absSat16(lower) ? upper : lower;
-  const Zpp16s amplitude = std::clamp<Zpp16s>(shrRound16(nearer, 2 - shift), -5000, 5000);
-  for (const auto& [position, positive] : draw.pulses) {
-    Zpp16s& sample = excitation[position];
-    sample = positive ? addSat16(sample, amplitude) : subSat16(sample, amplitude);
-  }
-  return pitchGain;
 }
 
 }  // namespace codecs::g729

@@ -23,8 +23,6 @@ SidGain guessSidGain(Zpp16s energy, int exponent);
 
 class ComfortNoise {
  public:
-  static constexpr int kPastExcitation = 154;
-
   // To be called in every frame of speech: both sides must draw the same random numbers.
   void restart() { random_ = RandomNumbers(kSeed); }
   // The gain of the next frame: that of the descriptor at once after speech, else gradually
@@ -34,21 +32,6 @@ class ComfortNoise {
 
  private:
   static constexpr Zpp16s kSeed = 11111;
-  struct Pulse {
-    int position;
-    bool positive;
-  };
-  using Pulses = std::array<Pulse, 4>;
-  struct Draw {
-    PitchDelay delay;
-    Zpp16s pitchGain;  // Q14
-    Pulses pulses;
-  };
-
-  Draw draw();
-  Subframe drawGaussian();
-  Zpp16s exciteSubframe(const Draw& draw, Zpp16s* excitation);
-
   RandomNumbers random_{kSeed};
   Zpp16s gain_ = 0;
 };

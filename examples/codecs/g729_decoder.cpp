@@ -9,13 +9,13 @@
 namespace codecs::g729 {
 namespace {
 
-// Clause 3.8: four pulses, Q13
-Subframe codeVector(Zpp16s positions, Zpp16s signs) {
-  const int last = positions >> 9 & 15;
-  const std::array<int, 4> pulses = {5 * (positions & 7), 5 * (positions >> 3 & 7) + 1, 5 * (positions >> 6 & 7) + 2,
-                                     5 * (last >> 1) + 3 + (last & 1)};
+// Four pulses, Q13 (clause 4.1.4)
+Subframe codeVector(Zpp16s positions, int signs) {
   Subframe code{};
-  for (int k = 0; k < 4; ++k) code[pulses[k]] = signs >> k & 1 ? 8191 : -8192;
+  for (const int position : pulsePositions(positions)) {
+    code[position] = signs & 1 ? 8191 : -8192;
+    signs >>= 1;
+  }
   return code;
 }
 
@@ -58,16 +58,16 @@ void FrameDecoder::play(const Frame& frame, bool lost, std::span<Zpp16s, kFrameS
   voiced_ = false;
   for (int s = 0; s < kSubframes; ++s) {
     const Zpp16s delay = delays_[variant_ == Variant::mainBody ? 0 : s];
-    if (postfilter_->filter(filters_[s], delay, noise, synthesis(s), samples.data() + kSubframeSize * s) != 0) voiced_ = true;
+    if (postfilter_->filter(filters_[s], delay, noise, synthesis(s), samples.data() + kSubframeSize * s)) voiced_ = true;
   }
   highPass_.filter(samples);
-  std::copy(excitation_.begin() + kFrameSize, excitation_.end(), excitation_.begin());
-  std::copy(synthesis_.begin() + kFrameSize, synthesis_.end(), synthesis_.begin());
+  shiftFrame(excitation_);
+  shiftFrame(synthesis_);
 }
 
 void FrameDecoder::decodeSpeech(const SpeechParameters& parameters, bool lost) {
   noise_.restart();
-  filters_ = moveTo(decodeLsp(parameters.lsp, lost));
+  filters_ = interpolation_.moveTo(decodeLsp(parameters.lsp, lost));
   for (int s = 0; s < kSubframes; ++s) {
     const PitchDelay delay = decodeDelay(parameters, s, lost);
     delays_[s] = delay[0];
@@ -84,23 +84,17 @@ Lsp FrameDecoder::decodeLsp(const std::array<Zpp16s, 2>& code, bool lost) {
     maMode_ = static_cast<Zpp16s>(code[0] >> 7);
     const std::array<Zpp16s, 4> index = {maMode_, static_cast<Zpp16s>(code[0] & 127), static_cast<Zpp16s>(code[1] >> 5),
                                          static_cast<Zpp16s>(code[1] & 31)};
-    zppsLSFDecode_G729_16s(index.data(), maMemory_.data(), lsf_.data());  // warns of LSFs that it moved apart
+    warns(zppsLSFDecode_G729_16s(index.data(), maMemory_.data(), lsf_.data()));  // of LSFs at the ends of their range
   }
   Lsp lsp;
   require(zppsLSFToLSP_G729_16s(lsf_.data(), lsp.data()));
   return lsp;
 }
 
-SubframeFilters FrameDecoder::moveTo(const Lsp& lsp) {
-  const SubframeFilters filters = interpolate(lsp_, lsp);
-  lsp_ = lsp;
-  return filters;
-}
-
 // Clauses 4.1.2 and 4.1.3. Without a good delay the last one is used, and grows slowly.
 PitchDelay FrameDecoder::decodeDelay(const SpeechParameters& parameters, int subframe, bool lost) {
   const int code = parameters.subframes[subframe].delay;
-  const int third = ((code + 2) * 10923 >> 15) - 1;  // (code - 1) / 3
+  const int samples = ((code + 2) * 10923 >> 15) - 1;  // (code - 1) / 3, rounded down
   PitchDelay delay;
   if (lost || (subframe == 0 && parameters.parity != delayParity(parameters.subframes[0].delay))) {
     delay = {lastDelay_, 0};
@@ -108,9 +102,9 @@ PitchDelay FrameDecoder::decodeDelay(const SpeechParameters& parameters, int sub
     return delay;
   }
   if (subframe == 1) {
-    delay = {static_cast<Zpp16s>(third + earliestDelay(delays_[0])), static_cast<Zpp16s>(code - 2 - 3 * third)};
+    delay = {static_cast<Zpp16s>(samples + earliestDelay(delays_[0])), static_cast<Zpp16s>(code - 2 - 3 * samples)};
   } else if (code < 197) {
-    delay = {static_cast<Zpp16s>(third + 20), static_cast<Zpp16s>(code - 3 * (third + 20) + 58)};
+    delay = {static_cast<Zpp16s>(samples + 20), static_cast<Zpp16s>(code - 3 * (samples + 20) + 58)};
   } else {
     delay = {static_cast<Zpp16s>(code - 112), 0};
   }
@@ -146,15 +140,15 @@ void FrameDecoder::decodeNoise(const SidParameters* sid) {
   const bool afterSpeech = lastType_ == FrameType::speech;
   if (sid != nullptr) {
     sidGain_ = sidGains[sid->gain];
-    Lsp lsf;
-    zppsLSFDecode_G729B_16s(sid->lsf.data(), maMemory_.data(), lsf.data());  // warns of LSFs that it moved apart
+    Lsf lsf;
+    warns(zppsLSFDecode_G729B_16s(sid->lsf.data(), maMemory_.data(), lsf.data()));
     require(zppsLSFToLSP_G729_16s(lsf.data(), sidLsp_.data()));
   } else if (afterSpeech) {
     sidGain_ = sidGains[guessSidGain(excitationEnergy_, excitationExponent_).index];
   }
   noise_.approach(sidGain_, afterSpeech);
   noise_.excite(excitation(0));
-  filters_ = moveTo(sidLsp_);
+  filters_ = interpolation_.moveTo(sidLsp_);
   for (int s = 0; s < kSubframes; ++s) synthesiseSubframe(s);
   delays_.fill(lastDelay_);
   sharpening_ = kLeastSharpening;
@@ -163,7 +157,7 @@ void FrameDecoder::decodeNoise(const SidParameters* sid) {
 // Where the synthesis is clamped, the whole excitation is scaled down and the subframe synthesised again.
 void FrameDecoder::synthesiseSubframe(int subframe) {
   Zpp16s* const output = synthesis(subframe);
-  if (synthesise(filters_[subframe], excitation(subframe), output, output - kOrder)) return;
+  if (!synthesise(filters_[subframe], excitation(subframe), output, output - kOrder)) return;
   require(zppsRShiftC_16s_I(excitation_.data(), static_cast<int>(excitation_.size()), 2));
   synthesise(filters_[subframe], excitation(subframe), output, output - kOrder);
 }

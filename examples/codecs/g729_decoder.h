@@ -26,10 +26,8 @@ class FrameDecoder {
   Lsp decodeLsp(const std::array<Zpp16s, 2>& code, bool lost);
   PitchDelay decodeDelay(const SpeechParameters& parameters, int subframe, bool lost);
   void decodeSubframe(const SpeechParameters::Subframe& parameters, const PitchDelay& delay, int subframe, bool lost);
-  SubframeFilters moveTo(const Lsp& lsp);
   void synthesiseSubframe(int subframe);
 
-  static constexpr int kPastExcitation = ComfortNoise::kPastExcitation;
   Zpp16s* excitation(int subframe) { return excitation_.data() + kPastExcitation + kSubframeSize * subframe; }
   Zpp16s* synthesis(int subframe) { return synthesis_.data() + kOrder + kSubframeSize * subframe; }
 
@@ -40,12 +38,12 @@ class FrameDecoder {
   std::array<Zpp16s, kSubframes> delays_{};  // of the frame, for the postfilter
 
   // What is predicted from, or repeated in a lost frame
-  Lsp lsp_ = kInitialLsp;
+  LspInterpolation interpolation_;
   MaMemory maMemory_;
   Zpp16s maMode_ = 0;
-  Lsp lsf_;
+  Lsf lsf_;
   Zpp16s lastDelay_ = 60;
-  std::array<Zpp16s, 4> gainMemory_ = {-14336, -14336, -14336, -14336};
+  GainMemory gainMemory_ = kInitialGainMemory;
   std::array<Zpp16s, 2> gains_{};
   Zpp16s sharpening_ = kLeastSharpening;
   bool voiced_ = true;  // by the postfilter in the last frame

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <optional>
+#include <utility>
 
 #include "codec.h"
 #include "fixed_point.h"
@@ -12,7 +13,7 @@ namespace codecs::g729 {
 namespace {
 
 // Ascending LSFs with some room between them, as the descriptor's quantiser wants them
-void space(Lsp& lsf) {
+void space(Lsf& lsf) {
   constexpr Zpp16s lowest = 40, highest = 25681, gap = 642;
   lsf[0] = std::max(lsf[0], lowest);
   for (int i = 1; i < kOrder; ++i) {
@@ -35,82 +36,85 @@ Dtx::Autocorrelation Dtx::sum(std::span<const Autocorrelation> terms) {
   return result;
 }
 
-Filter Dtx::solve(LevinsonDurbin& levinsonDurbin, const Autocorrelation& autocorrelation, Zpp16s* energy) {
+// The LP filter, that of silence for zeros; energy, of the residual, is kept for an unstable filter.
+Filter Dtx::solve(const Autocorrelation& autocorrelation, Coder& coder, Zpp16s& energy) {
+  if (autocorrelation.lags[0] == 0) {
+    energy = 0;
+    return {4096};
+  }
   std::array<Zpp32s, kOrder + 1> lags;
   std::ranges::transform(autocorrelation.lags, lags.begin(), fromHigh16);
-  return levinsonDurbin.solve(lags.data(), energy);
+  return coder.levinsonDurbin.solve(lags.data(), &energy);
 }
 
-void Dtx::takeSum() {
+void Dtx::pushSum() {
   std::shift_right(sums_.begin(), sums_.end(), 1);
   sums_[0] = sum(frames_);
 }
 
-bool Dtx::isSpeech(const Correlations& correlations, const Lsp& lsp, Zpp16s reflection,
-                   std::span<const Zpp16s, kWindowSize> speech) {
-  afterSpeech_ = speech_;
-  Lsp lsf;
+bool Dtx::take(const Correlations& correlations, const Lsp& lsp, Zpp16s reflection,
+               std::span<const Zpp16s, kWindowSize> speech) {
+  Lsf lsf;
   require(zppsLSPToLSF_Norm_G729_16s(lsp.data(), lsf.data()));
-  speech_ = vad_.isVoice(correlations, lsf, reflection, speech);
+  afterSpeech_ = std::exchange(speech_, vad_.take(correlations, lsf, reflection, speech));
   if (speech_) noise_.restart();
 
   frames_[1] = frames_[0];
   frames_[0] = {correlations.original, -(16 + correlations.exponent)};
-  oddFrame_ = !oddFrame_;
-  if (!oddFrame_ && speech_) takeSum();
+  secondOfPair_ = !secondOfPair_;
+  if (secondOfPair_ && speech_) pushSum();
   return speech_;
 }
 
-std::optional<SidParameters> Dtx::describeSilence(LevinsonDurbin& levinsonDurbin,
-                                                  const std::function<Lsp(const Filter&)>& toLsp, MaMemory& maMemory) {
-  const Autocorrelation current = sum(frames_);
+std::optional<SidParameters> Dtx::playSilence(Coder coder, Zpp16s* excitation) {
+  Silence silence{.autocorrelation = sum(frames_)};
   energies_[1] = energies_[0];
-  energies_[0].exponent = current.exponent;
-  Filter filter{};
-  if (current.lags[0] == 0) {
-    energies_[0].energy = 0;
-  } else {
-    filter = solve(levinsonDurbin, current, &energies_[0].energy);
-  }
-  const Zpp16s energy = energies_[0].energy;
-
-  const SidGain gain = quantiseSidGain(std::span(energies_).first(afterSpeech_ ? 1 : 2));
-  bool due = afterSpeech_;
-  if (!afterSpeech_) {
-    constexpr Zpp16s margin = 4855;  // 15 %
-    if (reference_.differsFrom(current, energy, margin) || std::abs(gain.level - gain_.level) > 2) changed_ = true;
-    framesSinceSid_ = std::min(framesSinceSid_ + 1, 3);
-    due = framesSinceSid_ == 3 && changed_;
-  }
+  energies_[0].exponent = silence.autocorrelation.exponent;
+  silence.filter = solve(silence.autocorrelation, coder, energies_[0].energy);
+  silence.gain = quantiseSidGain(std::span(energies_).first(afterSpeech_ ? 1 : 2));
 
   std::optional<SidParameters> sid;
-  if (due) {
-    framesSinceSid_ = 0;
-    changed_ = false;
-    // The average over the frames before, as long as it describes this one too
-    constexpr Zpp16s margin = 3161;  // 10 %
-    const Autocorrelation past = sum(sums_);
-    const Filter pastFilter = past.lags[0] == 0 ? Filter{4096} : solve(levinsonDurbin, past, nullptr);
-    reference_ = Reference(pastFilter);
-    if (reference_.differsFrom(current, energy, margin)) {
-      reference_ = Reference(filter);
-    } else {
-      filter = pastFilter;
-    }
-    sid.emplace();
-    const Lsp lsp = toLsp(filter);
-    Lsp lsf;
-    require(zppsLSPToLSF_G729_16s(lsp.data(), lsf.data()));
-    space(lsf);
-    Lsp quantised;
-    zppsLSFQuant_G729B_16s(lsf.data(), maMemory.data(), quantised.data(), sid->lsf.data());
-    require(zppsLSFToLSP_G729_16s(quantised.data(), sidLsp_.data()));
-    gain_ = gain;
-    sid->gain = gain.index;
-    sidGain_ = sidGains[gain.index];
+  if (isDescriptorDue(silence)) sid = describe(silence, coder);
+  noise_.approach(sidGains[sidGain_.index], afterSpeech_);
+  noise_.excite(excitation, &coder.taming);
+  if (secondOfPair_) pushSum();
+  return sid;
+}
+
+// At once after speech, then no more often than every third frame, and only after a change of spectrum or level
+bool Dtx::isDescriptorDue(const Silence& silence) {
+  if (afterSpeech_) return true;
+  constexpr Zpp16s margin = 4855;  // 15 %
+  if (reference_.differsFrom(silence.autocorrelation, energies_[0].energy, margin) ||
+      std::abs(silence.gain.level - sidGain_.level) > 2) {
+    changed_ = true;
   }
-  noise_.approach(sidGain_, afterSpeech_);
-  if (!oddFrame_) takeSum();
+  framesSinceSid_ = std::min(framesSinceSid_ + 1, 3);
+  return framesSinceSid_ == 3 && changed_;
+}
+
+SidParameters Dtx::describe(const Silence& silence, Coder& coder) {
+  framesSinceSid_ = 0;
+  changed_ = false;
+  // The filter of the last frames together, as long as it fits this one too
+  constexpr Zpp16s margin = 3161;  // 10 %
+  Zpp16s pastEnergy = 0;
+  Filter filter = solve(sum(sums_), coder, pastEnergy);
+  reference_ = Reference(filter);
+  if (reference_.differsFrom(silence.autocorrelation, energies_[0].energy, margin)) {
+    filter = silence.filter;
+    reference_ = Reference(filter);
+  }
+
+  SidParameters sid;
+  const Lsp lsp = coder.toLsp(filter);
+  Lsf lsf, quantised;
+  require(zppsLSPToLSF_G729_16s(lsp.data(), lsf.data()));
+  space(lsf);
+  warns(zppsLSFQuant_G729B_16s(lsf.data(), coder.maMemory.data(), quantised.data(), sid.lsf.data()));
+  require(zppsLSFToLSP_G729_16s(quantised.data(), sidLsp_.data()));
+  sidGain_ = silence.gain;
+  sid.gain = sidGain_.index;
   return sid;
 }
 

@@ -14,15 +14,19 @@ namespace codecs::g729 {
 
 class Dtx {
  public:
-  // Takes note of every frame. False for a silent frame, for which the next two are to be called.
-  bool isSpeech(const Correlations& correlations, const Lsp& lsp, Zpp16s reflection,
-                std::span<const Zpp16s, kWindowSize> speech);
-  // The descriptor, if one is due. toLsp: conversion as the coder does it
-  std::optional<SidParameters> describeSilence(LevinsonDurbin& levinsonDurbin, const std::function<Lsp(const Filter&)>& toLsp,
-                                               MaMemory& maMemory);
-  // Fills the frame; the excitation of the past stands before the pointer.
-  void fillExcitation(Zpp16s* excitation, Taming& taming) { noise_.excite(excitation, &taming); }
-  // Of the descriptor sent last
+  // What silence shares with speech: the encoder's memories, and its conversion of LP filters to LSPs
+  struct Coder {
+    LevinsonDurbin& levinsonDurbin;
+    MaMemory& maMemory;
+    Taming& taming;
+    std::function<Lsp(const Filter&)> toLsp;
+  };
+
+  // Takes the next frame and returns whether it is to be coded as speech.
+  bool take(const Correlations& correlations, const Lsp& lsp, Zpp16s reflection, std::span<const Zpp16s, kWindowSize> speech);
+  // For a frame that is not: fills the excitation, behind that of the past, and returns a descriptor if one is due.
+  std::optional<SidParameters> playSilence(Coder coder, Zpp16s* excitation);
+  // Of the last descriptor
   const Lsp& lsp() const { return sidLsp_; }
 
  private:
@@ -32,8 +36,16 @@ class Dtx {
     int exponent = 40;
   };
   static Autocorrelation sum(std::span<const Autocorrelation> terms);
-  static Filter solve(LevinsonDurbin& levinsonDurbin, const Autocorrelation& autocorrelation, Zpp16s* energy);
-  void takeSum();
+  static Filter solve(const Autocorrelation& autocorrelation, Coder& coder, Zpp16s& energy);
+  void pushSum();
+
+  struct Silence {
+    Autocorrelation autocorrelation;
+    Filter filter{};
+    SidGain gain{};
+  };
+  bool isDescriptorDue(const Silence& silence);
+  SidParameters describe(const Silence& silence, Coder& coder);
 
   // A filter by the correlations of its coefficients
   class Reference {
@@ -44,24 +56,24 @@ class Dtx {
     bool differsFrom(const Autocorrelation& signal, Zpp16s energy, Zpp16s margin) const;
 
    private:
-    Filter correlations_{};
+    std::array<Zpp16s, kOrder + 1> correlations_{};
     int exponent_ = 0;
   };
 
   VoiceActivityDetector vad_;
-  bool speech_ = true, afterSpeech_ = true;  // this frame and the one before
+  bool speech_ = true, afterSpeech_ = true;  // this frame, and the one before
   ComfortNoise noise_;
 
   std::array<Autocorrelation, 2> frames_;  // of the last two frames, the newest first
   std::array<Autocorrelation, 3> sums_;    // of pairs of frames
-  bool oddFrame_ = false;
+  bool secondOfPair_ = true;
 
   std::array<ResidualEnergy, 2> energies_;  // of the last two silent frames, the newest first
   int framesSinceSid_ = 0;                  // up to 3
   bool changed_ = false;
-  Reference reference_;  // the filter of the last descriptor
-  SidGain gain_{};
-  Zpp16s sidGain_ = 0;
+  // The last descriptor
+  Reference reference_;
+  SidGain sidGain_{};
   Lsp sidLsp_{};
 };
 

@@ -13,8 +13,13 @@
 
 namespace codecs::g729 {
 
-// What main body and Annex A have in common. They differ in how the error is weighted (clauses 3.3 and A.3.3), which the
-// derived classes tell, and in how far they search.
+// What main body and Annex A have in common. They differ in how the error is weighted (clauses 3.3 and A.3.3) and in how far
+// they search, which the derived classes know. Their members are called in this order:
+//
+//   every frame     toLsp, analysed
+//   speech          quantised, openLoopDelay; for each subframe searchTarget, searchAdaptiveCodebook, filterAdaptiveVector,
+//                   searchFixedCodebook, coded
+//   silence         toLsp for a descriptor, passedSilence
 class FrameEncoder {
  public:
   virtual ~FrameEncoder() = default;
@@ -24,10 +29,11 @@ class FrameEncoder {
   explicit FrameEncoder(bool discontinuous);
 
   // The weighted synthesis filter's response and what its output should be (clauses 3.5 and 3.6)
-  struct Goal {
+  struct SearchTarget {
     Subframe impulse;
     Subframe target;
   };
+  using CorrelationMatrix = std::array<Zpp32s, 616>;
   // The two parts of the weighted synthesis as it came out
   struct Result {
     const Subframe& adaptive;
@@ -42,46 +48,45 @@ class FrameEncoder {
   // The decoder's filters are known, and excitation() holds the LP residual.
   virtual void quantised(const SubframeFilters& filters) = 0;
   virtual Zpp16s openLoopDelay() const = 0;
-  virtual Goal goal(int subframe) = 0;
+  virtual SearchTarget searchTarget(int subframe) = 0;
   // Writes the adaptive vector to excitation().
-  virtual PitchDelay searchAdaptiveCodebook(int subframe, Zpp16s around, const Goal& goal) = 0;
+  virtual PitchDelay searchAdaptiveCodebook(int subframe, Zpp16s centre, const SearchTarget& search) = 0;
   // Returns the pitch gain, Q14.
-  virtual Zpp16s filterAdaptiveVector(int subframe, const Goal& goal, Subframe& filtered) = 0;
+  virtual Zpp16s filterAdaptiveVector(int subframe, const SearchTarget& search, Subframe& filtered) = 0;
   // Returns signs and positions.
-  virtual std::array<Zpp16s, 2> searchFixedCodebook(int subframe, const Subframe& correlation, Zpp32s* matrix,
+  virtual std::array<Zpp16s, 2> searchFixedCodebook(int subframe, const Subframe& correlation, CorrelationMatrix& matrix,
                                                     Subframe& code) = 0;
   // The excitation of a subframe is complete.
-  virtual void coded(int subframe, const Goal& goal, const Result& result) = 0;
+  virtual void coded(int subframe, const SearchTarget& search, const Result& result) = 0;
   // The decoder's filters are known, and excitation() holds the comfort noise of a silent frame.
   virtual void passedSilence(const SubframeFilters& filters) = 0;
 
   // The subframe of the frame being coded, and what came before it
-  const Zpp16s* speech(int subframe) const { return speech_.data() + 120 + kSubframeSize * subframe; }
+  const Zpp16s* speech(int subframe) const { return speech_.data() + kPastSpeech + kSubframeSize * subframe; }
   Zpp16s* excitation(int subframe) { return excitation_.data() + kPastExcitation + kSubframeSize * subframe; }
   // Delays of up to 143 samples
-  const Zpp16s* weightedSpeech(int subframe) const { return weighted_.data() + kLongestDelay + kSubframeSize * subframe; }
-  Zpp16s* weightedSpeech(int subframe) { return weighted_.data() + kLongestDelay + kSubframeSize * subframe; }
+  const Zpp16s* weightedSpeech(int subframe) const { return weightedSpeech_.data() + kLongestDelay + kSubframeSize * subframe; }
+  Zpp16s* weightedSpeech(int subframe) { return weightedSpeech_.data() + kLongestDelay + kSubframeSize * subframe; }
 
-  static constexpr int kPastExcitation = 154;
-
-  // The last samples of goal.target that the result leaves over: the memory of the weighted error (clause 3.10)
-  static std::array<Zpp16s, kOrder> weightedError(const Goal& goal, const Result& result);
+  // The end of the target that the result leaves over: the memory of the weighted error (clause 3.10)
+  static FilterMemory remainder(const SearchTarget& search, const Result& result);
 
  private:
   SpeechParameters encodeSpeech();
-  SpeechParameters::Subframe encodeSubframe(int subframe, Zpp16s& around);
+  PitchDelay encodeSubframe(int subframe, Zpp16s centre, SpeechParameters::Subframe& parameters);
   std::optional<SidParameters> encodeSilence();
-  SubframeFilters moveTo(const Lsp& quantisedLsp);
+
+  static constexpr int kPastSpeech = 120;  // and 40 samples of the next frame
 
   HighPassFilter highPass_{HighPassFilter::Kind::input};
-  // 120 samples of the past, the frame, and 40 samples of the next
   alignas(16) std::array<Zpp16s, kWindowSize> speech_{};
-  alignas(16) std::array<Zpp16s, kLongestDelay + kFrameSize> weighted_{};
+  alignas(16) std::array<Zpp16s, kLongestDelay + kFrameSize> weightedSpeech_{};
   alignas(16) std::array<Zpp16s, kPastExcitation + kFrameSize> excitation_{};
   LevinsonDurbin levinsonDurbin_;
-  Lsp lsp_ = kInitialLsp, quantisedLsp_ = kInitialLsp;  // of the frame before
+  Lsp lsp_ = kInitialLsp;  // of the frame before, unquantised
+  LspInterpolation filters_;
   MaMemory maMemory_;
-  std::array<Zpp16s, 4> gainMemory_ = {-14336, -14336, -14336, -14336};
+  GainMemory gainMemory_ = kInitialGainMemory;
   Zpp16s sharpening_ = kLeastSharpening;
   Taming taming_;
   std::optional<Dtx> dtx_;

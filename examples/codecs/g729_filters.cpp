@@ -8,7 +8,7 @@
 namespace codecs::g729 {
 
 MaMemory::MaMemory() {
-  constexpr Lsp flat = {2339, 4679, 7018, 9358, 11698, 14037, 16377, 18717, 21056, 23396};  // i pi / 11, Q13
+  constexpr Lsf flat = {2339, 4679, 7018, 9358, 11698, 14037, 16377, 18717, 21056, 23396};  // i pi / 11, Q13
   for (std::size_t row = 0; row < rows_.size(); row += kOrder)
     std::ranges::copy(flat, rows_.begin() + static_cast<std::ptrdiff_t>(row));
 }
@@ -25,21 +25,28 @@ Filter toFilter(const Lsp& lsp) {
   return a;
 }
 
-SubframeFilters interpolate(const Lsp& previous, const Lsp& lsp) { return {toFilter(meanOf(lsp, previous)), toFilter(lsp)}; }
+SubframeFilters LspInterpolation::moveTo(const Lsp& lsp) {
+  const Filter first = toFilter(meanOf(lsp, lsp_));
+  lsp_ = lsp;
+  return {first, toFilter(lsp)};
+}
 
-Filter weighted(const Filter& a, Zpp16s gamma) {
-  Filter w;
-  require(zppsMulPowerC_NR_16s_Sfs(a.data(), gamma, w.data(), kOrder + 1, 15));
-  return w;
+Filter weight(const Filter& a, Zpp16s gamma) {
+  Filter weighted;
+  require(zppsMulPowerC_NR_16s_Sfs(a.data(), gamma, weighted.data(), kOrder + 1, 15));
+  return weighted;
 }
 
 bool synthesise(const Filter& a, const Zpp16s* input, Zpp16s* output, const Zpp16s* memory) {
-  return zppsSynthesisFilter_NR_16s_Sfs(a.data(), input, output, kSubframeSize, 12, memory) == zppStsOk;
+  return warns(zppsSynthesisFilter_NR_16s_Sfs(a.data(), input, output, kSubframeSize, 12, memory));
 }
 
 HighPassFilter::HighPassFilter(Kind kind) : scaleFactor_(kind == Kind::input ? 12 : 13) {
   constexpr Zpp16s at140Hz[6] = {1899, -3798, 1899, 4096, 7807, -3733};
   constexpr Zpp16s at100Hz[6] = {7699, -15398, 7699, 8192, 15836, -7667};
+  Zpp32s size = 0;
+  require(zppsHighPassFilterSize_G729(&size));
+  state_.resize(static_cast<std::size_t>(size));
   require(zppsHighPassFilterInit_G729(kind == Kind::input ? at140Hz : at100Hz, state_.data()));
 }
 
@@ -48,6 +55,12 @@ void HighPassFilter::filter(std::span<Zpp16s> signal) {
 }
 
 int earliestDelay(int firstDelay) { return std::clamp(firstDelay - 5, int{kShortestDelay}, kLongestDelay - 9); }
+
+std::array<int, 4> pulsePositions(Zpp16s positions) {
+  const auto index = [positions](int k) { return positions >> (3 * k) & 7; };
+  const int last = positions >> 9 & 15;  // on either of two tracks
+  return {5 * index(0), 5 * index(1) + 1, 5 * index(2) + 2, 5 * (last >> 1) + 3 + (last & 1)};
+}
 
 void sharpen(Subframe& code, int delay, Zpp16s sharpening) {
   if (delay >= kSubframeSize) return;

@@ -7,8 +7,6 @@
 namespace codecs::g729 {
 namespace {
 
-constexpr std::size_t kSpeechOctets = 10, kSidOctets = 2;
-
 // Hands each field of the frame to visit(value, bits), in the order of transmission.
 template <class Speech, class Visitor>
 void visitSpeech(Speech& speech, Visitor visit) {

@@ -36,6 +36,8 @@ struct Frame {
 // The parity bit that belongs to P1
 Zpp16s delayParity(Zpp16s delay);
 
+inline constexpr std::size_t kSpeechOctets = 10, kSidOctets = 2;
+
 // 10 octets of speech, 2 of a silence descriptor, or none; the first bit is in the highest place.
 Bytes pack(const Frame& frame);
 // Of 10, 2 or 0 octets

@@ -21,16 +21,9 @@ Zpp16s logAreaRatio(Zpp16s reflection) {
   return reflection < 0 ? static_cast<Zpp16s>(-ratio) : ratio;
 }
 
-template <std::size_t size>
-std::array<Zpp16s, kOrder> lastOf(const std::array<Zpp16s, size>& samples) {
-  std::array<Zpp16s, kOrder> last;
-  std::copy(samples.end() - kOrder, samples.end(), last.begin());
-  return last;
-}
-
 }  // namespace
 
-auto WeightingFactors::next(const std::array<Zpp16s, 2>& reflection, const std::array<Lsp, kSubframes>& lsf)
+auto WeightingFactors::next(const std::array<Zpp16s, 2>& reflection, const std::array<Lsf, kSubframes>& lsf)
     -> std::array<Factors, kSubframes> {
   const std::array<Zpp16s, 2> ratios = {logAreaRatio(reflection[0]), logAreaRatio(reflection[1])};
   const auto mean = [&](int i) { return static_cast<Zpp16s>((logAreaRatios_[i] + ratios[i]) >> 1); };
@@ -39,7 +32,7 @@ auto WeightingFactors::next(const std::array<Zpp16s, 2>& reflection, const std::
   return {first, choose(ratios[0], ratios[1], lsf[1])};
 }
 
-WeightingFactors::Factors WeightingFactors::choose(Zpp16s logAreaRatio0, Zpp16s logAreaRatio1, const Lsp& lsf) {
+WeightingFactors::Factors WeightingFactors::choose(Zpp16s logAreaRatio0, Zpp16s logAreaRatio1, const Lsf& lsf) {
   if (flat_) {
     flat_ = logAreaRatio0 >= -3562 || logAreaRatio1 <= 1336;  // -1.74, 0.65
   } else {
@@ -61,14 +54,14 @@ Lsp MainBodyEncoder::toLsp(const Filter& a, const Lsp& previous) const {
 // The weighting filters and the weighted speech
 void MainBodyEncoder::analysed(const Filter& a, const std::array<Zpp16s, 2>& reflection, const Lsp& previous, const Lsp& lsp) {
   const Lsp mean = meanOf(lsp, previous);
-  std::array<Lsp, kSubframes> lsf;
+  std::array<Lsf, kSubframes> lsf;
   require(zppsLSPToLSF_Norm_G729_16s(mean.data(), lsf[0].data()));
   require(zppsLSPToLSF_Norm_G729_16s(lsp.data(), lsf[1].data()));
   const auto factors = weightingFactors_.next(reflection, lsf);
   const SubframeFilters filters = {toFilter(mean), a};
   for (int s = 0; s < kSubframes; ++s) {
-    numerators_[s] = weighted(filters[s], factors[s].gamma1);
-    denominators_[s] = weighted(filters[s], factors[s].gamma2);
+    numerators_[s] = weight(filters[s], factors[s].gamma1);
+    denominators_[s] = weight(filters[s], factors[s].gamma2);
     Subframe residual;
     require(zppsResidualFilter_G729_16s(numerators_[s].data(), speech(s), residual.data(), kSubframeSize));
     Zpp16s* const wsp = weightedSpeech(s);
@@ -84,45 +77,45 @@ Zpp16s MainBodyEncoder::openLoopDelay() const {
 
 // W(z) of the difference between speech and synthesis
 Subframe MainBodyEncoder::weightError(int subframe, const Zpp16s* error) const {
-  Subframe residual, weightedError;
+  Subframe residual, weighted;
   require(zppsResidualFilter_G729_16s(numerators_[subframe].data(), error, residual.data(), kSubframeSize));
-  synthesise(denominators_[subframe], residual.data(), weightedError.data(), weightedErrorMemory_.data());
-  return weightedError;
+  synthesise(denominators_[subframe], residual.data(), weighted.data(), weightedErrorMemory_.data());
+  return weighted;
 }
 
-FrameEncoder::Goal MainBodyEncoder::goal(int subframe) {
-  Goal goal;
+FrameEncoder::SearchTarget MainBodyEncoder::searchTarget(int subframe) {
+  SearchTarget search;
   Subframe impulse{}, response;
   std::ranges::copy(numerators_[subframe], impulse.begin());
   synthesise(synthesis_[subframe], impulse.data(), response.data(), nullptr);
-  synthesise(denominators_[subframe], response.data(), goal.impulse.data(), nullptr);
+  synthesise(denominators_[subframe], response.data(), search.impulse.data(), nullptr);
 
   // The LP residual, synthesised after the error of the past, is what the excitation should be compared with.
   std::array<Zpp16s, kOrder + kSubframeSize> error;
   std::ranges::copy(errorMemory_, error.begin());
   synthesise(synthesis_[subframe], excitation(subframe), error.data() + kOrder, errorMemory_.data());
-  goal.target = weightError(subframe, error.data() + kOrder);
-  return goal;
+  search.target = weightError(subframe, error.data() + kOrder);
+  return search;
 }
 
-PitchDelay MainBodyEncoder::searchAdaptiveCodebook(int subframe, Zpp16s around, const Goal& goal) {
+PitchDelay MainBodyEncoder::searchAdaptiveCodebook(int subframe, Zpp16s centre, const SearchTarget& search) {
   PitchDelay delay;
-  require(zppsAdaptiveCodebookSearch_G729_16s(around, goal.target.data(), goal.impulse.data(),
+  require(zppsAdaptiveCodebookSearch_G729_16s(centre, search.target.data(), search.impulse.data(),
                                               excitation(subframe) - kPastExcitation, subframe, delay.data()));
   return delay;
 }
 
-Zpp16s MainBodyEncoder::filterAdaptiveVector(int subframe, const Goal& goal, Subframe& filtered) {
+Zpp16s MainBodyEncoder::filterAdaptiveVector(int subframe, const SearchTarget& search, Subframe& filtered) {
   Zpp16s gain;
-  require(
-      zppsAdaptiveCodebookGain_G729_16s(goal.target.data(), goal.impulse.data(), excitation(subframe), filtered.data(), &gain));
+  require(zppsAdaptiveCodebookGain_G729_16s(search.target.data(), search.impulse.data(), excitation(subframe), filtered.data(),
+                                            &gain));
   return gain;
 }
 
-std::array<Zpp16s, 2> MainBodyEncoder::searchFixedCodebook(int subframe, const Subframe& correlation, Zpp32s* matrix,
+std::array<Zpp16s, 2> MainBodyEncoder::searchFixedCodebook(int subframe, const Subframe& correlation, CorrelationMatrix& matrix,
                                                            Subframe& code) {
   std::array<Zpp16s, 2> codeword;
-  require(zppsFixedCodebookSearch_G729_32s16s(correlation.data(), matrix, code.data(), codeword.data(), &searchBudget_,
+  require(zppsFixedCodebookSearch_G729_32s16s(correlation.data(), matrix.data(), code.data(), codeword.data(), &searchBudget_,
                                               static_cast<Zpp16s>(subframe)));
   return codeword;
 }
@@ -135,11 +128,11 @@ Subframe MainBodyEncoder::synthesiseLocally(int subframe) {
   return synthesis;
 }
 
-void MainBodyEncoder::coded(int subframe, const Goal& goal, const Result& result) {
+void MainBodyEncoder::coded(int subframe, const SearchTarget& search, const Result& result) {
   Subframe error = synthesiseLocally(subframe);
   require(zppsSub_16s(error.data(), speech(subframe), error.data(), kSubframeSize));
   errorMemory_ = lastOf(error);
-  weightedErrorMemory_ = weightedError(goal, result);
+  weightedErrorMemory_ = remainder(search, result);
 }
 
 void MainBodyEncoder::passedSilence(const SubframeFilters& filters) {

@@ -14,10 +14,10 @@ class WeightingFactors {
     Zpp16s gamma1, gamma2;  // Q15
   };
   // The first two reflection coefficients of a frame; normalised LSFs of its two subframes
-  std::array<Factors, kSubframes> next(const std::array<Zpp16s, 2>& reflection, const std::array<Lsp, kSubframes>& lsf);
+  std::array<Factors, kSubframes> next(const std::array<Zpp16s, 2>& reflection, const std::array<Lsf, kSubframes>& lsf);
 
  private:
-  Factors choose(Zpp16s logAreaRatio0, Zpp16s logAreaRatio1, const Lsp& lsf);
+  Factors choose(Zpp16s logAreaRatio0, Zpp16s logAreaRatio1, const Lsf& lsf);
 
   std::array<Zpp16s, 2> logAreaRatios_{};  // Q11, of the frame before
   bool flat_ = true;
@@ -32,11 +32,12 @@ class MainBodyEncoder : public FrameEncoder {
   void analysed(const Filter& a, const std::array<Zpp16s, 2>& reflection, const Lsp& previous, const Lsp& lsp) override;
   void quantised(const SubframeFilters& filters) override { synthesis_ = filters; }
   Zpp16s openLoopDelay() const override;
-  Goal goal(int subframe) override;
-  PitchDelay searchAdaptiveCodebook(int subframe, Zpp16s around, const Goal& goal) override;
-  Zpp16s filterAdaptiveVector(int subframe, const Goal& goal, Subframe& filtered) override;
-  std::array<Zpp16s, 2> searchFixedCodebook(int subframe, const Subframe& correlation, Zpp32s* matrix, Subframe& code) override;
-  void coded(int subframe, const Goal& goal, const Result& result) override;
+  SearchTarget searchTarget(int subframe) override;
+  PitchDelay searchAdaptiveCodebook(int subframe, Zpp16s centre, const SearchTarget& search) override;
+  Zpp16s filterAdaptiveVector(int subframe, const SearchTarget& search, Subframe& filtered) override;
+  std::array<Zpp16s, 2> searchFixedCodebook(int subframe, const Subframe& correlation, CorrelationMatrix& matrix,
+                                            Subframe& code) override;
+  void coded(int subframe, const SearchTarget& search, const Result& result) override;
   void passedSilence(const SubframeFilters& filters) override;
 
   // error: the subframe with the kOrder samples before it
@@ -46,7 +47,7 @@ class MainBodyEncoder : public FrameEncoder {
   WeightingFactors weightingFactors_;
   SubframeFilters numerators_, denominators_;  // of W(z)
   SubframeFilters synthesis_;                  // 1/A(z), quantised
-  std::array<Zpp16s, kOrder> synthesisMemory_{}, errorMemory_{}, weightedErrorMemory_{};
+  FilterMemory synthesisMemory_{}, errorMemory_{}, weightedErrorMemory_{};
   Zpp16s searchBudget_ = 0;
 };
 

@@ -31,46 +31,50 @@ void Postfilter::shiftHistory() {
   std::copy(shortTerm_.end() - kOrder, shortTerm_.end(), shortTerm_.begin());
 }
 
-Zpp16s MainBodyPostfilter::filter(const Filter& a, Zpp16s delay, bool noise, const Zpp16s* synthesis, Zpp16s* output) {
+bool MainBodyPostfilter::filter(const Filter& a, Zpp16s delay, bool noise, const Zpp16s* synthesis, Zpp16s* output) {
   Zpp16s* const residual = residual_.data() + kPastResidual;
   Zpp16s* const shortTerm = shortTerm_.data() + kOrder;
-  require(zppsResidualFilter_G729_16s(weighted(a, kNumeratorWeight).data(), synthesis, residual, kSubframeSize));
+  require(zppsResidualFilter_G729_16s(weight(a, kNumeratorWeight).data(), synthesis, residual, kSubframeSize));
   Zpp16s selected = 0;
   if (noise) {
     std::copy_n(residual, kSubframeSize, shortTerm);
   } else {
-    // A repeated delay may be that of a second subframe, 144.
+    // A lost frame may repeat the 144 of a second subframe, for which the filter's search would look beyond its history.
     require(zppsLongTermPostFilter_G729_16s(16384, std::min(delay, kLongestDelay), residual, shortTerm, &selected));
   }
   std::array<Zpp16s, 20> impulse;
-  zppsShortTermPostFilter_G729_16s(a.data(), shortTerm, shortTerm, impulse.data());
+  warns(zppsShortTermPostFilter_G729_16s(a.data(), shortTerm, shortTerm, impulse.data()));
   std::copy_n(shortTerm, kSubframeSize, output);
   require(zppsTiltCompensation_G729_16s(tiltOf(impulse), output, &tiltMemory_));
   require(zppsGainControl_G729_16s_I(synthesis, output, &gain_));
   shiftHistory();
-  return selected;
+  return selected != 0;
 }
 
-Zpp16s AnnexAPostfilter::filter(const Filter& a, Zpp16s delay, bool noise, const Zpp16s* synthesis, Zpp16s* output) {
+bool AnnexAPostfilter::filter(const Filter& a, Zpp16s delay, bool noise, const Zpp16s* synthesis, Zpp16s* output) {
   Zpp16s* const shortTerm = shortTerm_.data() + kOrder;
-  std::array<Filter, 2> weights = {weighted(a, kNumeratorWeight), weighted(a, kDenominatorWeight)};
+  std::array<Zpp16s, 2 * (kOrder + 1)> weights;  // numerator and denominator, as the tilt compensation wants them
+  Zpp16s* const numerator = weights.data();
+  Zpp16s* const denominator = numerator + kOrder + 1;
+  std::ranges::copy(weight(a, kNumeratorWeight), numerator);
+  std::ranges::copy(weight(a, kDenominatorWeight), denominator);
   // The sample before the subframe is the memory of the tilt compensation.
   std::array<Zpp16s, 1 + kSubframeSize> harmonic;
   harmonic[0] = tiltMemory_;
   if (noise) {
     Zpp16s* const residual = residual_.data() + kPastResidual;
-    require(zppsResidualFilter_G729_16s(weights[0].data(), synthesis, residual, kSubframeSize));
+    require(zppsResidualFilter_G729_16s(numerator, synthesis, residual, kSubframeSize));
     std::copy_n(residual, kSubframeSize, harmonic.data() + 1);
   } else {
-    require(zppsLongTermPostFilter_G729A_16s(delay, synthesis, weights[0].data(), residual_.data(), harmonic.data() + 1));
+    require(zppsLongTermPostFilter_G729A_16s(delay, synthesis, numerator, residual_.data(), harmonic.data() + 1));
   }
-  require(zppsTiltCompensation_G729A_16s(weights[0].data(), harmonic.data() + 1));
+  require(zppsTiltCompensation_G729A_16s(weights.data(), harmonic.data() + 1));
   tiltMemory_ = harmonic[0];
-  zppsShortTermPostFilter_G729A_16s(weights[1].data(), harmonic.data() + 1, shortTerm);
+  warns(zppsShortTermPostFilter_G729A_16s(denominator, harmonic.data() + 1, shortTerm));
   std::copy_n(shortTerm, kSubframeSize, output);
   require(zppsGainControl_G729A_16s_I(synthesis, output, &gain_));
   shiftHistory();
-  return noise ? Zpp16s{0} : delay;
+  return !noise;
 }
 
 }  // namespace codecs::g729

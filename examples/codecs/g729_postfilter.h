@@ -10,8 +10,8 @@ class Postfilter {
  public:
   virtual ~Postfilter() = default;
   // a: the subframe's quantised LP filter; synthesis: a subframe, with kOrder samples before it; noise has no long-term part.
-  // Returns the delay of the long-term part, 0 where there is none.
-  virtual Zpp16s filter(const Filter& a, Zpp16s delay, bool noise, const Zpp16s* synthesis, Zpp16s* output) = 0;
+  // Returns whether the long-term part was at work.
+  virtual bool filter(const Filter& a, Zpp16s delay, bool noise, const Zpp16s* synthesis, Zpp16s* output) = 0;
 
  protected:
   void shiftHistory();
@@ -23,7 +23,7 @@ class Postfilter {
 
 class MainBodyPostfilter : public Postfilter {
  public:
-  Zpp16s filter(const Filter& a, Zpp16s delay, bool noise, const Zpp16s* synthesis, Zpp16s* output) override;
+  bool filter(const Filter& a, Zpp16s delay, bool noise, const Zpp16s* synthesis, Zpp16s* output) override;
 
  private:
   Zpp16s tiltMemory_ = 0;
@@ -32,7 +32,7 @@ class MainBodyPostfilter : public Postfilter {
 
 class AnnexAPostfilter : public Postfilter {
  public:
-  Zpp16s filter(const Filter& a, Zpp16s delay, bool noise, const Zpp16s* synthesis, Zpp16s* output) override;
+  bool filter(const Filter& a, Zpp16s delay, bool noise, const Zpp16s* synthesis, Zpp16s* output) override;
 
  private:
   Zpp16s tiltMemory_ = 0;

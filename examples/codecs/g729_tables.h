@@ -21,9 +21,6 @@ extern const std::array<std::uint8_t, 33> vadMeanShifts;
 // Annex B, gains of silence descriptors by index
 extern const std::array<Zpp16s, 32> sidGains;
 
-// log2(1 + n / 32), n = 0..32, Q15
-extern const std::array<Zpp16s, 33> logarithms;
-
 }  // namespace codecs::g729
 
 #endif

@@ -7,6 +7,7 @@
 namespace codecs::g729 {
 namespace {
 
+constexpr int kReach = 10;                // of the interpolation filter, beside the delay
 constexpr Zpp32s kThreshold = 983040000;  // 60000, Q14
 
 int zoneOf(int samplesBack) { return samplesBack / kSubframeSize; }
@@ -18,7 +19,7 @@ Zpp32s passed(Zpp32s error, Zpp16s gain) { return addSat32(16384, shlSat32(mulDb
 
 bool Taming::isNeeded(const PitchDelay& delay) const {
   const int samples = delay[1] > 0 ? delay[0] + 1 : delay[0];
-  const int first = zoneOf(std::max(samples - kSubframeSize - 10, 0)), last = zoneOf(samples + 10 - 2);
+  const int first = zoneOf(std::max(samples - kSubframeSize - kReach, 0)), last = zoneOf(samples + kReach - 2);
   return *std::max_element(errors_.begin() + first, errors_.begin() + last + 1) > kThreshold;
 }
 

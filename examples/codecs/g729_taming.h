@@ -1,6 +1,6 @@
-// Taming of ITU-T G.729's encoder: a decoder that has lost frames carries an error in its excitation, which pitch gains above 1
-// would make grow. The encoder estimates how far the worst case has come, by zones of 40 samples of the past, and keeps the
-// gain down where it must.
+// Taming of ITU-T G.729's encoder (clause 3.7.3): a decoder that has lost frames carries an error in its excitation, which
+// pitch gains above 1 would make grow. The encoder estimates how far the worst case has come, by zones of 40 samples of the
+// past, and keeps the gain down where it must.
 #ifndef ZPPSC_EXAMPLES_G729_TAMING_H
 #define ZPPSC_EXAMPLES_G729_TAMING_H
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "fixed_point.h"
+#include "g729_logarithm.h"
 #include "g729_tables.h"
 
 namespace codecs::g729 {
@@ -11,14 +12,17 @@ namespace {
 
 constexpr int kStartFrames = 32;     // from which the first background is taken
 constexpr int kMinimumFrames = 128;  // before the lowest energy counts
-constexpr Zpp16s kQuiet = 3072;      // 15 dB: below it there is no voice
-constexpr Zpp16s kMargin = 614;      // 3 dB
 
-// The logarithm of an energy * 2^exponent, Q11, in units of 10 dB
+// Energies are in Q11 with 10 dB as the unit.
+constexpr Zpp16s dB(double value) { return static_cast<Zpp16s>(value * 204.8 + 0.5); }
+constexpr Zpp16s kQuiet = dB(15);  // below it there is no voice
+constexpr Zpp16s kMargin = dB(3);  // within it a frame is like another
+
+// The level of the energy of a windowed frame, energy * 2^exponent; 4875 stands for the 240 samples.
 Zpp16s logEnergy(Zpp32s energy, int exponent) {
-  constexpr Zpp16s tenthOfDb = 9864;  // log10(2)
+  constexpr Zpp16s log10Of2 = 9864;  // Q15
   const auto [integer, fraction] = log2Of(energy);
-  const Zpp32s level = macDbl(mulDbl32(fromHigh16(integer) + 2 * fraction, tenthOfDb), tenthOfDb, sat16(exponent - 2));
+  const Zpp32s level = macDbl(mulDbl32(fromHigh16(integer) + 2 * fraction, log10Of2), log10Of2, sat16(exponent - 2));
   return subSat16(high16(shlSat32(level, 11)), 4875);
 }
 
@@ -27,27 +31,24 @@ struct Difference {
   Zpp16s spectrum;
 };
 
-// The planes of clause B.3.5: voice where any of them says so
+// The planes of clause B.3.5, in the order of the standard's table: voice where any of them says so. A plane's constant is a
+// product as well, of 1 in the scale of the variable beside it and a factor in Q15.
 bool isOutside(const Difference& d) {
-  const auto product = [](Zpp16s value, Zpp16s slope) { return mulDbl(value, slope); };
-  const auto line = [&](Zpp16s slope, Zpp16s unit, Zpp16s offset) {
-    return addSat32(product(d.zeroCrossings, slope), product(unit, offset));
+  const auto line = [](Zpp16s variable, Zpp16s slope, Zpp16s one, Zpp16s constant) {
+    return addSat32(mulDbl(variable, slope), mulDbl(one, constant));
   };
   const auto plus = [](Zpp32s a, Zpp16s b) { return addSat32(a, fromHigh16(b)); };
-  if (plus(line(-14680, 8192, -28521) >> 8, d.spectrum) > 0) return true;
-  if (plus(line(19065, 8192, -19446) >> 7, d.spectrum) > 0) return true;
-  if (plus(line(20480, 8192, 16384) >> 2, d.energy) < 0) return true;
-  if (plus(line(-16384, 8192, 19660) >> 2, d.energy) < 0) return true;
-  if (addSat32(product(d.energy, 32767), product(1024, 30802)) < 0) return true;
-  if (addSat32(addSat32(product(d.spectrum, -28160), product(64, 19988)), product(d.energy, 512)) < 0) return true;
-  if (addSat32(product(d.spectrum, 32767), product(32, -30199)) > 0) return true;
-  if (plus(line(-20480, 8192, 22938) >> 2, d.energy) < 0) return true;
-  if (plus(line(23831, 4096, 31576) >> 2, d.energy) < 0) return true;
-  if (addSat32(product(d.energy, 32767), product(2048, 17367)) < 0) return true;
-  if (addSat32(addSat32(product(d.spectrum, -22400), product(32, 25395)), product(d.lowBandEnergy, 256)) < 0) return true;
-  if (plus(addSat32(product(d.energy, -30427), product(256, -29959)), d.lowBandEnergy) > 0) return true;
-  if (plus(addSat32(product(d.energy, -23406), product(512, 28087)), d.lowBandEnergy) < 0) return true;
-  return addSat32(addSat32(product(d.energy, 24576), product(1024, 29491)), product(d.lowBandEnergy, 16384)) < 0;
+  return plus(line(d.zeroCrossings, -14680, 8192, -28521) >> 8, d.spectrum) > 0 ||
+         plus(line(d.zeroCrossings, 19065, 8192, -19446) >> 7, d.spectrum) > 0 ||
+         plus(line(d.zeroCrossings, 20480, 8192, 16384) >> 2, d.energy) < 0 ||
+         plus(line(d.zeroCrossings, -16384, 8192, 19660) >> 2, d.energy) < 0 || line(d.energy, 32767, 1024, 30802) < 0 ||
+         macDbl(line(d.spectrum, -28160, 64, 19988), d.energy, 512) < 0 || line(d.spectrum, 32767, 32, -30199) > 0 ||
+         plus(line(d.zeroCrossings, -20480, 8192, 22938) >> 2, d.energy) < 0 ||
+         plus(line(d.zeroCrossings, 23831, 4096, 31576) >> 2, d.energy) < 0 || line(d.energy, 32767, 2048, 17367) < 0 ||
+         macDbl(line(d.spectrum, -22400, 32, 25395), d.lowBandEnergy, 256) < 0 ||
+         plus(line(d.energy, -30427, 256, -29959), d.lowBandEnergy) > 0 ||
+         plus(line(d.energy, -23406, 512, 28087), d.lowBandEnergy) < 0 ||
+         macDbl(line(d.energy, 24576, 1024, 29491), d.lowBandEnergy, 16384) < 0;
 }
 
 // How slowly the background moves, by the updates since it was last set (clause B.3.7): Q15 weights of the old value and of the
@@ -59,12 +60,13 @@ struct Inertia {
   int updates;  // below this number
   Weights energy, zeroCrossings, lsf;
 };
+constexpr int kMostUpdates = 60;  // that are counted
 constexpr std::array<Inertia, 6> inertias = {{{20, {24576, 8192}, {26214, 6554}, {19661, 13017}},
                                               {30, {31130, 1638}, {30147, 2621}, {21299, 11469}},
                                               {40, {31785, 983}, {30802, 1966}, {22938, 9830}},
                                               {50, {32440, 328}, {31457, 1311}, {24576, 8192}},
-                                              {60, {32604, 164}, {32440, 328}, {24576, 8192}},
-                                              {INT32_MAX, {32604, 164}, {32702, 66}, {24576, 8192}}}};
+                                              {kMostUpdates, {32604, 164}, {32440, 328}, {24576, 8192}},
+                                              {kMostUpdates + 1, {32604, 164}, {32702, 66}, {24576, 8192}}}};
 
 void move(Zpp16s& mean, Weights weights, Zpp16s value) {
   mean = high16(macDbl(mulDbl(weights.kept, mean), weights.added, value));
@@ -72,16 +74,7 @@ void move(Zpp16s& mean, Weights weights, Zpp16s value) {
 
 }  // namespace
 
-Logarithm log2Of(Zpp32s value) {
-  if (value <= 0) return {0, 0};
-  const int shift = norm32(value);
-  const Zpp32s mantissa = value << shift;
-  const int n = (mantissa >> 25) - 32, between = mantissa >> 10 & 0x7fff;
-  const Zpp32s logarithm = fromHigh16(logarithms[n]) + 2 * between * (logarithms[n + 1] - logarithms[n]);
-  return {static_cast<Zpp16s>(30 - shift), high16(logarithm)};
-}
-
-VoiceActivityDetector::Features VoiceActivityDetector::measure(const Correlations& correlations, const Lsp& lsf,
+VoiceActivityDetector::Features VoiceActivityDetector::measure(const Correlations& correlations, const Lsf& lsf,
                                                                std::span<const Zpp16s, kWindowSize> speech) const {
   const auto& r = correlations.windowed;
   Zpp32s lowBand = 0;
@@ -97,32 +90,25 @@ VoiceActivityDetector::Features VoiceActivityDetector::measure(const Correlation
   for (int n = 121; n <= 200; ++n) crossings += speech[n - 1] * speech[n] < 0;
   return {.energy = logEnergy(r[0], correlations.exponent),
           .lowBandEnergy = logEnergy(lowBand, correlations.exponent),
-          .zeroCrossings = static_cast<Zpp16s>(410 * crossings),
+          .zeroCrossings = sat16(410 * crossings),
           .spectralDistance = high16(distance)};
 }
 
 void VoiceActivityDetector::trackMinimum(Zpp16s energy) {
-  const bool endOfGroup = frame_ % 8 == 0;
-  if (frame_ <= kMinimumFrames) {
-    minimum_ = std::min(minimum_, energy);
-    if (endOfGroup) minima_[frame_ / 8 - 1] = std::exchange(minimum_, Zpp16s{32767});
-  } else {
-    if (frame_ % 8 == 1) {
-      minimum_ = lowestOfGroups_;
-      groupMinimum_ = 32767;
-    }
-    minimum_ = std::min(minimum_, energy);
-    groupMinimum_ = std::min(groupMinimum_, energy);
-    if (endOfGroup) {
-      std::shift_left(minima_.begin(), minima_.end(), 1);
-      minima_.back() = groupMinimum_;
-    }
+  if (frame_ % 8 == 1) {
+    minimum_ = *std::ranges::min_element(minima_);
+    groupMinimum_ = 32767;
   }
-  if (endOfGroup) lowestOfGroups_ = *std::ranges::min_element(minima_);
+  minimum_ = std::min(minimum_, energy);
+  groupMinimum_ = std::min(groupMinimum_, energy);
+  if (frame_ % 8 == 0) {
+    std::shift_left(minima_.begin(), minima_.end(), 1);
+    minima_.back() = groupMinimum_;
+  }
 }
 
 // The means over the loud ones of the first frames
-void VoiceActivityDetector::startBackground(const Features& features, const Lsp& lsf) {
+void VoiceActivityDetector::startBackground(const Features& features, const Lsf& lsf) {
   const auto add = [](Zpp16s& mean, Zpp16s value) { mean = high16(macDbl(fromHigh16(mean), 1024, value)); };
   const auto each = [&](auto change) {
     change(meanEnergy_, features.energy);
@@ -138,18 +124,19 @@ void VoiceActivityDetector::startBackground(const Features& features, const Lsp&
   each([this](Zpp16s& mean, Zpp16s) {
     mean = high16(shlSat32(mulDbl(mean, vadMeanFactors[quietFrames_]), vadMeanShifts[quietFrames_]));
   });
-  meanLowBandEnergy_ = subSat16(meanEnergy_, 2458);  // 12 dB
-  meanEnergy_ = subSat16(meanEnergy_, 2048);         // 10 dB
+  meanLowBandEnergy_ = subSat16(meanEnergy_, dB(12));
+  meanEnergy_ = subSat16(meanEnergy_, dB(10));
 }
 
 bool VoiceActivityDetector::isLikeBackground(Zpp16s energy) const { return subSat16(energy, kMargin) < meanEnergy_; }
 
-// Clause B.3.6
+// Clause B.3.6: four steps from the decision on the frame alone to one that its neighbours bear out
 bool VoiceActivityDetector::smooth(bool voice, const Features& features, Zpp16s reflection) {
+  // Voice goes on while it is louder than the background.
   bool prolonged = false;
-  const Zpp16s rise = subSat16(features.energy, meanEnergy_);
-  if (voice_ && !voice && rise > 410 && features.energy > kQuiet) voice = prolonged = true;
+  if (voice_ && !voice && subSat16(features.energy, meanEnergy_) > dB(2) && features.energy > kQuiet) voice = prolonged = true;
 
+  // It goes on for a few frames while its level holds.
   if (!mayExtend_) {
     mayExtend_ = true;
   } else if (voiceBefore_ && voice_ && !voice && absSat16(subSat16(lastEnergy_, features.energy)) <= kMargin) {
@@ -158,22 +145,26 @@ bool VoiceActivityDetector::smooth(bool voice, const Features& features, Zpp16s 
     if (!mayExtend_) extension_ = 0;
   }
 
-  if (!voice) ++silentFrames_;
-  if (voice && silentFrames_ > 10 && subSat16(features.energy, lastEnergy_) <= kMargin) {
+  // After a long silence it does not begin without a rise of the level.
+  constexpr int longSilence = 10;
+  if (!voice) silentFrames_ = std::min(silentFrames_ + 1, longSilence + 1);
+  if (voice && silentFrames_ > longSilence && subSat16(features.energy, lastEnergy_) <= kMargin) {
     voice = false;
     silentFrames_ = 0;
   }
   if (voice) silentFrames_ = 0;
 
-  if (isLikeBackground(features.energy) && frame_ > kMinimumFrames && !prolonged && reflection < 19661) voice = false;
+  // What is as quiet as the background is no voice, unless it was prolonged.
+  constexpr Zpp16s tonal = 19661;  // 0.6
+  if (isLikeBackground(features.energy) && frame_ > kMinimumFrames && !prolonged && reflection < tonal) voice = false;
   return voice;
 }
 
 // Clause B.3.7
-void VoiceActivityDetector::trackBackground(const Features& features, const Lsp& lsf, Zpp16s reflection) {
-  constexpr Zpp16s near = 83;
-  if (isLikeBackground(features.energy) && reflection < 24576 && features.spectralDistance < near) {
-    ++updates_;
+void VoiceActivityDetector::trackBackground(const Features& features, const Lsf& lsf, Zpp16s reflection) {
+  constexpr Zpp16s near = 83, tonal = 24576;  // 0.75
+  if (isLikeBackground(features.energy) && reflection < tonal && features.spectralDistance < near) {
+    updates_ = std::min(updates_ + 1, kMostUpdates);
     const Inertia& inertia = *std::ranges::find_if(inertias, [this](const Inertia& i) { return updates_ < i.updates; });
     move(meanEnergy_, inertia.energy, features.energy);
     move(meanLowBandEnergy_, inertia.energy, features.lowBandEnergy);
@@ -181,14 +172,14 @@ void VoiceActivityDetector::trackBackground(const Features& features, const Lsp&
     for (int i = 0; i < kOrder; ++i) move(meanLsf_[i], inertia.lsf, lsf[i]);
   }
   if (frame_ <= kMinimumFrames) return;
-  if ((meanEnergy_ < minimum_ && features.spectralDistance < near) || subSat16(meanEnergy_, minimum_) > 2048) {
+  if ((meanEnergy_ < minimum_ && features.spectralDistance < near) || subSat16(meanEnergy_, minimum_) > dB(10)) {
     meanEnergy_ = minimum_;
     updates_ = 0;
   }
 }
 
-bool VoiceActivityDetector::isVoice(const Correlations& correlations, const Lsp& lsf, Zpp16s reflection,
-                                    std::span<const Zpp16s, kWindowSize> speech) {
+bool VoiceActivityDetector::take(const Correlations& correlations, const Lsf& lsf, Zpp16s reflection,
+                                 std::span<const Zpp16s, kWindowSize> speech) {
   frame_ = frame_ == 32767 ? 256 : frame_ + 1;
   const Features features = measure(correlations, lsf, speech);
   trackMinimum(features.energy);

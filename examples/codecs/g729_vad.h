@@ -7,17 +7,11 @@
 
 namespace codecs::g729 {
 
-// The base-2 logarithm of a positive value: integer part and fraction, Q15; 0 and 0 for others
-struct Logarithm {
-  Zpp16s exponent, fraction;
-};
-Logarithm log2Of(Zpp32s value);
-
 class VoiceActivityDetector {
  public:
-  // lsf: normalised; reflection: the second coefficient; speech: what the LP window saw
-  bool isVoice(const Correlations& correlations, const Lsp& lsf, Zpp16s reflection,
-               std::span<const Zpp16s, kWindowSize> speech);
+  // Takes the next frame and returns whether it is voice. lsf: normalised; reflection: the second coefficient; speech: what the
+  // LP window saw
+  bool take(const Correlations& correlations, const Lsf& lsf, Zpp16s reflection, std::span<const Zpp16s, kWindowSize> speech);
 
  private:
   struct Features {
@@ -26,11 +20,11 @@ class VoiceActivityDetector {
     Zpp16s spectralDistance;
   };
 
-  Features measure(const Correlations& correlations, const Lsp& lsf, std::span<const Zpp16s, kWindowSize> speech) const;
+  Features measure(const Correlations& correlations, const Lsf& lsf, std::span<const Zpp16s, kWindowSize> speech) const;
   void trackMinimum(Zpp16s energy);
-  void startBackground(const Features& features, const Lsp& lsf);
+  void startBackground(const Features& features, const Lsf& lsf);
   bool smooth(bool voice, const Features& features, Zpp16s reflection);
-  void trackBackground(const Features& features, const Lsp& lsf, Zpp16s reflection);
+  void trackBackground(const Features& features, const Lsf& lsf, Zpp16s reflection);
   bool isLikeBackground(Zpp16s energy) const;
 
   int frame_ = 0;                           // counts from 1
@@ -39,13 +33,13 @@ class VoiceActivityDetector {
 
   // Background noise
   Zpp16s meanEnergy_ = 0, meanLowBandEnergy_ = 0, meanZeroCrossings_ = 0;
-  Lsp meanLsf_{};
+  Lsf meanLsf_{};
   int quietFrames_ = 0;  // of the first 32
   int updates_ = 0;
 
-  // The lowest energies of groups of eight frames, and what is lowest so far
+  // The lowest energies of the last 16 groups of eight frames, of the group that runs, and of all
   std::array<Zpp16s, 16> minima_{};
-  Zpp16s minimum_ = 32767, lowestOfGroups_ = 0, groupMinimum_ = 32767;
+  Zpp16s groupMinimum_ = 32767, minimum_ = 32767;
 
   int extension_ = 0;  // frames of voice added behind voice
   bool mayExtend_ = true;
