@@ -43,13 +43,22 @@ TEST(EveryCodec, DecodesPiecesOfAnySizeInEveryFraming) {
 TEST(EveryCodec, KeepsStreamsApart) {
   for (const Codec& codec : codecs::registry()) {
     const std::string_view framing = codec.framings.front();
+    const auto frame = static_cast<std::size_t>(codec.samplesPerFrame);
     const Samples speech[2] = {signalFor(codec, framesIn(codec, 4000), 1), signalFor(codec, framesIn(codec, 4000), 2)};
     const std::unique_ptr<codecs::Encoder> encoders[2] = {codec.makeEncoder(framing), codec.makeEncoder(framing)};
+    const std::unique_ptr<codecs::Decoder> decoders[2] = {codec.makeDecoder(framing), codec.makeDecoder(framing)};
     Bytes streams[2];
-    const auto frame = static_cast<std::size_t>(codec.samplesPerFrame);
+    Samples heard[2];
     for (std::size_t n = 0; n < speech[0].size(); n += frame)
-      for (int i = 0; i < 2; ++i) encoders[i]->encode(std::span(speech[i]).subspan(n, frame), streams[i]);
-    for (int i = 0; i < 2; ++i) EXPECT_TRUE(streams[i] == encoded(codec, framing, speech[i])) << codec.name;
+      for (int i = 0; i < 2; ++i) {
+        const std::size_t before = streams[i].size();
+        encoders[i]->encode(std::span(speech[i]).subspan(n, frame), streams[i]);
+        decoders[i]->decode(std::span(streams[i]).subspan(before), heard[i]);
+      }
+    for (int i = 0; i < 2; ++i) {
+      EXPECT_TRUE(streams[i] == encoded(codec, framing, speech[i])) << codec.name;
+      EXPECT_TRUE(heard[i] == decoded(codec, framing, streams[i])) << codec.name;
+    }
   }
 }
 
