@@ -3,6 +3,7 @@
 
 #include "core/variants.h"
 #include "g729/fcb_kernels.h"
+#include "g729/lsp_prediction.h"
 
 // ---- LP analysis and LSP quantisation ------------------------------------------------------------------------------------
 //
@@ -32,20 +33,13 @@ void ownLSPToLSF_G729_16s(const Zpp16s* lsp, Zpp16s* lsf);
 void ownLSPToLSF_Norm_G729_16s(const Zpp16s* lsp, Zpp16s* lsfNorm);
 ZppStatus ownLSFToLSP_G729_16s(const Zpp16s* lsf, Zpp16s* lsp);
 
-// The switched predictor of one MA mode: four frames' coefficients, their complement and its inverse
-struct MaPredictor {
-  const Zpp16s (*coefficient)[10];  // Q15
-  const Zpp16s* complement;         // Q15
-  const Zpp16s* inverse;            // Q12
-};
-MaPredictor ownMaPredictor(int mode);       // speech frames; mode 0 or 1
-MaPredictor ownNoiseMaPredictor(int mode);  // SID frames
+using MaPredictor = zpp::SwitchedPredictor<Zpp16s>;  // coefficients and complement Q15, inverse Q12
+MaPredictor ownMaPredictor(int mode);                // speech frames; mode 0 or 1
+MaPredictor ownNoiseMaPredictor(int mode);           // SID frames
 
 void ownGetWgt(const Zpp16s* lsf, Zpp16s* weight);
 // The code vector from which the predictor would compose lsf
 void ownLspPrevExtract(const MaPredictor& predictor, const Zpp16s* lsf, const Zpp16s* maMem, Zpp16s* codeVector);
-// Shifts a code vector into the MA memory
-void ownLspPrevUpdate(const Zpp16s* codeVector, Zpp16s* maMem);
 void ownLspGetQuant(int first, int lower, int upper, Zpp16s* codeVector);
 // Composition and stability step: the quantised LSF, and which of its limits acted (zppStsOk or zppStsLSF...Clamped)
 ZppStatus ownLspCompose(const MaPredictor& predictor, const Zpp16s* codeVector, const Zpp16s* maMem, Zpp16s* quantLsf);
