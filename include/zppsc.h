@@ -434,7 +434,8 @@ ZPPAPI ZppStatus _zppsComputeAdaptiveCodebookGain_16s(const Zpp16s* target, cons
  *   values, Q13, ascending. lsfNorm: the same over 2 pi, 10 values, Q15 (0..0.5).
  * - maMem: memory of the moving-average predictor, 40 values, Q13: four code vectors of 10, the newest first. It belongs to the
  *   caller, who starts every row with the LSFs of a flat spectrum, i pi / 11: 2339 4679 7018 9358 11698 14037 16377 18717 21056
- *   23396 (_32f: 0.285599 0.571199 0.856798 1.142397 1.427997 1.713596 1.999195 2.284795 2.570394 2.855993). The quantiser and the decoder of a stream each keep one.
+ *   23396 (_32f: 0.285599 0.571199 0.856798 1.142397 1.427997 1.713596 1.999195 2.284795 2.570394 2.855993). The quantiser and
+ *   the decoder of a stream each keep one.
  * - idx: 4 values: MA mode L0 (0, 1), first-stage index L1 (0..127), second-stage indices L2 and L3 (0..31).
  *   code: 2 words, L0 << 7 | L1 and L2 << 5 | L3. sidIdx: 3 values: MA mode (0, 1), first-stage (0..31) and second-stage index
  *   (0..15) of a silence-descriptor frame.
