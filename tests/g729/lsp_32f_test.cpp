@@ -179,6 +179,16 @@ TEST_F(Lsp32f, LevinsonDurbinWritesNothingOnAWarning) {
   }
 }
 
+// No autocorrelation of a signal, but rounding leads there: the prediction error starts anew from its floor.
+TEST_F(Lsp32f, LevinsonDurbinReplacesANegativeError) {
+  const std::array<Zpp32f, 3> r = {1, -1.25f, 1.5f};
+  std::array<Zpp32f, 3> a;
+  std::array<Zpp32f, 2> refl;
+  Zpp32f energy = 0;
+  ASSERT_EQ(zppsLevinsonDurbin_G729_32f(r.data(), 2, a.data(), refl.data(), &energy), zppStsOk);
+  EXPECT_EQ(energy, 0.001f);
+}
+
 TEST_F(Lsp32f, DenormalsSteerNothing) {
   Eleven a = {1}, tiny = {1};
   for (std::size_t i = 1; i < 11; ++i) tiny[i] = std::ldexp(i % 3 ? 1.0f : -1.0f, -149);
@@ -192,6 +202,18 @@ TEST_F(Lsp32f, DenormalsSteerNothing) {
       EXPECT_EQ(lsp[i], lspOfTiny[i]);
     }
   }
+}
+
+TEST_F(Lsp32f, NaNWinsNoSearch) {
+  Ten nan, residual, quant;
+  nan.fill(kNaN);
+  Memory memory = flatMemory();
+  std::array<Zpp16s, 2> code = {-1, -1};
+  std::array<Zpp16s, 3> sid = {-1, -1, -1};
+  zppsLSPQuant_G729E_32f(nan.data(), memory.data(), residual.data(), quant.data(), code.data());
+  zppsLSFQuant_G729B_32f(nan.data(), memory.data(), quant.data(), sid.data());
+  EXPECT_EQ(code, (std::array<Zpp16s, 2>{}));
+  EXPECT_EQ(sid, (std::array<Zpp16s, 3>{}));
 }
 
 // Whatever goes in, indices are those of the codebooks, and the memory that the decoder shifts in is that of its indices.
