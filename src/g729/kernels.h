@@ -67,6 +67,10 @@ using MaPredictor_32f = zpp::SwitchedPredictor<Zpp32f>;
 
 void ownGetWgt_32f(const Zpp32f* lsf, Zpp32f* weight);
 void ownLspPrevExtract_32f(const MaPredictor_32f& predictor, const Zpp32f* lsf, const Zpp32f* maMem, Zpp32f* codeVector);
+// Squared errors of all 128 first-stage vectors, and weighted ones of all 32 lower (half 0) or upper half vectors of the second
+void ownLspErrors1_32f(const Zpp32f* target, Zpp32f* errors);
+void ownLspErrors2_32f(const Zpp32f* residual, const Zpp32f* weight, int half, Zpp32f* errors);
+void ownLspSubtractFirst_32f(const Zpp32f* target, int first, Zpp32f* residual);
 void ownLspGetQuant_32f(int first, int lower, int upper, Zpp32f* codeVector);
 ZppStatus ownLspCompose_32f(const MaPredictor_32f& predictor, const Zpp32f* codeVector, const Zpp32f* maMem, Zpp32f* quantLsf);
 

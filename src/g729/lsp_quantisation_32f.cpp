@@ -1,11 +1,12 @@
 // LSF quantisation with a switched moving-average predictor and a two-stage codebook in single precision (ITU-T G.729 clause
 // 3.2.4, Annex C), its decoder, and the decoder's step in an erased frame (clause 4.4.1).
 //
-// Comparisons are written so that NaN never wins: a search that sees nothing else returns entry 0.
-#include <limits>
+// Every search leaves NaN aside: one that sees nothing else returns entry 0.
+#include <cstring>
 
 #include "core/checks.h"
 #include "core/cosine.h"
+#include "core/kernels.h"
 #include "g729/kernels.h"
 #include "g729/lsp_tables_32f.h"
 
@@ -38,42 +39,6 @@ ZppStatus ownLspStability_32f(Zpp32f* lsf) {
 }
 
 MaPredictor_32f ownMaPredictor_32f(int mode) { return {fg_32f[mode], fg_sum_32f[mode], fg_sum_inv_32f[mode]}; }
-
-template <class Distance>
-int nearest(int count, Distance distance) {
-  int found = 0;
-  Zpp32f least = std::numeric_limits<Zpp32f>::infinity();
-  for (int entry = 0; entry < count; ++entry) {
-    const Zpp32f d = distance(entry);
-    if (!(d < least)) continue;
-    least = d;
-    found = entry;
-  }
-  return found;
-}
-
-int ownLspPreSelect_32f(const Zpp32f* target) {
-  return nearest(128, [target](int entry) {
-    Zpp32f sum = 0;
-    for (int j = 0; j < 10; ++j) {
-      const Zpp32f error = target[j] - LSPCode1_32f[entry][j];
-      sum += error * error;
-    }
-    return sum;
-  });
-}
-
-// residual: the target minus its first-stage vector; begin: 0 for the lower, 5 for the upper half
-int ownLspSelect2_32f(const Zpp32f* residual, const Zpp32f* weight, int begin) {
-  return nearest(32, [=](int entry) {
-    Zpp32f sum = 0;
-    for (int j = begin; j < begin + 5; ++j) {
-      const Zpp32f error = residual[j] - LSPCode2_32f[entry][j];
-      sum += weight[j] * error * error;
-    }
-    return sum;
-  });
-}
 
 // Weighted distance between the code vector and the target, in the domain of the composed LSF
 Zpp32f ownLspGetTdist_32f(const MaPredictor_32f& predictor, const Zpp32f* codeVector, const Zpp32f* target,
@@ -111,8 +76,32 @@ void ownLspPrevExtract_32f(const MaPredictor_32f& predictor, const Zpp32f* lsf, 
   }
 }
 
+void ownLspErrors1_32f(const Zpp32f* target, Zpp32f* errors) {
+  Zpp32f sums[128] = {};
+  for (int j = 0; j < 10; ++j)
+    for (int entry = 0; entry < 128; ++entry) {
+      const Zpp32f error = target[j] - LSPCode1_32f.at[j][entry];
+      sums[entry] += error * error;
+    }
+  std::memcpy(errors, sums, sizeof sums);
+}
+
+void ownLspErrors2_32f(const Zpp32f* residual, const Zpp32f* weight, int half, Zpp32f* errors) {
+  Zpp32f sums[32] = {};
+  for (int j = 5 * half; j < 5 * half + 5; ++j)
+    for (int entry = 0; entry < 32; ++entry) {
+      const Zpp32f error = residual[j] - LSPCode2_32f.at[j][entry];
+      sums[entry] += weight[j] * error * error;
+    }
+  std::memcpy(errors, sums, sizeof sums);
+}
+
+void ownLspSubtractFirst_32f(const Zpp32f* target, int first, Zpp32f* residual) {
+  for (int j = 0; j < 10; ++j) residual[j] = target[j] - LSPCode1_32f.at[j][first];
+}
+
 void ownLspGetQuant_32f(int first, int lower, int upper, Zpp32f* codeVector) {
-  for (int j = 0; j < 10; ++j) codeVector[j] = LSPCode1_32f[first][j] + LSPCode2_32f[j < 5 ? lower : upper][j];
+  for (int j = 0; j < 10; ++j) codeVector[j] = LSPCode1_32f.at[j][first] + LSPCode2_32f.at[j][j < 5 ? lower : upper];
   ownLspExpand_32f(codeVector, 0.0012f);
   ownLspExpand_32f(codeVector, 0.0006f);
 }
@@ -132,16 +121,21 @@ void ownRelspwed_32f(const Zpp32f* lsf, const Zpp32f* maMem, Zpp16s* index) {
   Zpp32f leastDistance = 0;
   for (int mode = 0; mode < 2; ++mode) {
     const MaPredictor_32f predictor = ownMaPredictor_32f(mode);
-    Zpp32f target[10], residual[10], codeVector[10];
+    Zpp32f target[10], residual[10], codeVector[10], errors[128];
     ownLspPrevExtract_32f(predictor, lsf, maMem, target);
-    const int first = ownLspPreSelect_32f(target);
-    for (int j = 0; j < 10; ++j) residual[j] = target[j] - LSPCode1_32f[first][j];
-    const int lower = ownLspSelect2_32f(residual, weight, 0), upper = ownLspSelect2_32f(residual, weight, 5);
-    ownLspGetQuant_32f(first, lower, upper, codeVector);
+    ownLspErrors1_32f(target, errors);
+    const int first = ownMinIndx_32f(errors, 128);
+    ownLspSubtractFirst_32f(target, first, residual);
+    int second[2];
+    for (int half = 0; half < 2; ++half) {
+      ownLspErrors2_32f(residual, weight, half, errors);
+      second[half] = ownMinIndx_32f(errors, 32);
+    }
+    ownLspGetQuant_32f(first, second[0], second[1], codeVector);
     const Zpp32f distance = ownLspGetTdist_32f(predictor, codeVector, target, weight);
     if (mode == 1 && !(distance < leastDistance)) break;
     leastDistance = distance;
-    const int found[] = {mode, first, lower, upper};
+    const int found[] = {mode, first, second[0], second[1]};
     for (int i = 0; i < 4; ++i) index[i] = static_cast<Zpp16s>(found[i]);
   }
 }

@@ -1,6 +1,16 @@
 #include "g729/lsp_tables_32f.h"
 
-constexpr Zpp32f LSPCode1_32f[128][10] = {
+namespace {
+
+template <int entries>
+constexpr TurnedCodebook<entries> turned(const Zpp32f (&codebook)[entries][10]) {
+  TurnedCodebook<entries> columns = {};
+  for (int entry = 0; entry < entries; ++entry)
+    for (int j = 0; j < 10; ++j) columns.at[j][entry] = codebook[entry][j];
+  return columns;
+}
+
+constexpr Zpp32f lspcb1[128][10] = {
     {0.181400001f, 0.264699996f, 0.458000004f, 1.10769999f, 1.4813f, 1.70220006f, 2.1953001f, 2.34050012f, 2.58669996f,
      2.66359997f},
     {0.211300001f, 0.322299987f, 0.421200007f, 0.594600022f, 0.747900009f, 0.961499989f, 1.90970004f, 2.17499995f, 2.47729993f,
@@ -256,7 +266,7 @@ constexpr Zpp32f LSPCode1_32f[128][10] = {
     {0.210099995f, 0.314599991f, 0.677900016f, 0.878300011f, 1.05610001f, 1.30449998f, 1.83949995f, 2.06949997f, 2.28309989f,
      2.43280005f},
 };
-constexpr Zpp32f LSPCode2_32f[32][10] = {
+constexpr Zpp32f lspcb2[32][10] = {
     {-0.053199999f, -0.0995000005f, -0.0905999988f, 0.126100004f, -0.0632999986f, 0.0710999966f, -0.146699995f, 0.101199999f,
      0.0105999997f, 0.0469999984f},
     {-0.1017f, -0.108800001f, 0.0566000007f, -0.00100000005f, -0.152799994f, 0.177100003f, 0.00889999978f, -0.0282000005f,
@@ -322,6 +332,12 @@ constexpr Zpp32f LSPCode2_32f[32][10] = {
     {-0.0198999997f, 0.0822999999f, -0.00139999995f, -0.108199999f, 0.0649000034f, -0.137400001f, -0.0324000008f, -0.0296f,
      0.0885000005f, 0.114100002f},
 };
+
+}  // namespace
+
+constexpr TurnedCodebook<128> LSPCode1_32f = turned(lspcb1);
+constexpr TurnedCodebook<32> LSPCode2_32f = turned(lspcb2);
+
 constexpr Zpp32f fg_32f[2][4][10] = {
     {
         {0.256999999f, 0.277999997f, 0.280000001f, 0.273600012f, 0.275700003f, 0.2764f, 0.267500013f, 0.267800003f, 0.27790001f,

@@ -4,10 +4,15 @@
 
 #include "zppsc.h"
 
-// First-stage LSF codebook: 128 x 10, radians, name lspcb1
-extern const Zpp32f LSPCode1_32f[128][10];
-// Second-stage LSF codebook: 32 x 10, radians, name lspcb2; columns 0..4 are the lower, 5..9 the upper half vectors
-extern const Zpp32f LSPCode2_32f[32][10];
+// A codebook turned for searches of several entries at a time: element j of all entries, one behind the other
+template <int entries>
+struct TurnedCodebook {
+  alignas(16) Zpp32f at[10][entries];
+};
+// First-stage LSF codebook: 10 x 128, radians, name lspcb1
+extern const TurnedCodebook<128> LSPCode1_32f;
+// Second-stage LSF codebook: 10 x 32, radians, name lspcb2; rows 0..4 are the lower, 5..9 the upper half vectors
+extern const TurnedCodebook<32> LSPCode2_32f;
 // Moving-average predictors: 2 modes x 4 frames, newest first, x 10, name fg
 extern const Zpp32f fg_32f[2][4][10];
 // 1 minus the sum of the predictor coefficients, and the inverse of that: 2 modes x 10, names fg_sum, fg_sum_inv

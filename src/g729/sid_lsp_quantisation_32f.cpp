@@ -2,6 +2,7 @@
 #include <limits>
 
 #include "core/checks.h"
+#include "core/kernels.h"
 #include "g729/kernels.h"
 #include "g729/lsp_tables.h"
 #include "g729/lsp_tables_32f.h"
@@ -24,28 +25,18 @@ MaPredictor_32f ownNoiseMaPredictor_32f(int mode) {
 
 // The four first-stage entries of least error over both predictors
 void ownMLSearch1_32f(const Zpp32f target[2][10], Candidate* candidates) {
-  Zpp32f error[2][32];
-  for (int mode = 0; mode < 2; ++mode)
-    for (int entry = 0; entry < 32; ++entry) {
-      Zpp32f sum = 0;
-      for (int j = 0; j < 10; ++j) {
-        const Zpp32f difference = target[mode][j] - LSPCode1_32f[PtrTab_1[entry]][j];
-        sum += difference * difference;
-      }
-      error[mode][entry] = sum * Mp_32f[mode];
-    }
+  Zpp32f error[64];
+  for (int mode = 0; mode < 2; ++mode) {
+    Zpp32f all[128];
+    ownLspErrors1_32f(target[mode], all);
+    for (int entry = 0; entry < 32; ++entry) error[32 * mode + entry] = all[PtrTab_1[entry]] * Mp_32f[mode];
+  }
   for (Candidate* c = candidates; c < candidates + kCandidates; ++c) {
-    c->mode = c->first = 0;
-    Zpp32f least = kInfinity;
-    for (int mode = 0; mode < 2; ++mode)
-      for (int entry = 0; entry < 32; ++entry)
-        if (error[mode][entry] < least) {
-          least = error[mode][entry];
-          c->mode = mode;
-          c->first = entry;
-        }
-    error[c->mode][c->first] = kInfinity;
-    for (int j = 0; j < 10; ++j) c->residual[j] = target[c->mode][j] - LSPCode1_32f[PtrTab_1[c->first]][j];
+    const int least = ownMinIndx_32f(error, 64);
+    c->mode = least / 32;
+    c->first = least % 32;
+    error[least] = kInfinity;
+    ownLspSubtractFirst_32f(target[c->mode], PtrTab_1[c->first], c->residual);
   }
 }
 
@@ -57,12 +48,10 @@ void ownMLSearch2_32f(const Candidate* candidates, const Zpp32f* weight, Zpp16s*
   for (const Candidate* c = candidates; c < candidates + kCandidates; ++c) {
     Zpp32f gain[10];  // the weight in the domain of the composed LSF
     for (int j = 0; j < 10; ++j) gain[j] = weight[j] * noise_fg_sum_32f[c->mode][j] * noise_fg_sum_32f[c->mode][j];
+    Zpp32f error[2][32];
+    for (int half = 0; half < 2; ++half) ownLspErrors2_32f(c->residual, gain, half, error[half]);
     for (int entry = 0; entry < 16; ++entry) {
-      Zpp32f sum = 0;
-      for (int j = 0; j < 10; ++j) {
-        const Zpp32f difference = c->residual[j] - LSPCode2_32f[PtrTab_2[j < 5 ? 0 : 1][entry]][j];
-        sum += gain[j] * difference * difference;
-      }
+      const Zpp32f sum = error[0][PtrTab_2[0][entry]] + error[1][PtrTab_2[1][entry]];
       if (!(sum < least)) continue;
       least = sum;
       best = c;
