@@ -434,10 +434,21 @@ ZPPAPI ZppStatus _zppsComputeAdaptiveCodebookGain_16s(const Zpp16s* target, cons
  *   values, Q13, ascending. lsfNorm: the same over 2 pi, 10 values, Q15 (0..0.5).
  * - maMem: memory of the moving-average predictor, 40 values, Q13: four code vectors of 10, the newest first. It belongs to the
  *   caller, who starts every row with the LSFs of a flat spectrum, i pi / 11: 2339 4679 7018 9358 11698 14037 16377 18717 21056
- *   23396. The quantiser and the decoder of a stream each keep one.
+ *   23396 (_32f: 0.285599 0.571199 0.856798 1.142397 1.427997 1.713596 1.999195 2.284795 2.570394 2.855993). The quantiser and
+ *   the decoder of a stream each keep one.
  * - idx: 4 values: MA mode L0 (0, 1), first-stage index L1 (0..127), second-stage indices L2 and L3 (0..31).
  *   code: 2 words, L0 << 7 | L1 and L2 << 5 | L3. sidIdx: 3 values: MA mode (0, 1), first-stage (0..31) and second-stage index
  *   (0..15) of a silence-descriptor frame.
+ *
+ * Members named _32f are single-precision counterparts (Annexes C and C+), here and in the sections on pitch, codebooks, gains
+ * and postfilter. They take natural units: a[0] = 1, LSPs as cosines, LSFs and predictor memory in radians, gains with 1.0 as
+ * unity, pulses of +1 and -1, impulse responses with h[0] = 1, speech at the size of 16-bit samples. Shapes, indices, checks and
+ * statuses are those of the 16-bit members unless told otherwise; no check looks at the values of samples. NaN and infinity give
+ * useless numbers, but never an index outside its range nor an access outside a buffer. They are not bit-exact with the
+ * fixed-point codec: on the same speech the two may choose different indices. Builds for SSE2 and above and 64-bit builds give
+ * the same bits as each other. A 32-bit build without SSE2, which computes in x87 registers, may differ from them in the last
+ * bits of a result (in this section by 2e-7 of a vector's largest value at most, as measured), and where two entries of a
+ * codebook are as good as equal may choose the other one.
  *
  * Where a comment lists no status, the function returns zppStsOk, or zppStsNullPointer for a null pointer.
  */
@@ -455,18 +466,30 @@ ZPPAPI ZppStatus zppsLevinsonDurbin_G729_32s16s(const Zpp32s* autoCorr, int orde
  * Status: zppStsOk; zppStsNullPointer; zppStsOverflowWarn. */
 ZPPAPI ZppStatus zppsLevinsonDurbin_G729B(const Zpp32s* autoCorr, Zpp16s* a, Zpp16s* refl, Zpp16s* energy);
 
+/* Levinson-Durbin recursion in natural units (clause 3.2.2, Annex C; order 30 for the backward analysis of Annex E).
+ * autoCorr: order + 1 values of any scale, autoCorr[0] above 0; autoCorr[1] counts as autoCorr[0] at most. a: order + 1 values,
+ * out. refl: order values, out. energy: one value, out, the prediction error in the scale of autoCorr. order: 1..30.
+ * Status: zppStsOk; zppStsNullPointer; zppStsOutOfRange for another order; zppStsOverflowWarn, with nothing written, when
+ * autoCorr[0] is not above 0, the prediction error vanishes before the last stage, or the magnitude of a reflection coefficient
+ * from the second on exceeds 32750/32768: the caller keeps the filter of the frame before. */
+ZPPAPI ZppStatus zppsLevinsonDurbin_G729_32f(const Zpp32f* autoCorr, int order, Zpp32f* a, Zpp32f* refl, Zpp32f* energy);
+
 /* Lag window, in place (clause 3.2.1, Annex B for lags 11 and 12): 60 Hz bandwidth expansion and white-noise correction.
  * autoCorr: len values from lag 1 on. len: 1..12.
  * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len below 1; zppStsOutOfRange for len above 12. */
 ZPPAPI ZppStatus zppsLagWindow_G729_32s_I(Zpp32s* autoCorr, int len);
 
 /* LP coefficients to LSPs by a search of sign changes (clause 3.2.3): over 60 intervals, each halved four times; G729A: 50
- * intervals, halved twice. When fewer than ten roots are found, lsp = prevLsp, also with zppStsOk. a[0] is not read. */
+ * intervals, halved twice. a: 11; prevLsp: 10; lsp: 10, out. When fewer than ten roots are found, lsp = prevLsp, also with
+ * zppStsOk. a[0] is not read. */
 ZPPAPI ZppStatus zppsLPCToLSP_G729_16s(const Zpp16s* a, const Zpp16s* prevLsp, Zpp16s* lsp);
 ZPPAPI ZppStatus zppsLPCToLSP_G729A_16s(const Zpp16s* a, const Zpp16s* prevLsp, Zpp16s* lsp);
+ZPPAPI ZppStatus zppsLPCToLSP_G729_32f(const Zpp32f* a, const Zpp32f* prevLsp, Zpp32f* lsp);
+ZPPAPI ZppStatus zppsLPCToLSP_G729A_32f(const Zpp32f* a, const Zpp32f* prevLsp, Zpp32f* lsp);
 
-/* LSPs to LP coefficients (clause 3.2.6). Coefficients beyond 16 bits wrap around. */
+/* LSPs to LP coefficients (clause 3.2.6). lsp: 10; a: 11, out. Coefficients beyond 16 bits wrap around. */
 ZPPAPI ZppStatus zppsLSPToLPC_G729_16s(const Zpp16s* lsp, Zpp16s* a);
+ZPPAPI ZppStatus zppsLSPToLPC_G729_32f(const Zpp32f* lsp, Zpp32f* a);
 
 /* LSPs to LSFs, to normalised LSFs, and back, by table and linear interpolation (clause 3.2.4). The table is walked from the
  * last LSP to the first without turning back; values of an lsp out of order that leave 16 bits wrap around.
@@ -489,6 +512,11 @@ ZPPAPI ZppStatus zppsLSPQuant_G729_16s(const Zpp16s* lsp, Zpp16s* maMem, Zpp16s*
 ZPPAPI ZppStatus zppsLSPQuant_G729E_16s(const Zpp16s* lsp, const Zpp16s* maMem, Zpp16s* residual, Zpp16s* quantLsp,
                                         Zpp16s* code);
 
+/* The same in natural units. lsp: 10 cosines; values beyond +-1 count as +-1. maMem: 40, radians, only read. residual: 10,
+ * radians, out. quantLsp: 10 cosines, out. code: 2 words, out. Status: zppStsOk; zppStsNullPointer. */
+ZPPAPI ZppStatus zppsLSPQuant_G729E_32f(const Zpp32f* lsp, const Zpp32f* maMem, Zpp32f* residual, Zpp32f* quantLsp,
+                                        Zpp16s* code);
+
 /* Decodes LSFs (clauses 3.2.4 and 4.1.1) and makes them a stable filter's: ascending, 321 apart, within 40..25681.
  * idx: the MA mode may be 0..3, of which the low bit counts; of L1 the low seven, of L2 and L3 the low five bits.
  * maMem: in/out, shifted by this frame. quantLsf: out.
@@ -497,19 +525,25 @@ ZPPAPI ZppStatus zppsLSPQuant_G729E_16s(const Zpp16s* lsp, const Zpp16s* maMem, 
  * zppStsLSFBothClamped. */
 ZPPAPI ZppStatus zppsLSFDecode_G729_16s(const Zpp16s* idx, Zpp16s* maMem, Zpp16s* quantLsf);
 
+/* The same in radians: at least 0.0392 apart, within 0.005..3.135. idx: 4 words; maMem: 40, in/out; quantLsf: 10, out. */
+ZPPAPI ZppStatus zppsLSFDecode_G729_32f(const Zpp16s* idx, Zpp32f* maMem, Zpp32f* quantLsf);
+
 /* The decoder's step in an erased frame (clause 4.4.1): shifts into maMem the code vector that would have given lsf.
  * maMode: MA mode of the last good frame, 0..3, of which the low bit counts. lsf: its quantised LSFs, only read.
  * Status: zppStsOk; zppStsNullPointer; zppStsBadCodedParam for another MA mode. */
 ZPPAPI ZppStatus zppsLSFDecodeErased_G729_16s(Zpp16s maMode, Zpp16s* maMem, const Zpp16s* lsf);
+ZPPAPI ZppStatus zppsLSFDecodeErased_G729_32f(Zpp16s maMode, Zpp32f* maMem, const Zpp32f* lsf);
 
 /* Quantises and decodes the LSFs of a silence-descriptor frame (Annex B clause B.4.2). lsf: spaced by the caller as the annex
  * tells. maMem: in/out, shifted by this frame. quantLsf, sidIdx: out.
  * Status: zppStsOk; zppStsNullPointer; the warnings of zppsLSFDecode_G729_16s. */
 ZPPAPI ZppStatus zppsLSFQuant_G729B_16s(const Zpp16s* lsf, Zpp16s* maMem, Zpp16s* quantLsf, Zpp16s* sidIdx);
+ZPPAPI ZppStatus zppsLSFQuant_G729B_32f(const Zpp32f* lsf, Zpp32f* maMem, Zpp32f* quantLsf, Zpp16s* sidIdx);
 
 /* Decodes the LSFs of a silence-descriptor frame. sidIdx: the low one, five and four bits count; nothing is refused.
  * Status: zppStsOk; zppStsNullPointer; the warnings of zppsLSFDecode_G729_16s. */
 ZPPAPI ZppStatus zppsLSFDecode_G729B_16s(const Zpp16s* sidIdx, Zpp16s* maMem, Zpp16s* quantLsf);
+ZPPAPI ZppStatus zppsLSFDecode_G729B_32f(const Zpp16s* sidIdx, Zpp32f* maMem, Zpp32f* quantLsf);
 
 /* Interpolation of parameter vectors between subframes (clause 3.2.5): dst[n] = (src1[n] >> 1) + (src2[n] >> 1), n < len.
  * dst may be one of the sources.
@@ -523,6 +557,22 @@ ZPPAPI ZppStatus zppsInterpolateC_G729_16s_Sfs(const Zpp16s* src1, Zpp16s weight
                                                Zpp16s* dst, int len, int scaleFactor);
 ZPPAPI ZppStatus zppsInterpolateC_NR_G729_16s_Sfs(const Zpp16s* src1, Zpp16s weight1, const Zpp16s* src2, Zpp16s weight2,
                                                   Zpp16s* dst, int len, int scaleFactor);
+
+/* dst[n] = src1[n] * weight1 + src2[n] * weight2, n < len. dst may be one of the sources.
+ * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len below 1. */
+ZPPAPI ZppStatus zppsInterpolateC_G729_32f(const Zpp32f* src1, Zpp32f weight1, const Zpp32f* src2, Zpp32f weight2, Zpp32f* dst,
+                                           int len);
+
+/* Hybrid window and autocorrelation of the backward LP analysis (ITU-T G.729 Annex E; in single precision Annex C+): once a
+ * frame of 80 samples, over the past synthesis. The lag window, the floor and the normalisation of lag 0 are the caller's.
+ * state: a block of the size that zppsWinHybridGetStateSize_G729E_16s or _32f tells, any alignment: the recursive sums of 31
+ * lags; Init sets it to zero.
+ * src: 145 samples, oldest first, the last 80 of them the newest frame; dst: 31 autocorrelations, out, lag 0 first.
+ * 16s32s: the windowed samples keep 16 bits; sums are half of those doubled and saturated step by step as the standard's are. */
+ZPPAPI ZppStatus zppsWinHybridInit_G729E_16s(void* state);
+ZPPAPI ZppStatus zppsWinHybridInit_G729E_32f(void* state);
+ZPPAPI ZppStatus zppsWinHybrid_G729E_16s32s(const Zpp16s* src, Zpp32s* dst, void* state);
+ZPPAPI ZppStatus zppsWinHybrid_G729E_32f(const Zpp32f* src, Zpp32f* dst, void* state);
 
 /* ---- G.729: pitch analysis and adaptive codebook (clauses 3.4 and 3.7) -------------------------------------------------------------- */
 

@@ -31,12 +31,7 @@ void ownLspPrevCompose(const MaPredictor& predictor, const Zpp16s* codeVector, c
 }
 
 ZppStatus ownLspStability(Zpp16s* lsf) {
-  for (int i = 0; i < 9; ++i) {
-    if (lsf[i + 1] >= lsf[i]) continue;
-    const Zpp16s larger = lsf[i];
-    lsf[i] = lsf[i + 1];
-    lsf[i + 1] = larger;
-  }
+  swapReversed(lsf);
   const bool low = lsf[0] < kLowestLsf;
   if (low) lsf[0] = kLowestLsf;
   for (int i = 1; i < 10; ++i) {
@@ -45,7 +40,7 @@ ZppStatus ownLspStability(Zpp16s* lsf) {
   }
   const bool high = lsf[9] > kHighestLsf;
   if (high) lsf[9] = kHighestLsf;
-  return low ? (high ? zppStsLSFBothClamped : zppStsLSFLowClamped) : (high ? zppStsLSFHighClamped : zppStsOk);
+  return clampStatus(low, high);
 }
 
 // Weighted distance between the code vector and the target, in the domain of the composed LSF
@@ -98,11 +93,6 @@ void ownLspPrevExtract(const MaPredictor& predictor, const Zpp16s* lsf, const Zp
   }
 }
 
-void ownLspPrevUpdate(const Zpp16s* codeVector, Zpp16s* maMem) {
-  for (int j = 39; j >= 10; --j) maMem[j] = maMem[j - 10];
-  for (int j = 0; j < 10; ++j) maMem[j] = codeVector[j];
-}
-
 void ownLspGetQuant(int first, int lower, int upper, Zpp16s* codeVector) {
   for (int j = 0; j < 10; ++j) codeVector[j] = addSat16(LSPCode1[first][j], LSPCode2[j < 5 ? lower : upper][j]);
   ownLspExpand(codeVector, 10);
@@ -143,14 +133,14 @@ ZppStatus ownLSFDecode_G729_16s(const Zpp16s* index, Zpp16s* maMem, Zpp16s* quan
   Zpp16s codeVector[10];
   codeVectorOf(index, codeVector);
   const ZppStatus status = ownLspCompose(ownMaPredictor(index[0] & 1), codeVector, maMem, quantLsf);
-  ownLspPrevUpdate(codeVector, maMem);
+  shiftIntoMemory(codeVector, maMem);
   return status;
 }
 
 void ownLSFDecodeErased_G729_16s(int mode, Zpp16s* maMem, const Zpp16s* lsf) {
   Zpp16s codeVector[10];
   ownLspPrevExtract(ownMaPredictor(mode & 1), lsf, maMem, codeVector);
-  ownLspPrevUpdate(codeVector, maMem);
+  shiftIntoMemory(codeVector, maMem);
 }
 
 ZppStatus ownLSPQuant_G729E_16s(const Zpp16s* lsp, const Zpp16s* maMem, Zpp16s* codeVector, Zpp16s* quantLsp, Zpp16s* code) {
@@ -167,7 +157,7 @@ ZppStatus ownLSPQuant_G729E_16s(const Zpp16s* lsp, const Zpp16s* maMem, Zpp16s* 
 ZppStatus ownLSPQuant_G729_16s(const Zpp16s* lsp, Zpp16s* maMem, Zpp16s* quantLsp, Zpp16s* code) {
   Zpp16s codeVector[10];
   const ZppStatus status = ownLSPQuant_G729E_16s(lsp, maMem, codeVector, quantLsp, code);
-  ownLspPrevUpdate(codeVector, maMem);
+  shiftIntoMemory(codeVector, maMem);
   return status;
 }
 

@@ -95,7 +95,7 @@ ZppStatus ownLSFDecode_G729B_16s(const Zpp16s* sidIndex, Zpp16s* maMem, Zpp16s* 
   Zpp16s codeVector[10];
   ownLspGetQuant(PtrTab_1[sidIndex[1] & 31], PtrTab_2[0][second], PtrTab_2[1][second], codeVector);
   const ZppStatus status = ownLspCompose(ownNoiseMaPredictor(sidIndex[0] & 1), codeVector, maMem, quantLsf);
-  ownLspPrevUpdate(codeVector, maMem);
+  shiftIntoMemory(codeVector, maMem);
   return status;
 }
 

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include "core/cosine.h"
 #include "core/fixed_point.h"
 #include "core/kernels.h"
 #include "support/golden.h"
@@ -179,6 +180,23 @@ TEST(RealExtremes, PassOverNaNAndPreferTheFirstZero) {
     ASSERT_EQ(zppsMax_32f(zeros.data(), len, &most), zppStsOk);
     EXPECT_TRUE(std::signbit(most)) << "the first of equal elements";
   }
+}
+
+TEST(Cosine, AgreesWithTheCLibraryAndTakesEverything) {
+  for (int i = -4096; i <= 4096; ++i) {
+    EXPECT_NEAR(arccosine(i / 4096.0), std::acos(i / 4096.0), 1e-11);
+    for (const double turns : {1 / 512.0, 1 / 8.0, 200.25}) EXPECT_NEAR(cosine(i * turns), std::cos(i * turns), 1e-11);
+  }
+  // Near 1 the angle is the root of what is missing: its own accuracy counts.
+  for (int bits = 1; bits < 50; ++bits) {
+    const double x = 1 - std::ldexp(1.0, -bits);
+    EXPECT_NEAR(arccosine(x) / std::acos(x), 1, 1e-11);
+  }
+  constexpr double infinity = std::numeric_limits<double>::infinity(), nan = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_EQ(arccosine(1.5), 0);
+  EXPECT_EQ(arccosine(-infinity), arccosine(-1));
+  EXPECT_TRUE(std::isnan(arccosine(nan)));
+  for (const double x : {infinity, -infinity, nan, 1e300}) EXPECT_EQ(cosine(x), 1);
 }
 
 TEST(MulPowerC, ChecksItsScaleBeforeItsLengthAndKeepsTheFirstElement) {

@@ -132,6 +132,19 @@ Call::Call(const Export& function, const GoldenCase& golden, Place where)
     if (b.memory) b.before.assign(b.memory->data(), b.memory->data() + b.memory->size());
 }
 
+bool Call::setReals(const std::function<double()>& next) {
+  bool any = false;
+  for (std::size_t i = 0; i < passed_.size(); ++i) {
+    const Argument& a = function_.arguments[i];
+    if (a.real) passed_[i].number = next(), any = true;
+    if (!a.isBuffer() || a.role == Argument::Role::out || a.element != Element::f32) continue;
+    for (std::size_t k = 0; k < blocks_[i].memory->size() / sizeOf(a.element); ++k) setElement(i, k, next());
+    blocks_[i].before.assign(blocks_[i].memory->data(), blocks_[i].memory->data() + blocks_[i].memory->size());
+    any = true;
+  }
+  return any;
+}
+
 std::string Call::wrongWrites(bool writable) const {
   for (std::size_t i = 0; i < blocks_.size(); ++i) {
     const Block& b = blocks_[i];

@@ -16,6 +16,9 @@ class Call {
   // Golden run: values of the case, sizes from the case's buffers.
   Call(const Export& function, const GoldenCase& golden, Place place);
 
+  // Sets every real number that the function reads, elements and scalars; false when there is none.
+  bool setReals(const std::function<double()>& next);
+
   Passed& operator[](std::size_t argument) { return passed_[argument]; }
   ZppStatus operator()() { return function_.call(passed_); }
 

@@ -1,6 +1,8 @@
 // The promises that all exports share, driven by the table of exports.
 #include <gtest/gtest.h>
 
+#include <limits>
+#include <random>
 #include <thread>
 
 #include "exports/call.h"
@@ -54,6 +56,35 @@ TEST_P(Contract, RefusesValuesInTheOrderOfChecks) {
       EXPECT_EQ(call(), r.status) << e.arguments[i].name << " = " << r.value;
       EXPECT_EQ(call.wrongWrites(false), "");
     }
+}
+
+// NaN, infinities, denormals and huge numbers, alone and mixed: useless results, but no crash, no endless loop and no access
+// outside the buffers.
+TEST_P(Contract, SurvivesAnyRealNumber) {
+  using Limits = std::numeric_limits<Zpp32f>;
+  const Export& e = GetParam();
+  const std::vector<Zpp32f> numbers = {Limits::quiet_NaN(),
+                                       Limits::infinity(),
+                                       -Limits::infinity(),
+                                       Limits::denorm_min(),
+                                       Limits::max(),
+                                       Limits::lowest(),
+                                       0,
+                                       1,
+                                       -0.5f,
+                                       20000};
+  std::mt19937 random(1);
+  for (std::size_t run = 0; run < 60; ++run) {
+    Call call(e, {run % 2 ? Place::Kind::start : Place::Kind::end, 0});
+    // Runs of one number each, then of two, three and so on by chance
+    const std::size_t first = random() % numbers.size(), kinds = run < numbers.size() ? 1 : 2 + run % (numbers.size() - 1);
+    const auto next = [&] {
+      return static_cast<double>(run < numbers.size() ? numbers[run] : numbers[(first + random() % kinds) % numbers.size()]);
+    };
+    if (!call.setReals(next)) return;
+    EXPECT_GE(call(), zppStsOk);
+    EXPECT_EQ(call.wrongWrites(true), "");
+  }
 }
 
 TEST_P(Contract, IsReentrant) {

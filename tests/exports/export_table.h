@@ -221,6 +221,7 @@ std::vector<Export> g729PitchExports();
 std::vector<Export> g729FcbExports();
 std::vector<Export> g729GainExports();
 std::vector<Export> g729PostfilterExports();
+std::vector<Export> g729FloatLspExports();
 std::vector<Export> g723Exports();
 std::vector<Export> amrExports();
 std::vector<Export> g726Exports();
@@ -229,7 +230,7 @@ std::vector<Export> g7221Exports();
 inline std::vector<Export> allExports() {
   std::vector<Export> all;
   for (auto list : {coreExports, lpcExports, g729LspExports, g729PitchExports, g729FcbExports, g729GainExports,
-                    g729PostfilterExports, g723Exports, amrExports, g726Exports, g7221Exports})
+                    g729PostfilterExports, g729FloatLspExports, g723Exports, amrExports, g726Exports, g7221Exports})
     for (auto& e : list()) all.push_back(std::move(e));
   return all;
 }
