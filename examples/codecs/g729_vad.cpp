@@ -38,21 +38,25 @@ bool isOutside(const Difference& d) {
     return addSat32(mulDbl(variable, slope), mulDbl(one, constant));
   };
   const auto plus = [](Zpp32s a, Zpp16s b) { return addSat32(a, fromHigh16(b)); };
+  // clang-format off
   return plus(line(d.zeroCrossings, -14680, 8192, -28521) >> 8, d.spectrum) > 0 ||
          plus(line(d.zeroCrossings, 19065, 8192, -19446) >> 7, d.spectrum) > 0 ||
          plus(line(d.zeroCrossings, 20480, 8192, 16384) >> 2, d.energy) < 0 ||
-         plus(line(d.zeroCrossings, -16384, 8192, 19660) >> 2, d.energy) < 0 || line(d.energy, 32767, 1024, 30802) < 0 ||
-         macDbl(line(d.spectrum, -28160, 64, 19988), d.energy, 512) < 0 || line(d.spectrum, 32767, 32, -30199) > 0 ||
+         plus(line(d.zeroCrossings, -16384, 8192, 19660) >> 2, d.energy) < 0 ||
+         line(d.energy, 32767, 1024, 30802) < 0 ||
+         macDbl(line(d.spectrum, -28160, 64, 19988), d.energy, 512) < 0 ||
+         line(d.spectrum, 32767, 32, -30199) > 0 ||
          plus(line(d.zeroCrossings, -20480, 8192, 22938) >> 2, d.energy) < 0 ||
-         plus(line(d.zeroCrossings, 23831, 4096, 31576) >> 2, d.energy) < 0 || line(d.energy, 32767, 2048, 17367) < 0 ||
+         plus(line(d.zeroCrossings, 23831, 4096, 31576) >> 2, d.energy) < 0 ||
+         line(d.energy, 32767, 2048, 17367) < 0 ||
          macDbl(line(d.spectrum, -22400, 32, 25395), d.lowBandEnergy, 256) < 0 ||
          plus(line(d.energy, -30427, 256, -29959), d.lowBandEnergy) > 0 ||
          plus(line(d.energy, -23406, 512, 28087), d.lowBandEnergy) < 0 ||
          macDbl(line(d.energy, 24576, 1024, 29491), d.lowBandEnergy, 16384) < 0;
+  // clang-format on
 }
 
-// How slowly the background moves, by the updates since it was last set (clause B.3.7): Q15 weights of the old value and of the
-// new
+// How slowly the background moves, by the updates since it was last set (clause B.3.7): weights of the old and the new value, Q15
 struct Weights {
   Zpp16s kept, added;
 };
