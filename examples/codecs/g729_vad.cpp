@@ -56,7 +56,7 @@ bool isOutside(const Difference& d) {
   // clang-format on
 }
 
-// How slowly the background moves, by the updates since it was last set (clause B.3.7): weights of the old and the new value, Q15
+// How slowly the background moves, by the updates since it was last set (clause B.3.7): Q15 weights of old and new
 struct Weights {
   Zpp16s kept, added;
 };
