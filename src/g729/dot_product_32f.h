@@ -6,10 +6,14 @@
 namespace zpp {
 
 inline Zpp64f dotProduct40(const Zpp32f* a, const Zpp32f* b) {
-  Zpp64f sum[4] = {};
-  for (int n = 0; n < 40; n += 4)
-    for (int k = 0; k < 4; ++k) sum[k] += Zpp64f{a[n + k]} * Zpp64f{b[n + k]};
-  return (sum[0] + sum[1]) + (sum[2] + sum[3]);
+  Zpp64f sum0 = 0, sum1 = 0, sum2 = 0, sum3 = 0;
+  for (int n = 0; n < 40; n += 4) {
+    sum0 += Zpp64f{a[n]} * Zpp64f{b[n]};
+    sum1 += Zpp64f{a[n + 1]} * Zpp64f{b[n + 1]};
+    sum2 += Zpp64f{a[n + 2]} * Zpp64f{b[n + 2]};
+    sum3 += Zpp64f{a[n + 3]} * Zpp64f{b[n + 3]};
+  }
+  return (sum0 + sum1) + (sum2 + sum3);
 }
 
 }  // namespace zpp
