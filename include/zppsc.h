@@ -447,8 +447,8 @@ ZPPAPI ZppStatus _zppsComputeAdaptiveCodebookGain_16s(const Zpp16s* target, cons
  * useless numbers, but never an index outside its range nor an access outside a buffer. They are not bit-exact with the
  * fixed-point codec: on the same speech the two may choose different indices. Builds for SSE2 and above and 64-bit builds give
  * the same bits as each other. A 32-bit build without SSE2, which computes in x87 registers, may differ from them in the last
- * bits of a result (in this section by 2e-7 of a vector's largest value at most, as measured), and where two entries of a
- * codebook are as good as equal may choose the other one.
+ * bits of a result (as measured, in this section by 2e-7 of a vector's largest value at most, in those on pitch, codebooks and
+ * gains by 4e-7, in the gain control by 2e-6), and where two entries of a codebook are as good as equal may choose the other one.
  *
  * Where a comment lists no status, the function returns zppStsOk, or zppStsNullPointer for a null pointer.
  */
