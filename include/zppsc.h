@@ -447,8 +447,8 @@ ZPPAPI ZppStatus _zppsComputeAdaptiveCodebookGain_16s(const Zpp16s* target, cons
  * useless numbers, but never an index outside its range nor an access outside a buffer. They are not bit-exact with the
  * fixed-point codec: on the same speech the two may choose different indices. Builds for SSE2 and above and 64-bit builds give
  * the same bits as each other. A 32-bit build without SSE2, which computes in x87 registers, may differ from them in the last
- * bits of a result (in this section by 2e-7 of a vector's largest value at most, as measured), and where two entries of a
- * codebook are as good as equal may choose the other one.
+ * bits of a result (as measured, in this section by 2e-7 of a vector's largest value at most, in those on pitch, codebooks and
+ * gains by 4e-7, in the gain control by 2e-6), and where two entries of a codebook are as good as equal may choose the other one.
  *
  * Where a comment lists no status, the function returns zppStsOk, or zppStsNullPointer for a null pointer.
  */
@@ -583,6 +583,11 @@ ZPPAPI ZppStatus zppsWinHybrid_G729E_32f(const Zpp32f* src, Zpp32f* dst, void* s
 ZPPAPI ZppStatus zppsOpenLoopPitchSearch_G729_16s(const Zpp16s* wsp, Zpp16s* delay);
 ZPPAPI ZppStatus zppsOpenLoopPitchSearch_G729A_16s(const Zpp16s* wsp, Zpp16s* delay);
 
+/* The Annex A form in single precision: the same sections and multiples on the samples as they are. wsp: 80 values of the size of
+ * 16-bit samples; the 143 values before the pointer are read. delay: one value; 20 for silence.
+ * Status: zppStsOk; zppStsNullPointer. Source: ITU-T G.729 Annex C, clause A.3.4. */
+ZPPAPI ZppStatus zppsOpenLoopPitchSearch_G729A_32f(const Zpp32f* wsp, Zpp16s* delay);
+
 /* Closed-loop search of the adaptive codebook for a subframe of 40 samples, around olDelay with a resolution of 1/3.
  * olDelay: the open-loop delay in subframe 0, the integer delay of subframe 0 in subframe 1; 18..145. Searched are delays from
  * olDelay - 3 to olDelay + 3 in subframe 0 and from olDelay - 5 to olDelay + 4 in subframe 1, moved into 20..143.
@@ -625,6 +630,11 @@ ZPPAPI ZppStatus _zppsClosedLoopPitchSearch_G729_16s(const Zpp16s* corr, int sub
 ZPPAPI ZppStatus zppsDecodeAdaptiveVector_G729_16s_I(const Zpp16s* delay, Zpp16s* exc);
 ZPPAPI ZppStatus zppsDecodeAdaptiveVector_G729_16s(const Zpp16s* delay, const Zpp16s* pastExc, Zpp16s* dst);
 
+/* The in-place form in single precision. delay: two values as above. exc: 194 values: 154 of past excitation, oldest first, which
+ * are read, and the 40 behind them, which are written.
+ * Status as above. Source: ITU-T G.729 Annex C, clause 3.7.1. */
+ZPPAPI ZppStatus zppsDecodeAdaptiveVector_G729_32f_I(const Zpp16s* delay, Zpp32f* exc);
+
 /* Filtered adaptive vector and adaptive-codebook gain <target, filtered> / <filtered, filtered>, Q14, 0..19661 (1.2).
  * target, adaptive: 40 samples; filtered: 40 samples, written, apart from the others: the convolution with impulse, 40 values,
  * Q12, truncated (_G729), or the adaptive vector through 1/A(z) from rest with a[0..10], Q12 (_G729A). gain: one value.
@@ -638,6 +648,12 @@ ZPPAPI ZppStatus zppsAdaptiveCodebookGain_G729A_16s(const Zpp16s* target, const 
  * 40 samples; result may be target or filtered. Status: zppStsOk; zppStsNullPointer. Source: ITU-T G.729 clause 3.8. */
 ZPPAPI ZppStatus zppsAdaptiveCodebookContribution_G729_16s(Zpp16s gain, const Zpp16s* filtered, const Zpp16s* target,
                                                            Zpp16s* result);
+
+/* The same in single precision: result[n] = target[n] - gain * filtered[n]. gain: 1.0 is unity. filtered, target: 40 values each,
+ * in; result: 40 values, out, may be target or filtered.
+ * Status: zppStsOk; zppStsNullPointer. Source: ITU-T G.729 Annex C, clause 3.8. */
+ZPPAPI ZppStatus zppsAdaptiveCodebookContribution_G729_32f(Zpp32f gain, const Zpp32f* filtered, const Zpp32f* target,
+                                                           Zpp32f* result);
 
 /* ---- G.729: fixed codebook (clause 3.8) ------------------------------------------------------------------------------------------------
  *
@@ -664,6 +680,11 @@ ZPPAPI ZppStatus zppsToeplizMatrix_G729_16s32s(const Zpp16s* impulse, Zpp32s* ma
  * Trusts its arguments. */
 ZPPAPI ZppStatus _zppsToeplizMatrix_G729D_16s32s(const Zpp16s* impulse, Zpp32s* matrix);
 
+/* The matrices in single precision, with the layouts above: plain sums of h[n - p] h[n - q], nothing scaled (ITU-T G.729 Annex C,
+ * clause 3.8.1, and Annex C+ for Annex D). impulse: 40 values, in, h[0] = 1 as a rule; matrix: 616 values, out. */
+ZPPAPI ZppStatus zppsToeplizMatrix_G729_32f(const Zpp32f* impulse, Zpp32f* matrix);
+ZPPAPI ZppStatus zppsToeplizMatrix_G729D_32f(const Zpp32f* impulse, Zpp32f* matrix);
+
 /* Focused search for four signed pulses, 17 bits (ITU-T G.729 clause 3.8.1).
  * target: 40, in, backward filtered.
  * matrix: 616, in/out. In: from the builder of the same element type. Out: shifted right by 15 (32-bit member only, entries
@@ -685,6 +706,15 @@ ZPPAPI ZppStatus zppsFixedCodebookSearch_G729_16s(const Zpp16s* target, Zpp16s* 
 ZPPAPI ZppStatus zppsFixedCodebookSearch_G729A_32s16s(const Zpp16s* target, Zpp32s* matrix, Zpp16s* code, Zpp16s* codeword);
 ZPPAPI ZppStatus zppsFixedCodebookSearch_G729A_16s(const Zpp16s* target, Zpp16s* matrix, Zpp16s* code, Zpp16s* codeword);
 
+/* Both searches in single precision (ITU-T G.729 Annex C, clauses 3.8.1 and A.3.8.1).
+ * target: 40 values, in, backward filtered: d[i] = sum of x[j] h[j - i] over j = i..39, not normalised.
+ * matrix: 616 values, in/out. In: from zppsToeplizMatrix_G729_32f. Out: its cross blocks multiplied by the signs, exactly.
+ * code: 40 values, out: +1 or -1 at the pulses, else 0. codeword: 2 words, budget: one word, subframe: 0 or more, as above.
+ * Status: zppStsOk; zppStsNullPointer; _G729_32f: zppStsOutOfRange for a negative subframe. */
+ZPPAPI ZppStatus zppsFixedCodebookSearch_G729_32f(const Zpp32f* target, Zpp32f* matrix, Zpp32f* code, Zpp16s* codeword,
+                                                  Zpp16s* budget, Zpp16s subframe);
+ZPPAPI ZppStatus zppsFixedCodebookSearch_G729A_32f(const Zpp32f* target, Zpp32f* matrix, Zpp32f* code, Zpp16s* codeword);
+
 /* Two signed pulses, 11 bits, for 6.4 kbit/s (ITU-T G.729 Annex D, clause D.5).
  * target: 40, in, backward filtered; impulse: 40, in.
  * code: 40, out, Q13: +8191 or -8192 a pulse, added where both are on one sample. filtered: 40, out, Q12: the code vector through
@@ -693,6 +723,13 @@ ZPPAPI ZppStatus zppsFixedCodebookSearch_G729A_16s(const Zpp16s* target, Zpp16s*
  * position: 1, out, 9 bits: Gray code of the first pulse's entry + 16 * that of the second's. Entries number the samples of
  *   tracks 1 and 3 in ascending order; those of tracks 0, 2 and 4 in ascending order and then those of track 1. */
 ZPPAPI ZppStatus zppsFixedCodebookSearch_G729D_16s(const Zpp16s* target, const Zpp16s* impulse, Zpp16s* code, Zpp16s* filtered,
+                                                   Zpp16s* sign, Zpp16s* position);
+
+/* The same in single precision (ITU-T G.729 Annex C+, clause D.5). target: 40 values, in, backward filtered as for
+ * zppsFixedCodebookSearch_G729_32f; impulse: 40 values, in. code: 40 values, out: +1 or -1 a pulse, added where both are on one
+ * sample. filtered: 40 values, out: the code vector through the impulse response. sign, position: one word each, as above. For a
+ * silent target the pulses are at samples 3 and 0, not 1 and 0. */
+ZPPAPI ZppStatus zppsFixedCodebookSearch_G729D_32f(const Zpp32f* target, const Zpp32f* impulse, Zpp32f* code, Zpp32f* filtered,
                                                    Zpp16s* sign, Zpp16s* position);
 
 /* 10 or 12 signed pulses, 35 or 44 bits, for 11.8 kbit/s (ITU-T G.729 Annex E, clause E.3.8).
@@ -704,6 +741,12 @@ ZPPAPI ZppStatus zppsFixedCodebookSearch_G729D_16s(const Zpp16s* target, const Z
  *   track's three, 7 bits for each of the other three tracks in turn. */
 ZPPAPI ZppStatus zppsFixedCodebookSearch_G729E_16s(Zpp16s mode, const Zpp16s* target, const Zpp16s* residual,
                                                    const Zpp16s* impulse, Zpp16s* code, Zpp16s* filtered, Zpp16s* index);
+
+/* The same in single precision (ITU-T G.729 Annex C+, clause E.3.8). mode: as above. target, residual, impulse: 40 values each, in,
+ * as above in natural units. code: 40 values, out: the sum of pulses of +1 or -1. filtered: 40 values, out: the code vector through
+ * the impulse response. index: 5 words, out, as above. */
+ZPPAPI ZppStatus zppsFixedCodebookSearch_G729E_32f(Zpp16s mode, const Zpp32f* target, const Zpp32f* residual,
+                                                   const Zpp32f* impulse, Zpp32f* code, Zpp32f* filtered, Zpp16s* index);
 
 /* ---- G.729: gains (clause 3.9) ------------------------------------------------------------------------------------------------------------ */
 
@@ -731,6 +774,18 @@ ZPPAPI ZppStatus zppsGainQuant_G729_16s(const Zpp16s* target, const Zpp16s* adap
 /* As above at 6.4 kbit/s (Annex D). */
 ZPPAPI ZppStatus zppsGainQuant_G729D_16s(const Zpp16s* target, const Zpp16s* adaptive, const Zpp16s* code, const Zpp16s* filtered,
                                          Zpp16s* memory, Zpp16s* index, Zpp16s* gain, Zpp16s taming);
+
+/* The two quantisers in single precision (ITU-T G.729 Annex C, clause 3.9; Annex C+ for Annex D).
+ * target, adaptive, code (unit pulses, sharpened), filtered: 40 values each, in, as above. memory: 4 values, in/out: dB, newest
+ * first, -14 each at the start. index: 2 words, out, as above. gain: 2 values, out: pitch gain and code gain, 1.0 is unity.
+ * taming: as above. At 6.4 kbit/s a code gain below 0.2 of the predicted one counts as 0.2 in the memory.
+ * Status: zppStsOk; zppStsNullPointer; zppStsOutOfRange for another taming flag. */
+ZPPAPI ZppStatus zppsGainCodebookSearch_G729_32f(const Zpp32f* target, const Zpp32f* adaptive, const Zpp32f* code,
+                                                 const Zpp32f* filtered, Zpp32f* memory, Zpp16s* index, Zpp32f* gain,
+                                                 Zpp16s taming);
+ZPPAPI ZppStatus zppsGainCodebookSearch_G729D_32f(const Zpp32f* target, const Zpp32f* adaptive, const Zpp32f* code,
+                                                  const Zpp32f* filtered, Zpp32f* memory, Zpp16s* index, Zpp32f* gain,
+                                                  Zpp16s taming);
 
 /* ---- G.729: postfilter (clause 4.2) ---------------------------------------------------------------------------------------------------------
  *
@@ -804,6 +859,10 @@ ZPPAPI ZppStatus zppsPreemphasize_G729A_16s_I(Zpp16s* srcDst, int len, Zpp16s fa
  * srcDst stays, for a silent srcDst (full rate: unless src is silent as well, where the gain decays). */
 ZPPAPI ZppStatus zppsGainControl_G729_16s_I(const Zpp16s* src, Zpp16s* srcDst, Zpp16s* gain);
 ZPPAPI ZppStatus zppsGainControl_G729A_16s_I(const Zpp16s* src, Zpp16s* srcDst, Zpp16s* gain);
+
+/* The full-rate form in single precision (ITU-T G.729 Annex C, clause 4.2.4). src: 40 values, in; srcDst: 40 values, in/out; gain:
+ * one value, in/out, 1.0 at the start. Silence as above. */
+ZPPAPI ZppStatus zppsGainControl_G729_32f_I(const Zpp32f* src, Zpp32f* srcDst, Zpp32f* gain);
 
 /* Phase dispersion of the excitation at 6.4 kbit/s (ITU-T G.729 Annex D, clause D.6).
  * state: a block of the size that zppsPhaseDispersionGetStateSize_G729D_16s tells, any alignment. Update keeps it current in

@@ -12,9 +12,6 @@ namespace {
 constexpr int kSubframe = 40;
 constexpr int kPast = 154;  // samples of past excitation
 
-// The past excitation reaches back to a delay of 144 and a third; below 18 the filter would run ahead of its own output.
-bool badDelay(const Zpp16s* delay) { return outside(int{delay[0]}, 18, 144) || outside(int{delay[1]}, -1, 1); }
-
 }  // namespace
 
 void ownDecodeAdaptiveVector_G729_16s(int lag, int fraction, const Zpp16s* pastExc, Zpp16s* dst) {
@@ -36,14 +33,14 @@ Zpp16s ownAdaptiveCodebookGain_G729A_16s(const Zpp16s* target, const Zpp16s* a, 
 
 ZppStatus zppsDecodeAdaptiveVector_G729_16s_I(const Zpp16s* delay, Zpp16s* exc) {
   if (anyNull(delay, exc)) return zppStsNullPointer;
-  if (badDelay(delay)) return zppStsBadCodedParam;
+  if (badPitchDelay(delay)) return zppStsBadCodedParam;
   ownDecodeAdaptiveVector_G729_16s_I(delay[0], delay[1], exc + kPast);
   return zppStsOk;
 }
 
 ZppStatus zppsDecodeAdaptiveVector_G729_16s(const Zpp16s* delay, const Zpp16s* pastExc, Zpp16s* dst) {
   if (anyNull(delay, pastExc, dst)) return zppStsNullPointer;
-  if (badDelay(delay)) return zppStsBadCodedParam;
+  if (badPitchDelay(delay)) return zppStsBadCodedParam;
   ownDecodeAdaptiveVector_G729_16s(delay[0], delay[1], pastExc, dst);
   return zppStsOk;
 }

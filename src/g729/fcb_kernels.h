@@ -10,6 +10,7 @@ namespace zpp {
 struct TrackPair;
 struct TrackTerms;
 struct PulsePair;
+struct CodedPulse;
 }  // namespace zpp
 
 #define ZPP_G729_FCB_KERNELS(KERNEL)                                                                                      \
@@ -39,3 +40,8 @@ bool ownScaleImpulse_G729_16s(const Zpp16s* impulse, Zpp16s* scaled);
 void ownFoldSigns_G729(const Zpp16s* sign, const zpp::TrackPair* tracks, Zpp16s* matrix);
 // The same for Annexes A and E: the sign of the row chooses between the factor of the column and its opposite.
 void ownFoldSigns_G729A(const Zpp16s* sign, const zpp::TrackPair* tracks, int blocks, Zpp16s* cross);
+
+// Codewords of Annex E's codebooks. pulse: 10 or 12 pulses in the order of the search, from its starting track round the
+// tracks; index: 5 words.
+void ownCodeword35_G729E(const zpp::CodedPulse* pulse, Zpp16s* index);
+void ownCodeword44_G729E(const zpp::CodedPulse* pulse, Zpp16s* index);

@@ -2,6 +2,8 @@
 // matrix, and the criterion by which candidates are compared.
 #pragma once
 
+#include <algorithm>
+
 #include "core/fixed_point.h"
 
 namespace zpp {
@@ -30,20 +32,22 @@ constexpr int crossBlock(int row, int column) {
   return kDiagonals + block * kBlock;
 }
 
-// The best candidate so far: `square` is the squared correlation, at most 32767, `energy` that of the filtered code vector. A
-// candidate replaces it when its quotient square / energy is larger, which is decided by cross products.
-struct Best {
-  Zpp32s square, energy;
+// The best candidate so far: `square` is the squared correlation, at most 32767 in fixed point, `energy` that of the filtered
+// code vector. A candidate replaces it when its quotient square / energy is larger, which is decided by cross products.
+template <class Number>
+struct BestCandidate {
+  Number square, energy;
 
-  constexpr bool yieldsTo(Zpp32s candidateSquare, Zpp32s candidateEnergy) const {
+  constexpr bool yieldsTo(Number candidateSquare, Number candidateEnergy) const {
     return candidateSquare * energy > square * candidateEnergy;
   }
-  constexpr bool improve(Zpp32s candidateSquare, Zpp32s candidateEnergy) {
+  constexpr bool improve(Number candidateSquare, Number candidateEnergy) {
     if (!yieldsTo(candidateSquare, candidateEnergy)) return false;
     *this = {candidateSquare, candidateEnergy};
     return true;
   }
 };
+using Best = BestCandidate<Zpp32s>;
 // Any candidate with energy above its square's negative replaces this one.
 inline constexpr Best kNoCandidate = {-1, 1};
 
@@ -72,9 +76,58 @@ struct SignedTarget {
       }
   }
   bool positive(int track, int position) const { return sign[kPositions * track + position] > 0; }
+  // Of a pulse, Q13: the Q15 sign factor shifted right by 2
+  static constexpr Zpp16s amplitude(bool positive) { return positive ? 8191 : -8192; }
 };
 
-// Amplitude of a pulse, Q13: the Q15 sign factor shifted right by 2
-constexpr Zpp16s pulseAmplitude(bool positive) { return positive ? 8191 : -8192; }
+// Main body: how many triples of pulses 0 to 2 there may be beside which pulse 3 is searched: a subframe's share, and an extra
+// in subframe 0 or what the subframe before has left
+constexpr Zpp16s searchBudget(Zpp16s subframe, Zpp16s left) { return addSat16(subframe == 0 ? Zpp16s{30} : left, 75); }
+
+// The two positions of largest magnitude in a track, the lower one on ties
+template <class Sample>
+inline void twoLargest(const Sample* d, int (&position)[2]) {
+  position[0] = 0;
+  for (int i = 1; i < kPositions; ++i)
+    if (d[i] > d[position[0]]) position[0] = i;
+  position[1] = position[0] == 0 ? 1 : 0;
+  for (int i = 0; i < kPositions; ++i)
+    if (i != position[0] && d[i] > d[position[1]]) position[1] = i;
+}
+
+// --- Code vectors and codewords, the same in fixed point and in single precision ---------------------------------------------
+
+// Code vector and codeword of four pulses; pulse[3] counts 16 positions.
+template <class Target, class Sample>
+inline void writeFourPulses(const Target& target, const Zpp8u* pulse, Sample* code, Zpp16s* codeword) {
+  std::fill_n(code, kSubframe, Sample{0});
+  Zpp32s signs = 0;
+  for (int n = 0; n < 4; ++n) {
+    const int position = n < 3 ? pulse[n] : pulse[3] / 2, track = n < 3 ? n : 3 + pulse[3] % 2;
+    const bool positive = target.positive(track, position);
+    code[kTracks * position + track] = Target::amplitude(positive);
+    signs |= positive ? 1 << n : 0;
+  }
+  codeword[0] = static_cast<Zpp16s>(signs);
+  codeword[1] = static_cast<Zpp16s>(pulse[0] + 8 * pulse[1] + 64 * pulse[2] + 512 * pulse[3]);
+}
+
+// Annex D: the position word of two pulses at the given samples, Gray codes of their entries in the tables of the first pulse
+// (samples of tracks 1 and 3 in ascending order) and of the second (tracks 0, 2 and 4 in ascending order, then track 1).
+constexpr Zpp16s positionWordAnnexD(int first, int second) {
+  const auto grayCode = [](int n) { return n ^ (n >> 1); };
+  const int firstEntry = 2 * (first / kTracks) + first % kTracks / 2;
+  const int secondEntry = second % kTracks == 1 ? 24 + second / kTracks : 3 * (second / kTracks) + second % kTracks / 2;
+  return static_cast<Zpp16s>(grayCode(firstEntry) + 16 * grayCode(secondEntry));
+}
+
+// Annex E: a pulse's track and the 4-bit word that codes it, the position index and 8 for a negative sign
+struct CodedPulse {
+  int track, word;
+};
+inline constexpr int kMostPulsesAnnexE = 12, kNegativePulse = 8;
+constexpr CodedPulse codedPulse(int sample, bool positive) {
+  return {sample % kTracks, sample / kTracks + (positive ? 0 : kNegativePulse)};
+}
 
 }  // namespace zpp

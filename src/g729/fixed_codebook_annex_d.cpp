@@ -8,15 +8,6 @@ using namespace zpp;
 
 namespace {
 
-constexpr int grayCode(int n) { return n ^ (n >> 1); }
-
-// Entry of a sample in the table of positions of the first pulse (samples of tracks 1 and 3 in ascending order) and in that of
-// the second (tracks 0, 2 and 4 in ascending order, then track 1).
-constexpr int firstPulseEntry(int sample) { return 2 * (sample / kTracks) + sample % kTracks / 2; }
-constexpr int secondPulseEntry(int sample) {
-  return sample % kTracks == 1 ? 24 + sample / kTracks : 3 * (sample / kTracks) + sample % kTracks / 2;
-}
-
 void searchAnnexD(const Zpp16s* target, const Zpp16s* impulse, Zpp16s* code, Zpp16s* filtered, Zpp16s* sign, Zpp16s* position) {
   Zpp16s matrix[kMatrix];
   ownToeplizMatrix_G729D_16s(impulse, matrix);
@@ -32,14 +23,14 @@ void searchAnnexD(const Zpp16s* target, const Zpp16s* impulse, Zpp16s* code, Zpp
     const bool positive = signedTarget.positive(pulse[n] % kTracks, pulse[n] / kTracks);
     signs |= positive ? 1 << n : 0;
     // Both pulses may fall on one sample of track 1.
-    code[pulse[n]] = static_cast<Zpp16s>(code[pulse[n]] + pulseAmplitude(positive));
+    code[pulse[n]] = static_cast<Zpp16s>(code[pulse[n]] + SignedTarget::amplitude(positive));
     for (int i = pulse[n]; i < kSubframe; ++i) {
       const Zpp16s h = impulse[i - pulse[n]];
       filtered[i] = positive ? addSat16(filtered[i], h) : subSat16(filtered[i], h);
     }
   }
   *sign = static_cast<Zpp16s>(signs);
-  *position = static_cast<Zpp16s>(grayCode(firstPulseEntry(pulse[0])) + 16 * grayCode(secondPulseEntry(pulse[1])));
+  *position = positionWordAnnexD(pulse[0], pulse[1]);
 }
 
 }  // namespace

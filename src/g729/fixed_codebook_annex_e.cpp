@@ -1,7 +1,6 @@
 // Fixed codebooks of 10 and 12 signed pulses, 35 and 44 bits, for 11.8 kbit/s (ITU-T G.729 Annex E, clause E.3.8)
 #include <algorithm>
 #include <bit>
-#include <utility>
 
 #include "core/checks.h"
 #include "core/kernels.h"
@@ -13,7 +12,7 @@ using namespace zpp;
 namespace {
 
 constexpr Zpp16s kAmplitude = 4096;  // Q12
-constexpr int kMostPulses = 12, kStarts = 3;
+constexpr int kStarts = 3;
 
 // Vectors go by track (see fcb_kernels.h) unless a comment says otherwise.
 struct Search {
@@ -152,44 +151,10 @@ void searchPulses(const Search& s, int pulses, Zpp8u* pulse) {
   for (int n = 0; n < kStarts; ++n) {
     const auto start = static_cast<int>(std::max_element(weight, weight + kTracks) - weight);
     weight[start] = -1;
-    Zpp8u found[kMostPulses];
+    Zpp8u found[kMostPulsesAnnexE];
     const Best candidate = searchFrom(s, start, pulses, found);
     if (best.improve(candidate.square, candidate.energy)) std::copy(found, found + pulses, pulse);
   }
-}
-
-// --- Codeword -----------------------------------------------------------------------------------------------------------
-
-// The 4-bit word of a pulse: its position index, and 8 for a negative sign
-constexpr int kNegative = 8, kPositionBits = 7;
-
-int pulseWord(const Search& s, int sample) { return sample / kTracks + (s.sign[byTrack(sample)] > 0 ? 0 : kNegative); }
-
-// Two pulses of a track, the one found first in front: the order of the two tells the sign of the other.
-struct TwoPulses {
-  int high, low;
-  constexpr Zpp16s codeword() const { return static_cast<Zpp16s>((high * 16 + low) & 127); }
-};
-constexpr TwoPulses orderTwo(int first, int second) {
-  const bool sameSign = ((first ^ second) & kNegative) == 0;
-  const bool firstHigh = sameSign ? first <= second : (first & kPositionBits) > (second & kPositionBits);
-  return firstHigh ? TwoPulses{first, second} : TwoPulses{second, first};
-}
-
-// Three pulses of a track in 10 bits: the positions of two of them and the whole word of the third, which one by the signs
-int threePulses(TwoPulses two, int third) {
-  int word[3] = {two.high, two.low, third};
-  const auto exchange = [&word](int a, int b) {
-    if ((word[a] & kPositionBits) > (word[b] & kPositionBits)) std::swap(word[a], word[b]);
-  };
-  exchange(0, 1);
-  exchange(0, 2);
-  exchange(1, 2);
-  // By the signs of the three, 1 for negative, and up to a change of all: + + +, + + -, + - +, + - -
-  static constexpr Zpp8u kOrder[4][3] = {{0, 1, 2}, {2, 0, 1}, {1, 0, 2}, {1, 2, 0}};
-  const int signs = (word[0] & kNegative) / 2 + (word[1] & kNegative) / 4 + (word[2] & kNegative) / 8;
-  const Zpp8u* order = kOrder[signs < 4 ? signs : 7 - signs];
-  return (word[order[0]] & kPositionBits) * 128 + (word[order[1]] & kPositionBits) * 16 + word[order[2]];
 }
 
 // Adds pulses to the code vector (Q12) and the filtered one (Q11, from the impulse response halved).
@@ -206,40 +171,28 @@ void ownBuildCode_G729E_16s(const Search& s, const Zpp8u* pulse, int pulses, con
   }
 }
 
-// Two pulses a track, coded by track from the first on
-void twoPulsesByTrack(const Search& s, const Zpp8u* pulse, TwoPulses* pair) {
-  int first[kTracks];
-  for (int n = 0; n < 2 * kTracks; ++n) {
-    const int track = pulse[n] % kTracks, word = pulseWord(s, pulse[n]);
-    if (n < kTracks)
-      first[track] = word;
-    else
-      pair[track] = orderTwo(first[track], word);
-  }
+// The pulses with their signs, as the codeword has them
+void codedPulses(const Search& s, const Zpp8u* pulse, int pulses, CodedPulse* coded) {
+  for (int n = 0; n < pulses; ++n) coded[n] = codedPulse(pulse[n], s.sign[byTrack(pulse[n])] > 0);
 }
 
 void ownACELP_10i40_35bits_16s(const Search& s, const Zpp16s* halvedImpulse, Zpp16s* code, Zpp16s* filtered, Zpp16s* index) {
-  Zpp8u pulse[kMostPulses];
+  Zpp8u pulse[kMostPulsesAnnexE];
   searchPulses(s, 10, pulse);
   ownBuildCode_G729E_16s(s, pulse, 10, halvedImpulse, code, filtered);
-  TwoPulses pair[kTracks];
-  twoPulsesByTrack(s, pulse, pair);
-  for (int t = 0; t < kTracks; ++t) index[t] = pair[t].codeword();
+  CodedPulse coded[kMostPulsesAnnexE];
+  codedPulses(s, pulse, 10, coded);
+  ownCodeword35_G729E(coded, index);
 }
 
 void ownACELP_12i40_44bits_16s(const Search& s, const Zpp16s* halvedImpulse, Zpp16s* code, Zpp16s* filtered, Zpp16s* index) {
-  Zpp8u pulse[kMostPulses];
+  Zpp8u pulse[kMostPulsesAnnexE];
   searchPulses(s, 12, pulse);
   ownBuildCode_G729E_16s(s, pulse + 2, 10, halvedImpulse, code, filtered);
   ownBuildCode_G729E_16s(s, pulse, 2, halvedImpulse, code, filtered);
-  TwoPulses pair[kTracks];
-  twoPulsesByTrack(s, pulse + 2, pair);
-  const int start = pulse[0] % kTracks;
-  for (int n = 0; n < kTracks; ++n) {
-    const int track = (start + n) % kTracks;
-    index[n] = n < 2 ? static_cast<Zpp16s>(threePulses(pair[track], pulseWord(s, pulse[n]))) : pair[track].codeword();
-  }
-  index[0] = static_cast<Zpp16s>(index[0] + 1024 * start);
+  CodedPulse coded[kMostPulsesAnnexE];
+  codedPulses(s, pulse, 12, coded);
+  ownCodeword44_G729E(coded, index);
 }
 
 void searchAnnexE(Zpp16s mode, const Zpp16s* target, const Zpp16s* residual, const Zpp16s* impulse, Zpp16s* code,

@@ -5,8 +5,9 @@
 // eight positions of track b follows from that of track a + 1 against track b + 1. From track 0 the way leads back to track 4
 // of the position before, for rows (i) as for columns (j).
 //
-// `Sums` holds the eight sums of a row: Sums(start), add(x, row): sum j += x * row[j]; nextColumn(start): sum j = sum j + 1;
-// store(dst), 32-bit sums or their upper 16 bits; transpose(block); and for a lone sum accumulate(sum, x), value(sum).
+// `Sums` holds the eight sums of a row of 16-bit or single-precision samples: Sums(start), add(x, row): sum j += x * row[j];
+// nextColumn(start): sum j = sum j + 1; store(dst), 32-bit sums or their upper 16 bits; transpose(block); and for a lone sum
+// accumulate(sum, x), value(sum).
 #pragma once
 
 #include <type_traits>
@@ -38,18 +39,19 @@ inline constexpr Chain kTrackAfterNextAnnexD = {
     2, {Chain::kNowhere, crossBlock(1, 3), crossBlock(2, 4), crossBlock(0, 3), crossBlock(1, 4)}};
 
 // The impulse response backwards and by track: at[8 t + i] = h[39 - (5 i + t)]
+template <class Sample>
 struct ReversedTracks {
-  alignas(16) Zpp16s at[kSubframe];
+  alignas(16) Sample at[kSubframe];
 
-  explicit ReversedTracks(const Zpp16s* h) {
+  explicit ReversedTracks(const Sample* h) {
     for (int t = 0; t < kTracks; ++t)
       for (int i = 0; i < kPositions; ++i) at[kPositions * t + i] = h[kSubframe - 1 - kTracks * i - t];
   }
 };
 
 // put(track a, i, sums) for each row, the track as an integral constant
-template <class Sums, int distance, class Put>
-inline void correlateTracks(const ReversedTracks& g, Zpp32s start, Put put) {
+template <class Sums, int distance, class Sample, class Start, class Put>
+inline void correlateTracks(const ReversedTracks<Sample>& g, Start start, Put put) {
   Sums sums(start);
   for (int i = kPositions - 1; i >= 0; --i) {
     const auto extend = [&]<int a>(std::integral_constant<int, a> track) {
@@ -63,9 +65,9 @@ inline void correlateTracks(const ReversedTracks& g, Zpp32s start, Put put) {
   }
 }
 
-template <class Sums, class Put>
-inline void correlateDiagonals(const ReversedTracks& g, Zpp32s start, Put put) {
-  Zpp32s sum = Sums::lone(start);
+template <class Sums, class Sample, class Start, class Put>
+inline void correlateDiagonals(const ReversedTracks<Sample>& g, Start start, Put put) {
+  auto sum = Sums::lone(start);
   for (int i = kPositions - 1; i >= 0; --i)
     for (int a = kTracks - 1; a >= 0; --a) {
       sum = Sums::accumulate(sum, g.at[kPositions * a + i]);
@@ -74,10 +76,11 @@ inline void correlateDiagonals(const ReversedTracks& g, Zpp32s start, Put put) {
 }
 
 constexpr void storeCorrelation(Zpp32s sum, Zpp32s* dst) { *dst = sum; }
+constexpr void storeCorrelation(Zpp32f sum, Zpp32f* dst) { *dst = sum; }
 constexpr void storeCorrelation(Zpp32s sum, Zpp16s* dst) { *dst = static_cast<Zpp16s>(sum >> 15); }
 
-template <class Sums, Chain chain, class T>
-inline void correlationBlocks(const ReversedTracks& g, T* matrix) {
+template <class Sums, Chain chain, class Sample, class T>
+inline void correlationBlocks(const ReversedTracks<Sample>& g, T* matrix) {
   correlateTracks<Sums, chain.distance>(g, 0, [matrix]<int a>(std::integral_constant<int, a>, int i, const Sums& row) {
     if constexpr (chain.block[a] != Chain::kNowhere) row.store(matrix + chain.block[a] + kPositions * i);
   });
@@ -85,17 +88,23 @@ inline void correlationBlocks(const ReversedTracks& g, T* matrix) {
     if (chain.block[a] != Chain::kNowhere) Sums::transpose(matrix + chain.block[a]);
 }
 
-template <class Sums, Chain... chains, class T>
-inline void correlationMatrix(const Zpp16s* scaledImpulse, T* matrix) {
-  const ReversedTracks g(scaledImpulse);
-  correlateDiagonals<Sums>(g, 0, [matrix](int entry, Zpp32s sum) { storeCorrelation(sum, matrix + entry); });
+template <class Sums, Chain... chains, class Sample, class T>
+inline void correlationMatrix(const Sample* scaledImpulse, T* matrix) {
+  const ReversedTracks<Sample> g(scaledImpulse);
+  correlateDiagonals<Sums>(g, 0, [matrix](int entry, auto sum) { storeCorrelation(sum, matrix + entry); });
   (correlationBlocks<Sums, chains>(g, matrix), ...);
+}
+
+template <class T>
+inline void transposeBlock(T* block) {
+  for (int i = 0; i < kPositions; ++i)
+    for (int j = 0; j < i; ++j) std::swap(block[kPositions * i + j], block[kPositions * j + i]);
 }
 
 // Annex E: diagonals, rounded twice and halved, then the blocks of each track and the next, rounded.
 template <class Sums>
 inline void correlationMatrixAnnexE(const Zpp16s* impulse, Zpp16s* matrix) {
-  const ReversedTracks g(impulse);
+  const ReversedTracks<Zpp16s> g(impulse);
   correlateDiagonals<Sums>(g, 32768, [matrix](int entry, Zpp32s sum) { matrix[entry] = static_cast<Zpp16s>(sum >> 16); });
   correlateTracks<Sums, 1>(
       g, 16384, [matrix](int a, int i, const Sums& row) { row.store(matrix + kDiagonals + kBlock * a + kPositions * i); });

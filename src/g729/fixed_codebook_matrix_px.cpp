@@ -5,12 +5,6 @@ using namespace zpp;
 
 namespace {
 
-template <class T>
-void transposeBlock(T* block) {
-  for (int i = 0; i < kPositions; ++i)
-    for (int j = 0; j < i; ++j) std::swap(block[kPositions * i + j], block[kPositions * j + i]);
-}
-
 class PlainSums {
  public:
   explicit PlainSums(Zpp32s start) {

@@ -9,9 +9,6 @@ using namespace zpp;
 
 namespace {
 
-// Triples of pulses 0 to 2 beside which pulse 3 may be searched: a subframe's share, and an extra at the start of a frame
-constexpr Zpp16s kBudget = 75, kExtraBudget = 30;
-
 // How promising three pulses must be: the mean correlation and 0.4 of the way from there to the largest possible one, in
 // 16-bit arithmetic.
 Zpp16s pruningThreshold(const Zpp16s* magnitude) {
@@ -26,29 +23,15 @@ Zpp16s pruningThreshold(const Zpp16s* magnitude) {
   return addSat16(mean, mulQ15(subSat16(most, mean), 13107));
 }
 
-// Code vector and codeword of four pulses; pulse[3] counts 16 positions.
-void writeCode(const SignedTarget& target, const Zpp8u* pulse, Zpp16s* code, Zpp16s* codeword) {
-  ownSet_16s(0, code, kSubframe);
-  Zpp32s signs = 0;
-  for (int n = 0; n < 4; ++n) {
-    const int position = n < 3 ? pulse[n] : pulse[3] / 2, track = n < 3 ? n : 3 + pulse[3] % 2;
-    const bool positive = target.positive(track, position);
-    code[kTracks * position + track] = pulseAmplitude(positive);
-    signs |= positive ? 1 << n : 0;
-  }
-  codeword[0] = static_cast<Zpp16s>(signs);
-  codeword[1] = static_cast<Zpp16s>(pulse[0] + 8 * pulse[1] + 64 * pulse[2] + 512 * pulse[3]);
-}
-
 void searchMainBody(const Zpp16s* target, Zpp16s* matrix, Zpp16s* code, Zpp16s* codeword, Zpp16s* budget, Zpp16s subframe) {
   const SignedTarget signedTarget(target);
   ownFoldSigns_G729(signedTarget.sign, kTrackPairs, matrix);
   Zpp8u pulse[4];
-  const Zpp16s allowed = addSat16(subframe == 0 ? kExtraBudget : *budget, kBudget);
+  const Zpp16s allowed = searchBudget(subframe, *budget);
   const int left =
       ownFixedCodebookSearch_G729(signedTarget.magnitude, matrix, pruningThreshold(signedTarget.magnitude), allowed, pulse);
   *budget = sat16(left);
-  writeCode(signedTarget, pulse, code, codeword);
+  writeFourPulses(signedTarget, pulse, code, codeword);
 }
 
 void searchAnnexA(const Zpp16s* target, Zpp16s* matrix, Zpp16s* code, Zpp16s* codeword) {
@@ -56,7 +39,7 @@ void searchAnnexA(const Zpp16s* target, Zpp16s* matrix, Zpp16s* code, Zpp16s* co
   ownFoldSigns_G729A(signedTarget.sign, kTrackPairs, kBlocks, matrix + kDiagonals);
   Zpp8u pulse[4];
   ownFixedCodebookSearch_G729A(signedTarget.magnitude, matrix, pulse);
-  writeCode(signedTarget, pulse, code, codeword);
+  writeFourPulses(signedTarget, pulse, code, codeword);
 }
 
 // Runs a search on the 32-bit matrix shifted right by 15. The entries of a matrix built by this library fit 16 bits then, and

@@ -98,16 +98,6 @@ struct PairView {
   Zpp16s operator()(int i, int j) const { return entries[kAsStored ? kPositions * i + j : kPositions * j + i]; }
 };
 
-// The two positions of largest magnitude in a track, the lower one on ties
-inline void twoLargest(const Zpp16s* d, int (&position)[2]) {
-  position[0] = 0;
-  for (int i = 1; i < kPositions; ++i)
-    if (d[i] > d[position[0]]) position[0] = i;
-  position[1] = position[0] == 0 ? 1 : 0;
-  for (int i = 0; i < kPositions; ++i)
-    if (i != position[0] && d[i] > d[position[1]]) position[1] = i;
-}
-
 // One pass: the first pair from two positions of track A and all of track B, beside it the best pair of tracks C and D. Leaves
 // the index of the chosen position of each track in `pulse`.
 template <class Row, int A, int B, int C, int D>

@@ -4,12 +4,17 @@
 // subframe hold the LP residual until an adaptive vector replaces them.
 #pragma once
 
+#include "core/checks.h"
 #include "core/variants.h"
 
 // A fractional delay: lag + fraction / 3
 struct PitchDelay {
   int lag, fraction;
 };
+// The past excitation reaches back to a delay of 144 and a third; below 18 the filter would run ahead of its own output.
+inline bool badPitchDelay(const Zpp16s* delay) {
+  return zpp::outside(int{delay[0]}, 18, 144) || zpp::outside(int{delay[1]}, -1, 1);
+}
 
 // ownSplitPairs_16s: first[k] = src[2 k], second[k] = src[2 k + 1].
 // ownMeanSquareWeightedError_16s: corr[t - tMin] = correlation of the target with the filtered excitation of delay t over the

@@ -7,6 +7,8 @@
 extern const Zpp16s inter_3[13];
 // Interpolation filter of the past excitation in steps of 1/3, one side: 31, Q15, ITU-T G.729 name inter_3l
 extern const Zpp16s inter_3l[31];
+// The same in single precision, as Annex C gives it: 31, ITU-T G.729 Annex C name inter_3l
+extern const Zpp32f inter_3l_32f[31];
 
 // The same filters for eight lanes, by phase 0..2, the thirds by which the centre lies behind sample 0. Excitation: samples
 // -9..10 in pairs, each pair four times. Correlation: samples -3..4.

@@ -8,6 +8,7 @@
 #include "core/cosine.h"
 #include "core/fixed_point.h"
 #include "core/kernels.h"
+#include "core/logarithm.h"
 #include "support/golden.h"
 
 namespace {
@@ -197,6 +198,28 @@ TEST(Cosine, AgreesWithTheCLibraryAndTakesEverything) {
   EXPECT_EQ(arccosine(-infinity), arccosine(-1));
   EXPECT_TRUE(std::isnan(arccosine(nan)));
   for (const double x : {infinity, -infinity, nan, 1e300}) EXPECT_EQ(cosine(x), 1);
+}
+
+TEST(Logarithm, AgreesWithTheLibraryAndWithItsInverse) {
+  const auto near = [](double got, double want) { return std::fabs(got - want) <= 1e-13 * std::max(1.0, std::fabs(want)); };
+  for (int i = -3000; i <= 3000; ++i) {
+    const double x = i / 10.0 + i % 7 / 100.0;
+    if (std::fabs(x) > 300) continue;
+    const double power = std::pow(10.0, x);
+    EXPECT_TRUE(std::fabs(powerOfTen(x) / power - 1) < 1e-12) << x;
+    EXPECT_TRUE(near(decimalLogarithm(power), std::log10(power))) << x;
+  }
+  for (const double x :
+       {1.0, std::nextafter(1.0, 2.0), std::nextafter(1.0, 0.0), 1.4142135, 1.4142136, 2.0, 10.0, 2.3e-308, 1.7e308})
+    EXPECT_TRUE(near(decimalLogarithm(x), std::log10(x))) << x;
+}
+
+TEST(Logarithm, TakesEveryNumber) {
+  const double inf = std::numeric_limits<double>::infinity(), nan = std::numeric_limits<double>::quiet_NaN();
+  for (const double x : {0.0, -0.0, -1.0, 1e-310, inf, -inf, nan}) EXPECT_TRUE(std::isnan(decimalLogarithm(x))) << x;
+  for (const double x : {300.5, 1e300, inf}) EXPECT_EQ(powerOfTen(x), inf);
+  for (const double x : {-300.5, -1e300, -inf}) EXPECT_EQ(powerOfTen(x), 0);
+  EXPECT_TRUE(std::isnan(powerOfTen(nan)));
 }
 
 TEST(MulPowerC, ChecksItsScaleBeforeItsLengthAndKeepsTheFirstElement) {

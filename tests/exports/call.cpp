@@ -101,9 +101,15 @@ Call::Call(const Export& function, const GoldenCase& golden, Place where)
     return found == golden.in.end() ? otherwise : found->second.at(0);
   };
   const auto elementsOf = [&](const Argument& a) {
-    const auto given = golden.in.find(a.name), expected = golden.out.find(a.name);
-    return std::max(given == golden.in.end() ? 0 : given->second.size(),
-                    expected == golden.out.end() ? 0 : expected->second.size());
+    const auto given = golden.in.find(a.name);
+    std::size_t elements = given == golden.in.end() ? 0 : given->second.size();
+    const auto atLeast = [&](const std::string& name, std::size_t from) {
+      if (const auto expected = golden.out.find(name); expected != golden.out.end())
+        elements = std::max(elements, from + expected->second.size());
+    };
+    atLeast(a.name, 0);
+    for (const Part& part : a.parts) atLeast(part.name, part.from);
+    return elements;
   };
   const auto historyOf = [&](const Argument& a) {
     return a.historyIs.empty() ? a.history : static_cast<std::size_t>(scalar(a.historyIs, 0));
@@ -159,14 +165,21 @@ std::string Call::wrongWrites(bool writable) const {
 
 std::string Call::difference(const GoldenCase& golden) const {
   for (const auto& [name, want] : golden.out) {
-    std::size_t i = 0;
-    while (i < passed_.size() && (function_.arguments[i].name != name || !blocks_[i].memory)) ++i;
+    std::size_t i = 0, from = 0;
+    const auto isNamed = [&, &wanted = name](const Argument& a) {
+      from = 0;
+      if (a.name == wanted) return true;
+      for (const Part& part : a.parts)
+        if (part.name == wanted) return from = part.from, true;
+      return false;
+    };
+    while (i < passed_.size() && (!blocks_[i].memory || !isNamed(function_.arguments[i]))) ++i;
     if (i == passed_.size()) return "no argument " + name;
     double largest = 0;
     for (const double w : want) largest = std::max(largest, std::fabs(w));
     const double allowed = golden.absolute + golden.relative * largest;
     for (std::size_t k = 0; k < want.size(); ++k) {
-      const double got = element(i, k);
+      const double got = element(i, from + k);
       const double expected =
           function_.arguments[i].element == Element::f32 ? static_cast<double>(static_cast<float>(want[k])) : want[k];
       if (!(std::fabs(got - expected) <= allowed))

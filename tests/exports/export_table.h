@@ -27,6 +27,12 @@ struct Refused {
   int rank;  // position in the order of checks: 1 lengths, 2 enumerated values, 3 scales and shifts, 4 coded parameters
 };
 
+// A part of a buffer that the golden vectors name by itself
+struct Part {
+  std::string name;
+  std::size_t from;  // its first element
+};
+
 struct Argument {
   enum class Role { in, out, inOut, scalar } role = Role::scalar;
   std::string name;
@@ -34,6 +40,7 @@ struct Argument {
   std::size_t history = 0;             // buffers: elements before the pointer
   std::string historyFrom;             // golden runs: history = elements of the buffer - value of this scalar
   std::string historyIs;               // golden runs: history = value of this scalar
+  std::vector<Part> parts;             // golden runs: expected outputs by other names
   bool optional = false;               // buffers: null is allowed
   std::function<void(void*)> prepare;  // buffers: content for the contract run, after the default fill
   double value = 0;                    // scalars: accepted value
@@ -53,6 +60,9 @@ struct Argument {
   // A delay line: the scalar tells how many elements lie before the pointer.
   Argument after(std::string delay, std::size_t elements) const {
     return with([&](Argument& a) { a.history = elements, a.historyIs = std::move(delay); });
+  }
+  Argument part(std::string partName, std::size_t from) const {
+    return with([&](Argument& a) { a.parts.push_back({std::move(partName), from}); });
   }
   // The elements of a state block (void*) as the golden vectors give them
   Argument of(Element e) const {
@@ -222,6 +232,7 @@ std::vector<Export> g729FcbExports();
 std::vector<Export> g729GainExports();
 std::vector<Export> g729PostfilterExports();
 std::vector<Export> g729FloatLspExports();
+std::vector<Export> g729FloatPitchExports();
 std::vector<Export> g723Exports();
 std::vector<Export> amrExports();
 std::vector<Export> g726Exports();
@@ -229,8 +240,9 @@ std::vector<Export> g7221Exports();
 
 inline std::vector<Export> allExports() {
   std::vector<Export> all;
-  for (auto list : {coreExports, lpcExports, g729LspExports, g729PitchExports, g729FcbExports, g729GainExports,
-                    g729PostfilterExports, g729FloatLspExports, g723Exports, amrExports, g726Exports, g7221Exports})
+  for (auto list :
+       {coreExports, lpcExports, g729LspExports, g729PitchExports, g729FcbExports, g729GainExports, g729PostfilterExports,
+        g729FloatLspExports, g729FloatPitchExports, g723Exports, amrExports, g726Exports, g7221Exports})
     for (auto& e : list()) all.push_back(std::move(e));
   return all;
 }
