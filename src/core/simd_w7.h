@@ -58,7 +58,7 @@ inline Zpp32s sumLanes32(V v) {
   v = _mm_add_epi32(v, _mm_shuffle_epi32(v, _MM_SHUFFLE(2, 3, 0, 1)));
   return _mm_cvtsi128_si32(v);
 }
-// The lane sums of four vectors, modulo 2^32
+// The lane sums of four vectors, in order, modulo 2^32
 inline V sumsOfLanes32(V a, V b, V c, V d) {
   const V ab = _mm_add_epi32(_mm_unpacklo_epi32(a, b), _mm_unpackhi_epi32(a, b));
   const V cd = _mm_add_epi32(_mm_unpacklo_epi32(c, d), _mm_unpackhi_epi32(c, d));

@@ -5,13 +5,6 @@
 
 namespace zpp {
 
-// Sums of the four lanes of each of four vectors, in order, modulo 2^32
-inline V sumRows(V a, V b, V c, V d) {
-  const V ab = _mm_add_epi32(_mm_unpacklo_epi32(a, b), _mm_unpackhi_epi32(a, b));
-  const V cd = _mm_add_epi32(_mm_unpacklo_epi32(c, d), _mm_unpackhi_epi32(c, d));
-  return _mm_add_epi32(_mm_unpacklo_epi64(ab, cd), _mm_unpackhi_epi64(ab, cd));
-}
-
 // Four accumulators, one a lag (named, not an array, so that they stay in registers)
 struct FourLags {
   V sum0 = _mm_setzero_si128(), sum1 = sum0, sum2 = sum0, sum3 = sum0;
@@ -26,7 +19,7 @@ struct FourLags {
   void add(const Zpp16s* x, const Zpp16s* y, int len) {  // len: a multiple of 8
     for (int n = 0; n < len; n += 8) add(load(x + n), y + n);
   }
-  V total() const { return sumRows(sum0, sum1, sum2, sum3); }
+  V total() const { return sumsOfLanes32(sum0, sum1, sum2, sum3); }
 };
 
 // The last or first n (0..7) lanes of eight kept, the others zero
