@@ -1,12 +1,11 @@
-// The searches for pulse positions (ITU-T G.729 clauses 3.8.1, A.3.8.1 and D.5), written once for all processor levels.
+// The searches for pulse positions of the main body and of Annex D (ITU-T G.729 clauses 3.8.1 and D.5), written once for all
+// processor levels, and what that of Annex A (clause A.3.8.1) shares between them.
 //
 // All of them compare candidates in rows of eight or 16, in the order of the standard. `Row` does that, on magnitudes:
 //
 //   improve<shift, length>(best, sum, d, offset, r, energy)
 //     tries the candidates of correlation sat16(sum + d[j]) and energy (offset + 2 r[j] + energy[j]) >> shift in turn, keeps
 //     the best, and returns the j of the last one that replaced it, or -1
-//   bestOf<shift>(rows, sum, d, offset, r, energy)
-//     the best candidate of rows of eight, each with its own sum[i], offset[i] and r[8 i + j]
 //   addTwice(src, r, dst): dst[j] = src[j] + 2 r[j], j = 0..15
 //   above(sum, d, threshold): bit j set where sat16(sum + d[j]) > threshold, j = 0..7
 //   interleave(a, b, dst): dst[2 j] = a[j], dst[2 j + 1] = b[j], j = 0..7
@@ -22,13 +21,6 @@
 #include "g729/fixed_codebook.h"
 
 namespace zpp {
-
-// The best of a number of rows of eight candidates, the first on ties; {-1, 1} at 0, 0 if none has a positive energy to speak
-// of.
-struct BestOfRows {
-  Best best = kNoCandidate;
-  int row = 0, column = 0;
-};
 
 // --- Main body: four nested loops ---------------------------------------------------------------------------------------
 
@@ -88,73 +80,18 @@ inline int searchFourPulses(const Zpp16s* magnitude, const Zpp16s* matrix, Zpp16
 
 // --- Annex A: depth-first tree of two pairs ---------------------------------------------------------------------------------
 
-// The entries r(i, j) of positions of two tracks in either order
-template <int row, int column>
-struct PairView {
-  static constexpr bool kAsStored = row < column;
-  const Zpp16s* entries;
-
-  explicit PairView(const Zpp16s* matrix) : entries(matrix + (kAsStored ? crossBlock(row, column) : crossBlock(column, row))) {}
-  Zpp16s operator()(int i, int j) const { return entries[kAsStored ? kPositions * i + j : kPositions * j + i]; }
+// Four passes: the first pair from two positions of track A and all of track B, beside it the best pair of tracks C and D.
+struct TreePass {
+  Zpp8u a, b, c, d;
 };
+inline constexpr TreePass kTreePasses[] = {{2, 3, 0, 1}, {3, 0, 1, 2}, {2, 4, 0, 1}, {4, 0, 1, 2}};
 
-// One pass: the first pair from two positions of track A and all of track B, beside it the best pair of tracks C and D. Leaves
-// the index of the chosen position of each track in `pulse`.
-template <class Row, int A, int B, int C, int D>
-inline Best searchTwoPairs(const Zpp16s* magnitude, const Zpp16s* matrix, Zpp8u (&pulse)[kTracks]) {
-  const Zpp16s *dA = magnitude + kPositions * A, *dB = magnitude + kPositions * B, *dC = magnitude + kPositions * C;
-  const Zpp16s *rAA = matrix + kPositions * A, *rBB = matrix + kPositions * B, *rCC = matrix + kPositions * C,
-               *rDD = matrix + kPositions * D;
-  const PairView<A, B> rAB(matrix);
-  const PairView<A, C> rAC(matrix);
-  const PairView<A, D> rAD(matrix);
-  const PairView<B, C> rBC(matrix);
-  const PairView<B, D> rBD(matrix);
-  alignas(16) Zpp32s energy[kPositions], offset[kPositions];
-  alignas(16) Zpp16s sum[kPositions], rows[2 * kPositions];
-
-  // Energies in units of 1/4 of the sum
-  int candidate[2];
-  twoLargest(dA, candidate);
-  for (int n = 0; n < 2; ++n) {
-    sum[n] = dA[candidate[n]];
-    offset[n] = rAA[candidate[n]] + 2;
-    for (int j = 0; j < kPositions; ++j) rows[kPositions * n + j] = rAB(candidate[n], j);
-  }
-  for (int j = 0; j < kPositions; ++j) energy[j] = rBB[j];
-  const BestOfRows first = Row::template bestOf<2>(2, sum, dB, offset, rows, energy);
-  const int p = candidate[first.row], q = first.column;
-
-  // Energies in units of 1/16 of the sum; what each position of the last track adds beside the first pair is rounded to 1/8.
-  const Zpp16s firstSum = addSat16(dA[p], dB[q]);
-  for (int n = 0; n < kPositions; ++n) {
-    sum[n] = addSat16(firstSum, dC[n]);
-    offset[n] = 4 * first.best.energy + 2 * (rAC(p, n) + rBC(q, n)) + rCC[n] + 8;
-    energy[n] = (2 * (rAD(p, n) + rBD(q, n)) + rDD[n] + 4) >> 3 << 3;
-  }
-  const BestOfRows second =
-      Row::template bestOf<4>(kPositions, sum, magnitude + kPositions * D, offset, matrix + crossBlock(C, D), energy);
-  pulse[A] = static_cast<Zpp8u>(p);
-  pulse[B] = static_cast<Zpp8u>(q);
-  pulse[C] = static_cast<Zpp8u>(second.row);
-  pulse[D] = static_cast<Zpp8u>(second.column);
-  return second.best;
-}
-
-template <class Row>
-inline void searchTree(const Zpp16s* magnitude, const Zpp16s* matrix, Zpp8u* pulse) {
-  Best best = kNoCandidate;
-  pulse[0] = pulse[1] = pulse[2] = pulse[3] = 0;
-  Zpp8u found[kTracks];
-  const auto compare = [&](Best candidate, int last) {
-    if (!best.improve(candidate.square, candidate.energy)) return;
-    for (int n = 0; n < 3; ++n) pulse[n] = found[n];
-    pulse[3] = static_cast<Zpp8u>(2 * found[last] + last - 3);
+// The position index chosen in each track of a pass, as pulses of the codeword
+inline void setPulses(TreePass tracks, int a, int b, int c, int d, Zpp8u* pulse) {
+  const auto set = [pulse](int track, int position) {
+    pulse[track < 3 ? track : 3] = static_cast<Zpp8u>(track < 3 ? position : 2 * position + track - 3);
   };
-  compare(searchTwoPairs<Row, 2, 3, 0, 1>(magnitude, matrix, found), 3);
-  compare(searchTwoPairs<Row, 3, 0, 1, 2>(magnitude, matrix, found), 3);
-  compare(searchTwoPairs<Row, 2, 4, 0, 1>(magnitude, matrix, found), 4);
-  compare(searchTwoPairs<Row, 4, 0, 1, 2>(magnitude, matrix, found), 4);
+  set(tracks.a, a), set(tracks.b, b), set(tracks.c, c), set(tracks.d, d);
 }
 
 // --- Annex D: two pulses ------------------------------------------------------------------------------------------------
