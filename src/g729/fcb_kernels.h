@@ -22,6 +22,9 @@ struct CodedPulse;
   KERNEL(ownFixedCodebookCorrSign, W7,                                                                                    \
          void(Zpp16s * cross, const zpp::TrackPair* tracks, int blocks, const Zpp16s* sign, const Zpp16s* besidePositive, \
               const Zpp16s* besideNegative))                                                                              \
+  KERNEL(ownFixedCodebookCorrSign_32s16s, W7,                                                                             \
+         void(Zpp32s * matrix, const zpp::TrackPair* tracks, const Zpp16s* sign, const Zpp16s* besidePositive,            \
+              const Zpp16s* besideNegative, Zpp16s* folded))                                                              \
   KERNEL(ownFixedCodebookSearch_G729, W7,                                                                                 \
          int(const Zpp16s* magnitude, const Zpp16s* matrix, Zpp16s threshold, int budget, Zpp8u* pulse))                  \
   KERNEL(ownFixedCodebookSearch_G729A, W7, void(const Zpp16s* magnitude, const Zpp16s* matrix, Zpp8u* pulse))             \
@@ -40,6 +43,10 @@ bool ownScaleImpulse_G729_16s(const Zpp16s* impulse, Zpp16s* scaled);
 void ownFoldSigns_G729(const Zpp16s* sign, const zpp::TrackPair* tracks, Zpp16s* matrix);
 // The same for Annexes A and E: the sign of the row chooses between the factor of the column and its opposite.
 void ownFoldSigns_G729A(const Zpp16s* sign, const zpp::TrackPair* tracks, int blocks, Zpp16s* cross);
+// Both for a 32-bit matrix, which is shifted right by 15 and saturated to 16 bits first. The result goes back into it, and to
+// `folded`.
+void ownFoldSigns_G729_32s16s(const Zpp16s* sign, Zpp32s* matrix, Zpp16s* folded);
+void ownFoldSigns_G729A_32s16s(const Zpp16s* sign, Zpp32s* matrix, Zpp16s* folded);
 
 // Codewords of Annex E's codebooks. pulse: 10 or 12 pulses in the order of the search, from its starting track round the
 // tracks; index: 5 words.

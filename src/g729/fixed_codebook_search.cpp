@@ -23,42 +23,50 @@ Zpp16s pruningThreshold(const Zpp16s* magnitude) {
   return addSat16(mean, mulQ15(subSat16(most, mean), 13107));
 }
 
+// The searches proper, once the signs are in the matrix
+
+void searchMainBody(const SignedTarget& target, const Zpp16s* folded, Zpp16s* code, Zpp16s* codeword, Zpp16s* budget,
+                    Zpp16s subframe) {
+  Zpp8u pulse[4];
+  const Zpp16s allowed = searchBudget(subframe, *budget);
+  const int left = ownFixedCodebookSearch_G729(target.magnitude, folded, pruningThreshold(target.magnitude), allowed, pulse);
+  *budget = sat16(left);
+  writeFourPulses(target, pulse, code, codeword);
+}
+
+void searchAnnexA(const SignedTarget& target, const Zpp16s* folded, Zpp16s* code, Zpp16s* codeword) {
+  Zpp8u pulse[4];
+  ownFixedCodebookSearch_G729A(target.magnitude, folded, pulse);
+  writeFourPulses(target, pulse, code, codeword);
+}
+
+// By the type of the matrix. The entries of a 32-bit matrix built by this library fit 16 bits when shifted right by 15, and
+// they still do with the signs folded in.
+
 void searchMainBody(const Zpp16s* target, Zpp16s* matrix, Zpp16s* code, Zpp16s* codeword, Zpp16s* budget, Zpp16s subframe) {
   const SignedTarget signedTarget(target);
   ownFoldSigns_G729(signedTarget.sign, kTrackPairs, matrix);
-  Zpp8u pulse[4];
-  const Zpp16s allowed = searchBudget(subframe, *budget);
-  const int left =
-      ownFixedCodebookSearch_G729(signedTarget.magnitude, matrix, pruningThreshold(signedTarget.magnitude), allowed, pulse);
-  *budget = sat16(left);
-  writeFourPulses(signedTarget, pulse, code, codeword);
+  searchMainBody(signedTarget, matrix, code, codeword, budget, subframe);
+}
+
+void searchMainBody(const Zpp16s* target, Zpp32s* matrix, Zpp16s* code, Zpp16s* codeword, Zpp16s* budget, Zpp16s subframe) {
+  const SignedTarget signedTarget(target);
+  Zpp16s folded[kMatrix];
+  ownFoldSigns_G729_32s16s(signedTarget.sign, matrix, folded);
+  searchMainBody(signedTarget, folded, code, codeword, budget, subframe);
 }
 
 void searchAnnexA(const Zpp16s* target, Zpp16s* matrix, Zpp16s* code, Zpp16s* codeword) {
   const SignedTarget signedTarget(target);
   ownFoldSigns_G729A(signedTarget.sign, kTrackPairs, kBlocks, matrix + kDiagonals);
-  Zpp8u pulse[4];
-  ownFixedCodebookSearch_G729A(signedTarget.magnitude, matrix, pulse);
-  writeFourPulses(signedTarget, pulse, code, codeword);
-}
-
-// Runs a search on the 32-bit matrix shifted right by 15. The entries of a matrix built by this library fit 16 bits then, and
-// they still do with the signs folded in.
-template <class Search>
-void onShiftedMatrix(Zpp32s* matrix, Search search) {
-  Zpp16s shifted[kMatrix];
-  ownRShiftC_32s(matrix, matrix, kMatrix, 15);
-  ownConvert_NR_32s16s_Sfs(matrix, shifted, kMatrix, 0);
-  search(shifted);
-  ownConvert_16s32s(shifted, matrix, kMatrix);
-}
-
-void searchMainBody(const Zpp16s* target, Zpp32s* matrix, Zpp16s* code, Zpp16s* codeword, Zpp16s* budget, Zpp16s subframe) {
-  onShiftedMatrix(matrix, [&](Zpp16s* shifted) { searchMainBody(target, shifted, code, codeword, budget, subframe); });
+  searchAnnexA(signedTarget, matrix, code, codeword);
 }
 
 void searchAnnexA(const Zpp16s* target, Zpp32s* matrix, Zpp16s* code, Zpp16s* codeword) {
-  onShiftedMatrix(matrix, [&](Zpp16s* shifted) { searchAnnexA(target, shifted, code, codeword); });
+  const SignedTarget signedTarget(target);
+  Zpp16s folded[kMatrix];
+  ownFoldSigns_G729A_32s16s(signedTarget.sign, matrix, folded);
+  searchAnnexA(signedTarget, folded, code, codeword);
 }
 
 }  // namespace

@@ -4,17 +4,46 @@
 
 using namespace zpp;
 
-void ownFoldSigns_G729(const Zpp16s* sign, const TrackPair* tracks, Zpp16s* matrix) {
+namespace {
+
+// Factors of the columns beside a positive and a negative sign of the row
+struct MainBodyFactors {
   alignas(16) Zpp16s besidePositive[kSubframe], besideNegative[kSubframe];
-  for (int n = 0; n < kSubframe; ++n) {
-    besidePositive[n] = mulQ15(kMax16, sign[n]);
-    besideNegative[n] = mulQ15(kMin16, sign[n]);
+
+  explicit MainBodyFactors(const Zpp16s* sign) {
+    for (int n = 0; n < kSubframe; ++n) {
+      besidePositive[n] = mulQ15(kMax16, sign[n]);
+      besideNegative[n] = mulQ15(kMin16, sign[n]);
+    }
   }
-  ownFixedCodebookCorrSign(matrix + kDiagonals, tracks, kBlocks, sign, besidePositive, besideNegative);
+};
+struct AnnexAFactors {
+  const Zpp16s* besidePositive;
+  alignas(16) Zpp16s besideNegative[kSubframe];
+
+  explicit AnnexAFactors(const Zpp16s* sign) : besidePositive(sign) {
+    for (int n = 0; n < kSubframe; ++n) besideNegative[n] = static_cast<Zpp16s>(~sign[n]);
+  }
+};
+
+}  // namespace
+
+void ownFoldSigns_G729(const Zpp16s* sign, const TrackPair* tracks, Zpp16s* matrix) {
+  const MainBodyFactors f(sign);
+  ownFixedCodebookCorrSign(matrix + kDiagonals, tracks, kBlocks, sign, f.besidePositive, f.besideNegative);
 }
 
 void ownFoldSigns_G729A(const Zpp16s* sign, const TrackPair* tracks, int blocks, Zpp16s* cross) {
-  alignas(16) Zpp16s opposite[kSubframe];
-  for (int n = 0; n < kSubframe; ++n) opposite[n] = static_cast<Zpp16s>(~sign[n]);
-  ownFixedCodebookCorrSign(cross, tracks, blocks, sign, sign, opposite);
+  const AnnexAFactors f(sign);
+  ownFixedCodebookCorrSign(cross, tracks, blocks, sign, f.besidePositive, f.besideNegative);
+}
+
+void ownFoldSigns_G729_32s16s(const Zpp16s* sign, Zpp32s* matrix, Zpp16s* folded) {
+  const MainBodyFactors f(sign);
+  ownFixedCodebookCorrSign_32s16s(matrix, kTrackPairs, sign, f.besidePositive, f.besideNegative, folded);
+}
+
+void ownFoldSigns_G729A_32s16s(const Zpp16s* sign, Zpp32s* matrix, Zpp16s* folded) {
+  const AnnexAFactors f(sign);
+  ownFixedCodebookCorrSign_32s16s(matrix, kTrackPairs, sign, f.besidePositive, f.besideNegative, folded);
 }

@@ -1,4 +1,4 @@
-// Folding of the target's signs into the correlation matrix: portable kernel.
+// Folding of the target's signs into the correlation matrix: portable kernels.
 #include "g729/fcb_kernels.h"
 #include "g729/fixed_codebook.h"
 
@@ -12,4 +12,11 @@ void ownFixedCodebookCorrSign_PX(Zpp16s* cross, const TrackPair* tracks, int blo
       const Zpp16s* factor = (positive ? besidePositive : besideNegative) + kPositions * tracks[block].column;
       for (int j = 0; j < kPositions; ++j) cross[j] = mulQ15(cross[j], factor[j]);
     }
+}
+
+void ownFixedCodebookCorrSign_32s16s_PX(Zpp32s* matrix, const TrackPair* tracks, const Zpp16s* sign,
+                                        const Zpp16s* besidePositive, const Zpp16s* besideNegative, Zpp16s* folded) {
+  for (int n = 0; n < kMatrix; ++n) folded[n] = sat16(matrix[n] >> 15);
+  ownFixedCodebookCorrSign_PX(folded + kDiagonals, tracks, kBlocks, sign, besidePositive, besideNegative);
+  for (int n = 0; n < kMatrix; ++n) matrix[n] = folded[n];
 }

@@ -82,6 +82,10 @@ DRIVE(ownFixedCodebookCorrSign, repeated) {
   rig.run(rig.inOut<Zpp16s>(kBlocks * kBlock), kTrackPairsAnnexD, kBlocks, rig.in<Zpp16s>(kSubframe), rig.in<Zpp16s>(kSubframe),
           rig.in<Zpp16s>(kSubframe));
 }
+DRIVE(ownFixedCodebookCorrSign_32s16s, repeated) {
+  rig.run(rig.inOut<Zpp32s>(kMatrix), kTrackPairs, rig.in<Zpp16s>(kSubframe), rig.in<Zpp16s>(kSubframe),
+          rig.in<Zpp16s>(kSubframe), rig.out<Zpp16s>(kMatrix));
+}
 DRIVE(ownFixedCodebookSearch_G729, repeated) {
   const Zpp16s* d = magnitudes(rig);
   rig.run(d, matrix(rig, ownToeplizMatrix_G729_16s_PX), threshold(rig, d), rig.keep ? 105 : rig.scalar(-80, 600),
