@@ -6,6 +6,7 @@
 #include "core/checks.h"
 #include "core/fixed_point.h"
 #include "core/kernels.h"
+#include "g729/gain_kernels.h"
 #include "g729/gain_prediction.h"
 #include "g729/gain_tables.h"
 #include "lpc/kernels.h"
@@ -25,14 +26,14 @@ struct GainCodebook {
   const Zpp16s (*coef)[2];
   const Zpp32s (*wideCoef)[2];
   const Zpp16s *thr1, *thr2;
-  int thresholds1, thresholds2, kept1, kept2;
+  int thresholds1, thresholds2, kept1, kept2, secondRows;
   int threshold1Shift, codeGainShift;
   Zpp16s inverse;          // 1 / (c00 c11 - c01 c10) of the pre-selection
   int correctionHeadroom;  // Q format of the search's correlations with the code gain
 };
-constexpr GainCodebook kFullRate = {gbk1, gbk2, map1, map2, coef, L_coef, thr1, thr2, 4, 8, 4, 8, 3, 7, -17103, 0};
-constexpr GainCodebook k6k = {gbk1_6k, gbk2_6k, map1_6k, map2_6k, coef_6k, L_coef_6k, thr1_6k, thr2_6k,
-                              2,       2,       6,       6,       2,       6,         -28940,  1};
+constexpr GainCodebook kFullRate = {gbk1, gbk2, map1, map2, coef, L_coef, thr1, thr2, 4, 8, 4, 8, 16, 3, 7, -17103, 0};
+constexpr GainCodebook k6k = {gbk1_6k, gbk2_6k, map1_6k, map2_6k, coef_6k, L_coef_6k, thr1_6k, thr2_6k, 2,
+                              2,       6,       6,       8,       2,       6,         -28940,  1};
 
 struct Scaled {
   Zpp16s mantissa;
@@ -138,34 +139,25 @@ GainPair gainPair(const GainCodebook& book, Candidates rows) {
 }
 
 // The pair of least error among the kept rows; the first of them when taming excludes all
-Candidates ownWeightedMSE(const GainCodebook& book, const ErrorTerms& terms, PredictedGain predicted, Candidates kept,
-                          bool taming) {
+Candidates leastError(const GainCodebook& book, const ErrorTerms& terms, PredictedGain predicted, Candidates kept,
+                      bool taming) {
   const auto& g = terms.g;
   const int q = predicted.q, headroom = book.correctionHeadroom;
   const int exponents[5] = {g[0].q + 13, g[1].q + 14, g[2].q + 2 * q - 21 + 2 * headroom, g[3].q + q - 3 + headroom,
                             g[4].q + q - 4 + headroom};
   const int least = *std::min_element(exponents, exponents + 5);
-  Dpf factor[5];
-  for (int i = 0; i < 5; ++i) factor[i] = toDpf(shr32(fromHigh16(g[i].mantissa), exponents[i] - least));
-
-  Candidates best = kept;
-  Zpp32s leastError = kMax32;
-  for (int i = kept.first; i < kept.first + book.kept1; ++i)
-    for (int k = kept.second; k < kept.second + book.kept2; ++k) {
-      const GainPair pair = gainPair(book, {i, k});
-      if (taming && pair.pitch >= kTamedLimit) continue;
-      const Zpp16s code = mulQ15(predicted.mantissa, static_cast<Zpp16s>(pair.correction >> 1));
-      Zpp32s error = mulDpf16(factor[0], mulQ15(pair.pitch, pair.pitch));
-      error = addSat32(error, mulDpf16(factor[1], pair.pitch));
-      error = addSat32(error, mulDpf16(factor[2], mulQ15(code, code)));
-      error = addSat32(error, mulDpf16(factor[3], code));
-      error = addSat32(error, mulDpf16(factor[4], mulQ15(code, pair.pitch)));
-      if (subSat32(error, leastError) < 0) {
-        leastError = error;
-        best = {i, k};
-      }
-    }
-  return best;
+  const int base = std::min(kept.second, book.secondRows - 8);  // eight rows that hold those kept
+  GainSearch search = {book.first + kept.first,
+                       book.kept1,
+                       book.second + base,
+                       kept.second - base,
+                       book.kept2,
+                       {},
+                       predicted.mantissa,
+                       taming ? kTamedLimit : static_cast<Zpp16s>(kMax16)};
+  for (int i = 0; i < 5; ++i) search.factor[i] = toDpf(shr32(fromHigh16(g[i].mantissa), exponents[i] - least));
+  const int best = ownWeightedMSE_G729(search);
+  return {kept.first + best / 8, base + best % 8};
 }
 
 void quantise(const GainCodebook& book, const Zpp16s* target, const Zpp16s* adaptive, const Zpp16s* code,
@@ -176,7 +168,7 @@ void quantise(const GainCodebook& book, const Zpp16s* target, const Zpp16s* adap
   const Zpp16s predictedQ4 =
       predicted.q >= 4 ? shr16(predicted.mantissa, predicted.q - 4) : high16(shlSat32(predicted.mantissa, 20 - predicted.q));
   const Candidates kept = ownPreSearchCdbk(book, bestGains(terms, taming), predictedQ4);
-  const Candidates rows = ownWeightedMSE(book, terms, predicted, kept, taming);
+  const Candidates rows = leastError(book, terms, predicted, kept, taming);
 
   const GainPair pair = gainPair(book, rows);
   const int halved = book.correctionHeadroom;

@@ -1,3 +1,5 @@
+#include "g729/gain_kernels.h"
+#include "g729/gain_tables.h"
 #include "g729/kernels.h"
 #include "g729/lsp_tables.h"
 
@@ -6,6 +8,7 @@
 namespace test {
 
 ZPP_G729_LSP_KERNELS(ZPP_KERNEL_TYPE)
+ZPP_G729_GAIN_KERNELS(ZPP_KERNEL_TYPE)
 
 void runG729FcbKernels(const Options& options, Tally& tally);
 void runG729PitchKernels(const Options& options, Tally& tally);
@@ -13,6 +16,7 @@ void runG729PostfilterKernels(const Options& options, Tally& tally);
 
 void runG729Kernels(const Options& options, Tally& tally) {
   ZPP_G729_LSP_KERNELS(ZPP_RUN_KERNEL)
+  ZPP_G729_GAIN_KERNELS(ZPP_RUN_KERNEL)
   runG729FcbKernels(options, tally);
   runG729PitchKernels(options, tally);
   runG729PostfilterKernels(options, tally);
@@ -52,6 +56,24 @@ DRIVE(ownInterpolateC_NR_G729_16s_Sfs, upTo(60, {40})) {
   if (n % 2 == 0) return rig.run(rig.in<Zpp16s>(n), weight1, rig.in<Zpp16s>(n), weight2, rig.out<Zpp16s>(n), n, scaleFactor);
   Zpp16s* srcDst = rig.inOut<Zpp16s>(n);
   rig.run(srcDst, weight1, rig.in<Zpp16s>(n), weight2, srcDst, n, scaleFactor);
+}
+
+// --- Gain codebooks -------------------------------------------------------------------------------------------------------
+// Sizes: even ones with errors that may saturate, multiples of three with taming, from 30 on with few second rows.
+DRIVE(ownWeightedMSE_G729, upTo(60, {1})) {
+  const bool few = n >= 30;
+  const int from = rig.scalar(0, few ? 2 : 8);
+  GainSearch search = {few ? gbk1_6k + rig.scalar(0, 2) : gbk1 + rig.scalar(0, 4),
+                       few ? 6 : 4,
+                       few ? gbk2_6k : gbk2 + from,
+                       few ? from : 0,
+                       few ? 6 : 8,
+                       {},
+                       rig.scalar<Zpp16s>(16384, 32767),
+                       static_cast<Zpp16s>(n % 3 == 0 ? rig.scalar(0, 16383) : 32767)};
+  const Zpp32s* factor = rig.in<Zpp32s>(5);
+  for (int i = 0; i < 5; ++i) search.factor[i] = zpp::toDpf(n % 2 == 0 ? factor[i] : factor[i] >> 2);
+  rig.run(search);
 }
 
 }  // namespace test
