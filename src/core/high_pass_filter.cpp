@@ -1,4 +1,5 @@
 // Second-order high-pass filters of ITU-T G.729 pre- and post-processing (clauses 3.1 and 4.2.5).
+#include <algorithm>
 #include <cstring>
 
 #include "core/checks.h"
@@ -18,52 +19,53 @@ static_assert(sizeof(HighPassState) == 24);
 
 // acc + the feedback product, each of its two halves added with saturation
 constexpr Zpp32s macFeedback(Zpp32s acc, Dpf y, Zpp16s a) { return macDbl(macDbl(acc, y.hi, a), mulQ15(y.lo, a), 1); }
+// Half of it where nothing saturates, for even y
+constexpr Zpp32s halfFeedback(Zpp32s y, Zpp32s a) { return addWrap32((y >> 16) * a, ((y & 0xffff) * a) >> 16); }
 
-// Feedback and input, saturated in every step as the standard has it
-[[gnu::noinline]] Zpp32s saturatedSum(const HighPassState& s, Zpp16s x0) {
-  const Zpp32s feedback = macFeedback(macFeedback(0, s.y1, s.a[1]), s.y2, s.a[2]);
-  return macDbl(macDbl(macDbl(feedback, x0, s.b[0]), s.x1, s.b[1]), s.x2, s.b[2]);
+constexpr int magnitude(Zpp16s x) { return x < 0 ? -x : x; }
+
+// Step by step, as the standard does it
+[[gnu::noinline]] Zpp32s saturatingSum(const HighPassState& s, Zpp32s x0, Zpp32s x1, Zpp32s x2, Zpp32s y1, Zpp32s y2) {
+  const Zpp32s acc = macFeedback(macFeedback(0, toDpf(y1), s.a[1]), toDpf(y2), s.a[2]);
+  return macDbl(macDbl(macDbl(acc, low16(x0), s.b[0]), low16(x1), s.b[1]), low16(x2), s.b[2]);
 }
 
-// The doubled product of a coefficient with a 16-bit value, or with one in two halves, is of this magnitude at most.
-constexpr Zpp64s reach(Zpp16s c) { return Zpp64s{65540} * (c < 0 ? -c : c); }
-
-// While the feedback stays within +-room, no step of the sum can saturate; -1 where the coefficients promise nothing.
-Zpp32s roomForFeedback(const HighPassState& s) {
-  if (reach(s.a[1]) + reach(s.a[2]) > kMax32) return -1;
-  const Zpp64s room = kMax32 - reach(s.b[0]) - reach(s.b[1]) - reach(s.b[2]);
-  return room < 0 ? -1 : static_cast<Zpp32s>(room);
+// With past outputs within +- the result no sum of the filter saturates: half the magnitudes of all products stay below 2^30
+// together, a lower word counting as a unit of the upper. Below 0 where the inputs alone may saturate.
+Zpp32s harmlessOutput(const HighPassState& s, int largestInput) {
+  const Zpp64s inputs = Zpp64s{largestInput} * (magnitude(s.b[0]) + magnitude(s.b[1]) + magnitude(s.b[2]));
+  const Zpp64s room = (Zpp64s{1} << 30) - 1 - inputs;
+  if (room < 0) return -1;
+  const Zpp32s upperWord = static_cast<Zpp32s>(room) / (magnitude(s.a[1]) + magnitude(s.a[2]) + 1) - 1;
+  return upperWord > kMax16 ? kMax32 : upperWord * 65536;
 }
 
+// The filter's pace is the way from one output to the next, so all else is kept off it: the share of the output before last
+// comes from the last step, and saturation hides behind branches.
 template <int scaleFactor>
-void filter(Zpp16s* srcDst, int len, HighPassState& state) {
-  const auto [start1, start2, startX1, startX2, b, a] = state;
-  const Zpp32s room = roomForFeedback(state), a1 = a[1], a2 = a[2], b0 = b[0], b1 = b[1], b2 = b[2];
-  Zpp32s y1 = fromDpf(start1), y2 = fromDpf(start2), x1 = startX1, x2 = startX2;
-  const auto feedbackOf = [](Zpp32s y, Zpp32s c) { return (y >> 16) * c + (((y >> 1 & 0x7fff) * c) >> 15); };
-  const auto keep = [&] {
-    state.y1 = toDpf(y1);
-    state.y2 = toDpf(y2);
-    state.x1 = low16(x1);
-    state.x2 = low16(x2);
-  };
+void filter(Zpp16s* srcDst, int len, HighPassState& s) {
+  constexpr int gain = 15 - scaleFactor;
+  const Zpp32s b0 = s.b[0], b1 = s.b[1], b2 = s.b[2], a1 = s.a[1], a2 = s.a[2];
+  Zpp32s x1 = s.x1, x2 = s.x2, y1 = fromDpf(s.y1), y2 = fromDpf(s.y2);
+  const Zpp32s harmless = harmlessOutput(s, std::max({ownMaxAbs_16s(srcDst, len) + 1, magnitude(s.x1), magnitude(s.x2)}));
+  const auto isHarmless = [harmless](Zpp32s y) { return y >= -harmless && y <= harmless; };
+
+  Zpp32s older = halfFeedback(y2, a2);
   for (int n = 0; n < len; ++n) {
-    const Zpp16s x0 = srcDst[n];
-    const Zpp32s feedback = shlWrap32(addWrap32(feedbackOf(y2, a2), feedbackOf(y1, a1)), 1);
-    Zpp32s sum = 0;
-    if (feedback <= room && feedback >= -room) [[likely]] {
-      sum = feedback + 2 * (x0 * b0 + x1 * b1 + x2 * b2);
-    } else {
-      keep();
-      sum = saturatedSum(state, x0);
-    }
+    const Zpp32s x0 = srcDst[n];
+    const Zpp32s inputs = addWrap32(addWrap32(x0 * b0, x1 * b1), x2 * b2);
+    const Zpp32s half = addWrap32(inputs, addWrap32(older, halfFeedback(y1, a1)));
+    Zpp32s y = shlWrap32(half, gain + 1);
+    if (!isHarmless(y1) || !isHarmless(y2) || y >> (gain + 1) != half) [[unlikely]]
+      y = shlSat32(saturatingSum(s, x0, x1, x2, y1, y2), gain) & ~1;  // the state has no lowest bit
+    older = halfFeedback(y1, a2);
     y2 = y1;
-    y1 = shlSat32(sum, 15 - scaleFactor);
+    y1 = y;
+    srcDst[n] = roundHigh16(shlSat32(y1, scaleFactor - 12));
     x2 = x1;
     x1 = x0;
-    srcDst[n] = sat16(shrRoundHalfUp(y1, 28 - scaleFactor));
   }
-  keep();
+  s.y1 = toDpf(y1), s.y2 = toDpf(y2), s.x1 = low16(x1), s.x2 = low16(x2);
 }
 
 }  // namespace
@@ -88,10 +90,9 @@ ZppStatus zppsHighPassFilter_G729_16s_ISfs(Zpp16s* srcDst, int len, int scaleFac
 void ownHighPassFilter_G729_16s(Zpp16s* srcDst, int len, int scaleFactor, void* state) {
   HighPassState s;
   std::memcpy(&s, state, sizeof s);
-  if (scaleFactor == 12) {
+  if (scaleFactor == 12)
     filter<12>(srcDst, len, s);
-  } else {
+  else
     filter<13>(srcDst, len, s);
-  }
   std::memcpy(state, &s, sizeof s);
 }
