@@ -81,6 +81,14 @@ inline void narrow(Point& low, Point& high, Point middle) {
   low = lower ? low : middle;
 }
 
+// Halves an interval with a sign change of the series.
+inline void bisect(const ChebyshevSeries& f, int halvings, Point& low, Point& high) {
+  for (int n = 0; n < halvings; ++n) {
+    const Zpp16s x = midpoint(low.x, high.x);
+    narrow(low, high, {x, f(x)});
+  }
+}
+
 // Where the line through the ends of an interval crosses zero
 inline Zpp16s interpolatedRoot(Point low, Point high) {
   const Zpp16s dx = subSat16(high.x, low.x), dy = subSat16(high.y, low.y);
@@ -102,27 +110,5 @@ struct LspPolynomials {
     f[1].assign(a, -1, 10);
   }
 };
-
-// The ten roots, alternately of f[0] and f[1], or prevLsp when the grid shows fewer. valueAt(which, j) is f[which](grid[j]);
-// bisect(which, low, high) narrows an interval with a sign change of f[which].
-template <class ValueAt, class Bisect>
-void searchRoots(const ChebyshevSeries* f, const Zpp16s* prevLsp, const Zpp16s* grid, int intervals, ValueAt valueAt,
-                 Bisect bisect, Zpp16s* lsp) {
-  Zpp16s roots[10];
-  int found = 0;
-  Point low = {grid[0], valueAt(0, 0)};
-  for (int j = 1; j <= intervals; ++j) {
-    const int which = found & 1;
-    Point high = low;
-    low = {grid[j], valueAt(which, j)};
-    if (!signChange(low.y, high.y)) continue;
-    bisect(which, low, high);
-    const Zpp16s root = interpolatedRoot(low, high);
-    roots[found++] = root;
-    if (found == 10) break;
-    low = {root, f[found & 1](root)};
-  }
-  for (int i = 0; i < 10; ++i) lsp[i] = found == 10 ? roots[i] : prevLsp[i];
-}
 
 }  // namespace zpp
