@@ -1,4 +1,4 @@
-// Adaptive-codebook decoding (ITU-T G.723.1 clauses 2.14 and 3.4).
+// Adaptive-codebook decoding (ITU-T G.723.1 clause 2.18; in the decoder "Decoding of the pitch information").
 #include <algorithm>
 
 #include "core/checks.h"

@@ -1,4 +1,4 @@
-// Prediction of the LSF from those of the frame before (ITU-T G.723.1 clauses 2.5 and 3.2).
+// Prediction of the LSF from those of the frame before (ITU-T G.723.1 clauses 2.5 and 2.6).
 #pragma once
 
 #include "core/fixed_point.h"
