@@ -7,7 +7,7 @@
  * Conventions, common to all functions:
  *
  * - Arguments: sources, destinations, lengths, then controls (rate, mode, scale factor); state blocks as each function says.
- *   Lengths count elements, never bytes. Buffers may have any alignment that their element type allows; state blocks any at all.
+ *   Lengths count elements, never bytes. Buffers may have any alignment of their element type; state blocks any at all.
  * - Source and destination must not overlap unless they are the very same buffer or the function says otherwise.
  * - Checks run in a fixed order: null pointers, lengths, enumerated values, scale factors and shifts, ranges of coded
  *   parameters. The first that fails decides the status. On an error (a negative status) nothing has been written.
@@ -33,10 +33,10 @@ extern "C" {
 #define ZPPAPI
 #endif
 
-/* ---- Types ------------------------------------------------------------------------------------------------------------- */
+/* ---- Types --------------------------------------------------------------------------------------------------------------- */
 
-typedef uint8_t Zpp8u;   /* companded samples, bit-stream bytes */
-typedef int16_t Zpp16s;  /* speech samples, fixed-point values */
+typedef uint8_t Zpp8u;  /* companded samples, bit-stream bytes */
+typedef int16_t Zpp16s; /* speech samples, fixed-point values */
 typedef uint16_t Zpp16u;
 typedef int32_t Zpp32s;  /* accumulators, energies, correlations */
 typedef uint32_t Zpp32u; /* code words, sizes */
@@ -132,7 +132,7 @@ ZPPAPI ZppStatus zppsPostFilterAdapterGetStateSize_G728(Zpp32s* size);      /* 1
  * order: 2 or 3. Status: zppStsOk; zppStsNullPointer; zppStsOutOfRange for another order. */
 ZPPAPI ZppStatus zppsHighPassFilterGetSize_AMRWB_16s(Zpp32s order, Zpp32s* size);
 
-/* ---- Vector primitives ----------------------------------------------------------------------------------------------------
+/* ---- Vector primitives ------------------------------------------------------------------------------------------------------
  *
  * Element-wise operations and reductions on len elements, len of 1 or more; n runs from 0 to len - 1.
  * Where a comment lists no status, the function returns zppStsOk, zppStsNullPointer for a null pointer, or zppStsBadSize for
@@ -248,7 +248,7 @@ ZPPAPI ZppStatus zppsAutoScale_16s_I(Zpp16s* srcDst, int len, int* scale);
  * Source: Inv_sqrt of the ITU-T G.729 fixed-point reference (basic and double-precision operators). */
 ZPPAPI ZppStatus zppsInvSqrt_32s_I(Zpp32s* srcDst, int len);
 
-/* ---- Pre- and post-processing filters of ITU-T G.729 (clauses 3.1 and 4.2.5) --------------------------------------------------- */
+/* ---- Pre- and post-processing filters of ITU-T G.729 (clauses 3.1 and 4.2.5) --------------------------------------------- */
 
 /* Prepares the state of a second-order high-pass filter: zero history, then the coefficients.
  * coef: b0 b1 b2 a0 a1 a2; at scale factor 12 Q12 with the numerator halved (140 Hz, input), at 13 Q13 (100 Hz, output);
@@ -262,7 +262,7 @@ ZPPAPI ZppStatus zppsHighPassFilterInit_G729(const Zpp16s* coef, void* state);
  * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len below 1; zppStsBadScale for another scale factor. */
 ZPPAPI ZppStatus zppsHighPassFilter_G729_16s_ISfs(Zpp16s* srcDst, int len, int scaleFactor, void* state);
 
-/* ---- Companding (ITU-T G.711) ------------------------------------------------------------------------------------------------- */
+/* ---- Companding (ITU-T G.711) -------------------------------------------------------------------------------------------- */
 
 /* Compresses len 16-bit linear samples to code words as transmitted: mu-law from the upper 14 bits, magnitude bits inverted;
  * A-law from the upper 13 bits, even bits inverted.
@@ -270,10 +270,10 @@ ZPPAPI ZppStatus zppsHighPassFilter_G729_16s_ISfs(Zpp16s* srcDst, int len, int s
 ZPPAPI ZppStatus zppsLinToMuLaw_16s8u(const Zpp16s* src, Zpp8u* dst, int len);
 ZPPAPI ZppStatus zppsLinToALaw_16s8u(const Zpp16s* src, Zpp8u* dst, int len);
 
-/* ---- ADPCM at 16, 24, 32 and 40 kbit/s (ITU-T G.726) ------------------------------------------------------------------------------
+/* ---- ADPCM at 16, 24, 32 and 40 kbit/s (ITU-T G.726) ------------------------------------------------------------------------
  *
  * One state a stream and direction: ask for its size, allocate it at any alignment, Init it, then code in calls of any length;
- * the stream is the concatenation of the calls. Init may be repeated to reset. A call that is refused leaves the state as it is.
+ * the stream is the concatenation of the calls. Init may be repeated to reset. A refused call leaves the state as it is.
  * rate: ZPP_RATE_16000, ZPP_RATE_24000, ZPP_RATE_32000 or ZPP_RATE_40000, else zppStsOutOfRange.
  * Codes are the standard's I: 2, 3, 4 or 5 bits, the sign on top; packing them into bytes is left to the application.
  * Source: ITU-T G.726 (12/90) clause 4.2, exact to the test sequences of its Appendix II.
@@ -302,7 +302,7 @@ ZPPAPI ZppStatus zppsEncode_G726_16s8u(void* state, const Zpp16s* src, Zpp8u* ds
  * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len 0. */
 ZPPAPI ZppStatus zppsDecode_G726_8u16s(void* state, const Zpp8u* src, Zpp16s* dst, Zpp32u len);
 
-/* ---- Linear prediction shared by codecs ----------------------------------------------------------------------------------------- */
+/* ---- Linear prediction shared by codecs ---------------------------------------------------------------------------------- */
 
 /* Autocorrelation: r[k] = sum of src[n] * src[n + k], n = 0..len-1-k; 0 for k of len or more.
  * src: len samples; dst: lenDst lags, lag 0 first.
@@ -425,7 +425,7 @@ ZPPAPI ZppStatus zppsDotProd_G729A_16s32s(const Zpp16s* src1, const Zpp16s* src2
 ZPPAPI ZppStatus _zppsComputeAdaptiveCodebookGain_16s(const Zpp16s* target, const Zpp16s* filtered, Zpp16s* gain,
                                                       Zpp16s* coeffs);
 
-/* ---- G.729: LP analysis and LSP quantisation (clause 3.2) --------------------------------------------------------------------------
+/* ---- G.729: LP analysis and LSP quantisation (clause 3.2) -------------------------------------------------------------------
  *
  * Formats and shapes, unless a function says otherwise:
  *
@@ -442,13 +442,13 @@ ZPPAPI ZppStatus _zppsComputeAdaptiveCodebookGain_16s(const Zpp16s* target, cons
  *
  * Members named _32f are single-precision counterparts (Annexes C and C+), here and in the sections on pitch, codebooks, gains
  * and postfilter. They take natural units: a[0] = 1, LSPs as cosines, LSFs and predictor memory in radians, gains with 1.0 as
- * unity, pulses of +1 and -1, impulse responses with h[0] = 1, speech at the size of 16-bit samples. Shapes, indices, checks and
- * statuses are those of the 16-bit members unless told otherwise; no check looks at the values of samples. NaN and infinity give
- * useless numbers, but never an index outside its range nor an access outside a buffer. They are not bit-exact with the
+ * unity, pulses of +1 and -1, impulse responses with h[0] = 1, speech at the size of 16-bit samples. Shapes, indices, checks
+ * and statuses are those of the 16-bit members unless told otherwise; no check looks at the values of samples. NaN and infinity
+ * give useless numbers, but never an index outside its range nor an access outside a buffer. They are not bit-exact with the
  * fixed-point codec: on the same speech the two may choose different indices. Builds for SSE2 and above and 64-bit builds give
  * the same bits as each other. A 32-bit build without SSE2, which computes in x87 registers, may differ from them in the last
  * bits of a result (as measured, in this section by 2e-7 of a vector's largest value at most, in those on pitch, codebooks and
- * gains by 4e-7, in the gain control by 2e-6), and where two entries of a codebook are as good as equal may choose the other one.
+ * gains by 4e-7, in the gain control by 2e-6), and where two entries of a codebook are as good as equal may choose the other.
  *
  * Where a comment lists no status, the function returns zppStsOk, or zppStsNullPointer for a null pointer.
  */
@@ -568,23 +568,23 @@ ZPPAPI ZppStatus zppsInterpolateC_G729_32f(const Zpp32f* src1, Zpp32f weight1, c
  * state: a block of the size that zppsWinHybridGetStateSize_G729E_16s or _32f tells, any alignment: the recursive sums of 31
  * lags; Init sets it to zero.
  * src: 145 samples, oldest first, the last 80 of them the newest frame; dst: 31 autocorrelations, out, lag 0 first.
- * 16s32s: the windowed samples keep 16 bits; sums are half of those doubled and saturated step by step as the standard's are. */
+ * 16s32s: the windowed samples keep 16 bits; sums are half of those doubled and saturated step by step as in the standard. */
 ZPPAPI ZppStatus zppsWinHybridInit_G729E_16s(void* state);
 ZPPAPI ZppStatus zppsWinHybridInit_G729E_32f(void* state);
 ZPPAPI ZppStatus zppsWinHybrid_G729E_16s32s(const Zpp16s* src, Zpp32s* dst, void* state);
 ZPPAPI ZppStatus zppsWinHybrid_G729E_32f(const Zpp32f* src, Zpp32f* dst, void* state);
 
-/* ---- G.729: pitch analysis and adaptive codebook (clauses 3.4 and 3.7) -------------------------------------------------------------- */
+/* ---- G.729: pitch analysis and adaptive codebook (clauses 3.4 and 3.7) --------------------------------------------------- */
 
-/* Open-loop delay of a frame, 20..143: the delay where the normalised autocorrelation of the weighted speech is largest, shorter
- * delays being favoured. The Annex A form uses every second sample and favours by multiples of a delay.
+/* Open-loop delay of a frame, 20..143: the delay where the normalised autocorrelation of the weighted speech is largest,
+ * shorter delays being favoured. The Annex A form uses every second sample and favours by multiples of a delay.
  * wsp: the 80 samples of the frame; the 143 samples before the pointer are read. delay: one value.
  * Status: zppStsOk; zppStsNullPointer. Source: ITU-T G.729 clause 3.4 and Annex A clause A.3.4. */
 ZPPAPI ZppStatus zppsOpenLoopPitchSearch_G729_16s(const Zpp16s* wsp, Zpp16s* delay);
 ZPPAPI ZppStatus zppsOpenLoopPitchSearch_G729A_16s(const Zpp16s* wsp, Zpp16s* delay);
 
-/* The Annex A form in single precision: the same sections and multiples on the samples as they are. wsp: 80 values of the size of
- * 16-bit samples; the 143 values before the pointer are read. delay: one value; 20 for silence.
+/* The Annex A form in single precision: the same sections and multiples on the samples as they are. wsp: 80 values of the size
+ * of 16-bit samples; the 143 values before the pointer are read. delay: one value; 20 for silence.
  * Status: zppStsOk; zppStsNullPointer. Source: ITU-T G.729 Annex C, clause A.3.4. */
 ZPPAPI ZppStatus zppsOpenLoopPitchSearch_G729A_32f(const Zpp32f* wsp, Zpp16s* delay);
 
@@ -597,7 +597,7 @@ ZPPAPI ZppStatus zppsOpenLoopPitchSearch_G729A_32f(const Zpp32f* wsp, Zpp16s* de
  * subframe: 0 or 1. delay: two values, integer delay and fraction in thirds, -1..1.
  * _G729 maximises the normalised correlation of the target with the filtered excitation and then interpolates it; _G729A the
  * correlation of the backward-filtered target with the excitation, trying fractions by decoding them; _G729D, for 6.4 kbit/s,
- * is the first form with fractions in subframe 1 around the centre of the range only. In subframe 0 delays above 84 are integers.
+ * is the first form with fractions in subframe 1 around the centre of the range only. In subframe 0 delays above 84 are whole.
  * Status: zppStsOk; zppStsNullPointer; zppStsOutOfRange for olDelay or subframe.
  * Source: ITU-T G.729 clause 3.7, Annex A clause A.3.7, Annex D clause D.4. */
 ZPPAPI ZppStatus zppsAdaptiveCodebookSearch_G729_16s(Zpp16s olDelay, const Zpp16s* target, const Zpp16s* impulse, Zpp16s* exc,
@@ -616,7 +616,7 @@ ZPPAPI ZppStatus _zppsMeanSquareWeightedError_16s(const Zpp16s* target, const Zp
 
 /* The delay of tMin..tMax with the largest corr, the largest such delay, and the fraction of -2..2 thirds beside it where the
  * interpolated corr is largest, the first such; two thirds are told as one third of the neighbouring delay. In subframe 0 a
- * delay above 84 has fraction 0. corr: tMax - tMin + 9 values, corr[0] belonging to delay tMin - 4; frac, delay: one value each.
+ * delay above 84 has fraction 0. corr: tMax - tMin + 9 values, corr[0] belonging to delay tMin - 4; frac, delay: one each.
  * Nothing is checked; returns zppStsOk. Source: ITU-T G.729 clause 3.7. */
 ZPPAPI ZppStatus _zppsClosedLoopPitchSearch_G729_16s(const Zpp16s* corr, int subframe, int tMin, int tMax, Zpp16s* frac,
                                                      Zpp16s* delay);
@@ -630,8 +630,8 @@ ZPPAPI ZppStatus _zppsClosedLoopPitchSearch_G729_16s(const Zpp16s* corr, int sub
 ZPPAPI ZppStatus zppsDecodeAdaptiveVector_G729_16s_I(const Zpp16s* delay, Zpp16s* exc);
 ZPPAPI ZppStatus zppsDecodeAdaptiveVector_G729_16s(const Zpp16s* delay, const Zpp16s* pastExc, Zpp16s* dst);
 
-/* The in-place form in single precision. delay: two values as above. exc: 194 values: 154 of past excitation, oldest first, which
- * are read, and the 40 behind them, which are written.
+/* The in-place form in single precision. delay: two values as above. exc: 194 values: 154 of past excitation, oldest first,
+ * which are read, and the 40 behind them, which are written.
  * Status as above. Source: ITU-T G.729 Annex C, clause 3.7.1. */
 ZPPAPI ZppStatus zppsDecodeAdaptiveVector_G729_32f_I(const Zpp16s* delay, Zpp32f* exc);
 
@@ -649,13 +649,13 @@ ZPPAPI ZppStatus zppsAdaptiveCodebookGain_G729A_16s(const Zpp16s* target, const 
 ZPPAPI ZppStatus zppsAdaptiveCodebookContribution_G729_16s(Zpp16s gain, const Zpp16s* filtered, const Zpp16s* target,
                                                            Zpp16s* result);
 
-/* The same in single precision: result[n] = target[n] - gain * filtered[n]. gain: 1.0 is unity. filtered, target: 40 values each,
- * in; result: 40 values, out, may be target or filtered.
+/* The same in single precision: result[n] = target[n] - gain * filtered[n]. gain: 1.0 is unity. filtered, target: 40 values
+ * each, in; result: 40 values, out, may be target or filtered.
  * Status: zppStsOk; zppStsNullPointer. Source: ITU-T G.729 Annex C, clause 3.8. */
 ZPPAPI ZppStatus zppsAdaptiveCodebookContribution_G729_32f(Zpp32f gain, const Zpp32f* filtered, const Zpp32f* target,
                                                            Zpp32f* result);
 
-/* ---- G.729: fixed codebook (clause 3.8) ------------------------------------------------------------------------------------------------
+/* ---- G.729: fixed codebook (clause 3.8) -------------------------------------------------------------------------------------
  *
  * Tracks: the 40 samples of a subframe form five tracks of eight positions, track t at samples 5 i + t. Pulses 0 to 2 of the
  * 17-bit codebook are on tracks 0 to 2, pulse 3 on track 3 or 4.
@@ -680,8 +680,8 @@ ZPPAPI ZppStatus zppsToeplizMatrix_G729_16s32s(const Zpp16s* impulse, Zpp32s* ma
  * Trusts its arguments. */
 ZPPAPI ZppStatus _zppsToeplizMatrix_G729D_16s32s(const Zpp16s* impulse, Zpp32s* matrix);
 
-/* The matrices in single precision, with the layouts above: plain sums of h[n - p] h[n - q], nothing scaled (ITU-T G.729 Annex C,
- * clause 3.8.1, and Annex C+ for Annex D). impulse: 40 values, in, h[0] = 1 as a rule; matrix: 616 values, out. */
+/* The matrices in single precision, with the layouts above: plain sums of h[n - p] h[n - q], nothing scaled (ITU-T G.729 Annex
+ * C, clause 3.8.1, and Annex C+ for Annex D). impulse: 40 values, in, h[0] = 1 as a rule; matrix: 616 values, out. */
 ZPPAPI ZppStatus zppsToeplizMatrix_G729_32f(const Zpp32f* impulse, Zpp32f* matrix);
 ZPPAPI ZppStatus zppsToeplizMatrix_G729D_32f(const Zpp32f* impulse, Zpp32f* matrix);
 
@@ -701,8 +701,8 @@ ZPPAPI ZppStatus zppsFixedCodebookSearch_G729_32s16s(const Zpp16s* target, Zpp32
 ZPPAPI ZppStatus zppsFixedCodebookSearch_G729_16s(const Zpp16s* target, Zpp16s* matrix, Zpp16s* code, Zpp16s* codeword,
                                                   Zpp16s* budget, Zpp16s subframe);
 
-/* Depth-first tree search for the same codebook (ITU-T G.729 clause A.3.8.1): 320 candidates, no budget. Arguments as above; the
- * signs in the matrix are those of Annex A's reference, which differ in the last bits. */
+/* Depth-first tree search for the same codebook (ITU-T G.729 clause A.3.8.1): 320 candidates, no budget. Arguments as above;
+ * the signs in the matrix are those of Annex A's reference, which differ in the last bits. */
 ZPPAPI ZppStatus zppsFixedCodebookSearch_G729A_32s16s(const Zpp16s* target, Zpp32s* matrix, Zpp16s* code, Zpp16s* codeword);
 ZPPAPI ZppStatus zppsFixedCodebookSearch_G729A_16s(const Zpp16s* target, Zpp16s* matrix, Zpp16s* code, Zpp16s* codeword);
 
@@ -717,8 +717,8 @@ ZPPAPI ZppStatus zppsFixedCodebookSearch_G729A_32f(const Zpp32f* target, Zpp32f*
 
 /* Two signed pulses, 11 bits, for 6.4 kbit/s (ITU-T G.729 Annex D, clause D.5).
  * target: 40, in, backward filtered; impulse: 40, in.
- * code: 40, out, Q13: +8191 or -8192 a pulse, added where both are on one sample. filtered: 40, out, Q12: the code vector through
- *   the impulse response.
+ * code: 40, out, Q13: +8191 or -8192 a pulse, added where both are on one sample. filtered: 40, out, Q12: the code vector
+ *   through the impulse response.
  * sign: 1, out: bit 0 the first pulse, bit 1 the second, set when positive.
  * position: 1, out, 9 bits: Gray code of the first pulse's entry + 16 * that of the second's. Entries number the samples of
  *   tracks 1 and 3 in ascending order; those of tracks 0, 2 and 4 in ascending order and then those of track 1. */
@@ -727,28 +727,28 @@ ZPPAPI ZppStatus zppsFixedCodebookSearch_G729D_16s(const Zpp16s* target, const Z
 
 /* The same in single precision (ITU-T G.729 Annex C+, clause D.5). target: 40 values, in, backward filtered as for
  * zppsFixedCodebookSearch_G729_32f; impulse: 40 values, in. code: 40 values, out: +1 or -1 a pulse, added where both are on one
- * sample. filtered: 40 values, out: the code vector through the impulse response. sign, position: one word each, as above. For a
- * silent target the pulses are at samples 3 and 0, not 1 and 0. */
+ * sample. filtered: 40 values, out: the code vector through the impulse response. sign, position: one word each, as above. For
+ * a silent target the pulses are at samples 3 and 0, not 1 and 0. */
 ZPPAPI ZppStatus zppsFixedCodebookSearch_G729D_32f(const Zpp32f* target, const Zpp32f* impulse, Zpp32f* code, Zpp32f* filtered,
                                                    Zpp16s* sign, Zpp16s* position);
 
 /* 10 or 12 signed pulses, 35 or 44 bits, for 11.8 kbit/s (ITU-T G.729 Annex E, clause E.3.8).
  * mode: 0 the 35-bit codebook, any other value the 44-bit one.
- * target: 40, in: the search target itself, not backward filtered. residual: 40, in: LP residual less the adaptive-codebook part,
- *   from which signs are chosen. impulse: 40, in.
+ * target: 40, in: the search target itself, not backward filtered. residual: 40, in: LP residual less the adaptive-codebook
+ *   part, from which signs are chosen. impulse: 40, in.
  * code: 40, out, Q12: the sum of pulses of +-4096. filtered: 40, out, Q11: the code vector through the impulse response.
  * index: 5, out. 35 bits: 7 bits a track. 44 bits: starting track * 1024 + 10 bits of its three pulses, 10 bits of the next
  *   track's three, 7 bits for each of the other three tracks in turn. */
 ZPPAPI ZppStatus zppsFixedCodebookSearch_G729E_16s(Zpp16s mode, const Zpp16s* target, const Zpp16s* residual,
                                                    const Zpp16s* impulse, Zpp16s* code, Zpp16s* filtered, Zpp16s* index);
 
-/* The same in single precision (ITU-T G.729 Annex C+, clause E.3.8). mode: as above. target, residual, impulse: 40 values each, in,
- * as above in natural units. code: 40 values, out: the sum of pulses of +1 or -1. filtered: 40 values, out: the code vector through
- * the impulse response. index: 5 words, out, as above. */
+/* The same in single precision (ITU-T G.729 Annex C+, clause E.3.8). mode: as above. target, residual, impulse: 40 values each,
+ * in, as above in natural units. code: 40 values, out: the sum of pulses of +1 or -1. filtered: 40 values, out: the code vector
+ * through the impulse response. index: 5 words, out, as above. */
 ZPPAPI ZppStatus zppsFixedCodebookSearch_G729E_32f(Zpp16s mode, const Zpp32f* target, const Zpp32f* residual,
                                                    const Zpp32f* impulse, Zpp32f* code, Zpp32f* filtered, Zpp16s* index);
 
-/* ---- G.729: gains (clause 3.9) ------------------------------------------------------------------------------------------------------------ */
+/* ---- G.729: gains (clause 3.9) ------------------------------------------------------------------------------------------- */
 
 /* memory: 4, in/out: the quantised energy-prediction errors of the last four subframes in dB, Q10, newest first; -14336 each at
  * the start. index: 2, as transmitted: first codebook (3 bits), second (4 bits at 8 kbit/s, 3 at 6.4 kbit/s).
@@ -766,14 +766,14 @@ ZPPAPI ZppStatus zppsDecodeGain_G729I_16s(Zpp32s energy, Zpp16s attenuation, Zpp
 
 /* Quantises the gain pair of a subframe at 8 kbit/s (ITU-T G.729 clause 3.9): writes index and gain, updates the memory.
  * target: 40; adaptive: 40, filtered adaptive vector; code: 40, code vector Q13; filtered: 40, filtered code vector Q12.
- * taming: 1 when the pitch gain must stay below 1 (clause 3.7.3: the synthesis filter could become unstable after losses), else 0.
+ * taming: 1 when the pitch gain must stay below 1 (clause 3.7.3: or the synthesis filter may be unstable after losses), else 0.
  * Status: zppStsOk; zppStsNullPointer; zppStsOutOfRange for another taming flag. */
-ZPPAPI ZppStatus zppsGainQuant_G729_16s(const Zpp16s* target, const Zpp16s* adaptive, const Zpp16s* code, const Zpp16s* filtered,
-                                        Zpp16s* memory, Zpp16s* index, Zpp16s* gain, Zpp16s taming);
+ZPPAPI ZppStatus zppsGainQuant_G729_16s(const Zpp16s* target, const Zpp16s* adaptive, const Zpp16s* code,
+                                        const Zpp16s* filtered, Zpp16s* memory, Zpp16s* index, Zpp16s* gain, Zpp16s taming);
 
 /* As above at 6.4 kbit/s (Annex D). */
-ZPPAPI ZppStatus zppsGainQuant_G729D_16s(const Zpp16s* target, const Zpp16s* adaptive, const Zpp16s* code, const Zpp16s* filtered,
-                                         Zpp16s* memory, Zpp16s* index, Zpp16s* gain, Zpp16s taming);
+ZPPAPI ZppStatus zppsGainQuant_G729D_16s(const Zpp16s* target, const Zpp16s* adaptive, const Zpp16s* code,
+                                         const Zpp16s* filtered, Zpp16s* memory, Zpp16s* index, Zpp16s* gain, Zpp16s taming);
 
 /* The two quantisers in single precision (ITU-T G.729 Annex C, clause 3.9; Annex C+ for Annex D).
  * target, adaptive, code (unit pulses, sharpened), filtered: 40 values each, in, as above. memory: 4 values, in/out: dB, newest
@@ -787,7 +787,7 @@ ZPPAPI ZppStatus zppsGainCodebookSearch_G729D_32f(const Zpp32f* target, const Zp
                                                   const Zpp32f* filtered, Zpp32f* memory, Zpp16s* index, Zpp32f* gain,
                                                   Zpp16s taming);
 
-/* ---- G.729: postfilter (clause 4.2) ---------------------------------------------------------------------------------------------------------
+/* ---- G.729: postfilter (clause 4.2) -----------------------------------------------------------------------------------------
  *
  * One call a step and subframe of 40 samples. Order of the steps at full rate: residual with the weights 0.55, long-term
  * postfilter, short-term postfilter, tilt compensation, gain control; in Annex A the tilt compensation comes before the
@@ -800,15 +800,15 @@ ZPPAPI ZppStatus zppsGainCodebookSearch_G729D_32f(const Zpp32f* target, const Zp
  * gainFactor: Q15, 0..16384; 16384 is the 0.5 of the main body; Annex E takes 8192 for music.
  * delay: 18..143, integer pitch delay of the frame's first subframe.
  * residual: 40 samples and 152 before the pointer, which are read. dst: 40, out, the residual itself where the filter is off.
- * delayOut: one value, out: the delay selected, the next integer above when it is fractional (17..145), 0 where the filter is off.
+ * delayOut: one value, out: the delay selected, the next integer above a fractional one (17..145), 0 where the filter is off.
  * Status: zppStsOk; zppStsNullPointer; zppStsOutOfRange for the delay, then for the gain factor. */
 ZPPAPI ZppStatus zppsLongTermPostFilter_G729_16s(Zpp16s gainFactor, int delay, const Zpp16s* residual, Zpp16s* dst,
                                                  Zpp16s* delayOut);
 
 /* Residual and harmonic postfilter (ITU-T G.729 clause A.4.2.1).
  * delay: 18..145, integer pitch delay of the subframe. speech: 40 samples of the synthesis and 10 before the pointer.
- * coef: weighted numerator. residual: 194 samples from the pointer on: 154 past ones, of which the last 143 are read, then 40 that
- * are written. dst: 40, out.
+ * coef: weighted numerator. residual: 194 samples from the pointer on: 154 past ones, of which the last 143 are read, then 40
+ * that are written. dst: 40, out.
  * Status: zppStsOk; zppStsNullPointer; zppStsOutOfRange for the delay. */
 ZPPAPI ZppStatus zppsLongTermPostFilter_G729A_16s(Zpp16s delay, const Zpp16s* speech, const Zpp16s* coef, Zpp16s* residual,
                                                   Zpp16s* dst);
@@ -821,24 +821,24 @@ ZPPAPI ZppStatus zppsLongTermPostFilter_G729A_16s(Zpp16s delay, const Zpp16s* sp
 ZPPAPI ZppStatus zppsLongTermPostFilter_G729B_16s(Zpp16s delay, const Zpp16s* speech, const Zpp16s* coef, Zpp16s* residual,
                                                   Zpp16s* dst, Zpp16s* voicing, Zpp16s frameType);
 
-/* The harmonic postfilter alone. Trusts its arguments. delay: 18..145; residual: 40 samples and 143 before the pointer; dst: 40,
- * out, outside the residual. */
+/* The harmonic postfilter alone. Trusts its arguments. delay: 18..145; residual: 40 samples and 143 before the pointer; dst:
+ * 40, out, outside the residual. */
 ZPPAPI ZppStatus _zppsHarmonicPostFilter_G729A_16s(Zpp16s delay, const Zpp16s* residual, Zpp16s* dst);
 
 /* Short-term postfilter (ITU-T G.729 clause 4.2.2): scales the residual and filters it by 1/A(z/0.7).
- * coef: not weighted. residual: 40. dst: 40, in/out, with the 10 last outputs before the pointer, in. Where the response needs no
- * scaling dst is not taken from the residual but filtered in place: pass the residual in dst, or as both.
+ * coef: not weighted. residual: 40. dst: 40, in/out, with the 10 last outputs before the pointer, in. Where the response needs
+ * no scaling dst is not taken from the residual but filtered in place: pass the residual in dst, or as both.
  * impulse: 20, out, Q12: response of A(z/0.55) / A(z/0.7).
  * Status: zppStsOk; zppStsNullPointer; zppStsOverflowWarn when an output was clamped, with all outputs written. */
 ZPPAPI ZppStatus zppsShortTermPostFilter_G729_16s(const Zpp16s* coef, const Zpp16s* residual, Zpp16s* dst, Zpp16s* impulse);
 
-/* 1/A(z/0.7) alone (ITU-T G.729 clause A.4.2.2). coef: weighted denominator. src: 40, may be dst. dst: 40, out, with the 10 last
- * outputs before the pointer, in. Status as above. */
+/* 1/A(z/0.7) alone (ITU-T G.729 clause A.4.2.2). coef: weighted denominator. src: 40, may be dst. dst: 40, out, with the 10
+ * last outputs before the pointer, in. Status as above. */
 ZPPAPI ZppStatus zppsShortTermPostFilter_G729A_16s(const Zpp16s* coef, const Zpp16s* src, Zpp16s* dst);
 
-/* Tilt compensation (ITU-T G.729 clause 4.2.3). Both members use the same arithmetic; Annex E forms the tilt from a longer response.
+/* Tilt compensation (ITU-T G.729 clause 4.2.3). Both members use the same arithmetic; Annex E takes a longer response.
  * tilt: Q15, first reflection coefficient of the impulse response, -r(1)/r(0): negative for a low-pass response.
- * srcDst: 40, in/out. memory: one value, in/out: the last input sample of the subframe before, then of this one; 0 at the start. */
+ * srcDst: 40, in/out. memory: one value, in/out: the last input sample of the subframe before, then of this one; at first 0. */
 ZPPAPI ZppStatus zppsTiltCompensation_G729_16s(Zpp16s tilt, Zpp16s* srcDst, Zpp16s* memory);
 ZPPAPI ZppStatus zppsTiltCompensation_G729E_16s(Zpp16s tilt, Zpp16s* srcDst, Zpp16s* memory);
 
@@ -855,13 +855,13 @@ ZPPAPI ZppStatus zppsPreemphasize_G729A_16s_I(Zpp16s* srcDst, int len, Zpp16s fa
 
 /* Adaptive gain control (ITU-T G.729 clauses 4.2.4 and A.4.2.4).
  * src: 40 samples before the postfilter. srcDst: 40 postfiltered samples, in/out.
- * gain: one value, in/out: the running gain; full rate Q14, 16384 at the start, Annex A Q12, 4096 at the start. It becomes 0, and
- * srcDst stays, for a silent srcDst (full rate: unless src is silent as well, where the gain decays). */
+ * gain: one value, in/out: the running gain; full rate Q14, 16384 at the start, Annex A Q12, 4096 at the start. It becomes 0,
+ * and srcDst stays, for a silent srcDst (full rate: unless src is silent as well, where the gain decays). */
 ZPPAPI ZppStatus zppsGainControl_G729_16s_I(const Zpp16s* src, Zpp16s* srcDst, Zpp16s* gain);
 ZPPAPI ZppStatus zppsGainControl_G729A_16s_I(const Zpp16s* src, Zpp16s* srcDst, Zpp16s* gain);
 
-/* The full-rate form in single precision (ITU-T G.729 Annex C, clause 4.2.4). src: 40 values, in; srcDst: 40 values, in/out; gain:
- * one value, in/out, 1.0 at the start. Silence as above. */
+/* The full-rate form in single precision (ITU-T G.729 Annex C, clause 4.2.4). src: 40 values, in; srcDst: 40 values, in/out;
+ * gain: one value, in/out, 1.0 at the start. Silence as above. */
 ZPPAPI ZppStatus zppsGainControl_G729_32f_I(const Zpp32f* src, Zpp32f* srcDst, Zpp32f* gain);
 
 /* Phase dispersion of the excitation at 6.4 kbit/s (ITU-T G.729 Annex D, clause D.6).
@@ -874,12 +874,12 @@ ZPPAPI ZppStatus zppsPhaseDispersionUpdate_G729D_16s(Zpp16s pitchGain, Zpp16s co
 ZPPAPI ZppStatus zppsPhaseDispersion_G729D_16s(const Zpp16s* excitation, const Zpp16s* code, Zpp16s* dst, Zpp16s codeGain,
                                                Zpp16s pitchGain, void* state);
 
-/* ---- G.723.1 ---------------------------------------------------------------------------------------------------------------------
+/* ---- G.723.1 ----------------------------------------------------------------------------------------------------------------
  *
  * A frame of 240 samples at 8 kHz has four subframes of 60. LPC: ten predictor coefficients, Q13: lpc[k-1] is a(k) of
  * A(z) = 1 - sum a(k) z^-k. LSF: ten ascending frequencies, 128 units a step of the standard's grid of 256, 32768 = Nyquist.
  * LSF below 0 give no useful result, but do no harm. Where a comment lists no status: zppStsOk, or zppStsNullPointer.
- * Source: ITU-T G.723.1 (fixed-point reference), clauses 2.4 to 2.7 for the spectrum, 2.14 and 3.4 for the adaptive codebook.
+ * Source: ITU-T G.723.1 (fixed-point reference), clauses 2.4 to 2.7 for the spectrum, 2.18 for the adaptive codebook.
  */
 
 /* Autocorrelation of one analysis block: normalised to three guard bits, Hamming window, then as the function below.
@@ -942,11 +942,11 @@ ZPPAPI ZppStatus _zppsExcitationDelay_G723_16s(const Zpp16s* history, Zpp16s* wo
 /* dst[n] (60) = the sum of taps[k] * work[n + k], k = 0..4, taps Q14, rounded and saturated. work: 64. Returns zppStsOk. */
 ZPPAPI ZppStatus _zppsAdaptiveCodebookDecode_G723_16s(const Zpp16s* taps, const Zpp16s* work, Zpp16s* dst);
 
-/* ---- GSM-AMR ---------------------------------------------------------------------------------------------------------------------
+/* ---- GSM-AMR ----------------------------------------------------------------------------------------------------------------
  *
- * Steps of one subframe of 40 samples (3GPP TS 26.090 and 26.073). rate: ZPP_RATE_4750, _5150, _5900, _6700, _7400, _7950, _10200
- * or _12200, written below as kbit/s; functions that also accept ZPP_RATE_DTX say so. subframe: 0..3. A buffer that is only read
- * must not overlap one that is written.
+ * Steps of one subframe of 40 samples (3GPP TS 26.090 and 26.073). rate: ZPP_RATE_4750, _5150, _5900, _6700, _7400, _7950,
+ * _10200 or _12200, written below as kbit/s; functions that also accept ZPP_RATE_DTX say so. subframe: 0..3. A buffer that is
+ * only read must not overlap one that is written.
  */
 
 /* Searches the algebraic codebook (TS 26.090 clause 5.7).
@@ -1036,7 +1036,7 @@ ZPPAPI ZppStatus zppsImpulseResponseTarget_GSMAMR_16s(const Zpp16s* speech, cons
                                                       const Zpp16s* quantLpc, const Zpp16s* errorMem, const Zpp16s* weightMem,
                                                       Zpp16s* impulse, Zpp16s* residual, Zpp16s* target);
 
-/* ---- Transform and region coding of ITU-T G.722.1 --------------------------------------------------------------------------------
+/* ---- Transform and region coding of ITU-T G.722.1 ---------------------------------------------------------------------------
  *
  * The signal-processing core of the 7 kHz codec at 24 and 32 kbit/s: frames of 320 samples at 16 kHz, a modulated lapped
  * transform (MLT) of two frames, and the vector Huffman code of its coefficients in regions of 20. Region powers, categories,

@@ -116,7 +116,7 @@ int ownBestFraction_G729_16s_W7(const Zpp16s* corr, int first, int last) {
   const V half = _mm_set1_epi32(1 << 14);
   Zpp32s values[5];  // fractions -2..2
   const V sums = sumsOfLanes32(_mm_madd_epi16(before, taps1), _mm_madd_epi16(before, taps2), _mm_madd_epi16(after, taps0),
-                         _mm_madd_epi16(after, taps1));
+                               _mm_madd_epi16(after, taps1));
   store(values, _mm_srai_epi32(_mm_add_epi32(sums, half), 15));
   values[4] = (sumLanes32(_mm_madd_epi16(after, taps2)) + (1 << 14)) >> 15;
   int best = first;

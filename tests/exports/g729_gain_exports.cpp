@@ -5,8 +5,8 @@ namespace test {
 std::vector<Export> g729GainExports() {
   const Argument memory = inOut("memory", 4), index = in("index", 2).orNull(), gain = inOut("gain", 2);
   const auto quantiser = [&](const char* name, auto* function) {
-    return row(name, function, in("target", 40), in("adaptive", 40), in("code", 40), in("filtered", 40), memory, out("index", 2),
-               out("gain", 2), choice("taming", 0, {-1, 2}));
+    return row(name, function, in("target", 40), in("adaptive", 40), in("code", 40), in("filtered", 40), memory,
+               out("index", 2), out("gain", 2), choice("taming", 0, {-1, 2}));
   };
   return {
       row(FUNCTION(zppsDecodeGain_G729_16s), value("energy", 40000000), memory, index, gain),
