@@ -1,4 +1,4 @@
-// LSF decoding and stability repair (ITU-T G.723.1 clause 2.6; in the decoder "LSP decoder" and "Frame interpolation handling").
+// LSF decoding and stability repair (ITU-T G.723.1 clause 2.6; in the decoder also "Frame interpolation handling").
 #include "core/checks.h"
 #include "core/fixed_point.h"
 #include "g723/kernels.h"
