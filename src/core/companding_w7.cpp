@@ -11,41 +11,55 @@ using namespace zpp;
 
 namespace {
 
-// For the even and the odd 16-bit lanes apart, which spares unpacking and packing
+// For the even and the odd 16-bit lanes apart, which spares unpacking and packing. The odd ones keep their neighbours below
+// them: these have no bit 15, so that rounding, which carries no further, does not touch the mantissa. 16 is added to their bit
+// length.
 V exponentAndMantissa(V magnitude) {
   const V even = _mm_castps_si128(_mm_cvtepi32_ps(_mm_and_si128(magnitude, _mm_set1_epi32(0xffff))));
-  const V odd = _mm_castps_si128(_mm_cvtepi32_ps(_mm_srli_epi32(magnitude, 16)));
-  const V upper = _mm_and_si128(_mm_srli_epi32(odd, 19 - 16), _mm_set1_epi32(~0xffff));
+  const V odd = _mm_castps_si128(_mm_cvtepi32_ps(magnitude));
+  const V upper = _mm_mulhi_epu16(odd, pairOf(0, 1 << (32 - 19)));  // bits 31..19, and a zero below
   return _mm_or_si128(_mm_srli_epi32(even, 19), upper);
 }
+// Exponent and mantissa of a magnitude of the given bit length and mantissa 0
+V ofBitLength(int length) { return pairOf((126 + length) * 16, (126 + length + 16) * 16); }
 
-// Biased by 33 in units of 4 and clamped to 8191 * 4 + 3; lowest segment: bit length 8
-V muLawCodes(V x) {
-  const V negative = _mm_srai_epi16(x, 15);
-  const V biased = _mm_adds_epi16(_mm_xor_si128(x, negative), _mm_set1_epi16(33 * 4));
-  const V code = _mm_sub_epi16(_mm_set1_epi16((126 + 8) * 16 + 127), exponentAndMantissa(biased));
-  return _mm_or_si128(code, _mm_andnot_si128(negative, _mm_set1_epi16(0x80)));
-}
+V magnitude(V x) { return _mm_xor_si128(x, _mm_srai_epi16(x, 15)); }
 
-// Below 32 (in units of 8) the code is linear and at most 15; from there on it is logarithmic, at least 16 and never above the
-// linear one, so that a minimum and a maximum choose. Bit length 9 begins segment 1.
-V aLawCodes(V x) {
-  const V negative = _mm_srai_epi16(x, 15);
-  const V magnitude = _mm_xor_si128(x, negative);
-  const V linear = _mm_srli_epi16(magnitude, 4);
-  const V logarithmic = _mm_sub_epi16(exponentAndMantissa(magnitude), _mm_set1_epi16((126 + 8) * 16));
-  const V code = _mm_min_epi16(linear, _mm_max_epi16(logarithmic, _mm_set1_epi16(15)));
-  return _mm_xor_si128(code, _mm_sub_epi16(_mm_set1_epi16(0xd5), _mm_and_si128(negative, _mm_set1_epi16(0x80))));
-}
+struct MuLaw {
+  // Biased by 33 in units of 4 and clamped to 8191 * 4 + 3; lowest segment: bit length 8. Without the sign.
+  static V codes(V x) {
+    const V biased = _mm_adds_epi16(magnitude(x), _mm_set1_epi16(33 * 4));
+    return _mm_sub_epi16(_mm_add_epi16(ofBitLength(8), _mm_set1_epi16(127)), exponentAndMantissa(biased));
+  }
+  static V withSigns(V codes, V x) { return _mm_or_si128(codes, _mm_andnot_si128(x, _mm_set1_epi8(-128))); }
+  static Zpp8u code(Zpp16s x) { return muLawCode(x); }
+};
 
-template <V (*codes)(V), Zpp8u (*code)(Zpp16s)>
+struct ALaw {
+  // Below 32 (in units of 8) the code is linear and at most 15; from there on it is logarithmic, at least 16 and never above
+  // the linear one, so that a minimum and a maximum choose. Bit length 9 begins segment 1.
+  static V codes(V x) {
+    const V linear = _mm_srli_epi16(magnitude(x), 4);
+    const V logarithmic = _mm_sub_epi16(exponentAndMantissa(magnitude(x)), ofBitLength(8));
+    return _mm_min_epi16(linear, _mm_max_epi16(logarithmic, _mm_set1_epi16(15)));
+  }
+  static V withSigns(V codes, V x) {
+    return _mm_xor_si128(_mm_xor_si128(codes, _mm_set1_epi8(0x55)), _mm_andnot_si128(x, _mm_set1_epi8(-128)));
+  }
+  static Zpp8u code(Zpp16s x) { return aLawCode(x); }
+};
+
+template <class Law>
 void compress(const Zpp16s* src, Zpp8u* dst, int len) {
   int n = 0;
-  for (; n + 16 <= len; n += 16) store(dst + n, _mm_packus_epi16(codes(load(src + n)), codes(load(src + n + 8))));
-  for (; n < len; ++n) dst[n] = code(src[n]);
+  for (; n + 16 <= len; n += 16) {
+    const V x0 = load(src + n), x1 = load(src + n + 8);
+    store(dst + n, Law::withSigns(_mm_packus_epi16(Law::codes(x0), Law::codes(x1)), _mm_packs_epi16(x0, x1)));
+  }
+  for (; n < len; ++n) dst[n] = Law::code(src[n]);
 }
 
 }  // namespace
 
-void ownLinToMuLaw_16s8u_W7(const Zpp16s* src, Zpp8u* dst, int len) { compress<muLawCodes, muLawCode>(src, dst, len); }
-void ownLinToALaw_16s8u_W7(const Zpp16s* src, Zpp8u* dst, int len) { compress<aLawCodes, aLawCode>(src, dst, len); }
+void ownLinToMuLaw_16s8u_W7(const Zpp16s* src, Zpp8u* dst, int len) { compress<MuLaw>(src, dst, len); }
+void ownLinToALaw_16s8u_W7(const Zpp16s* src, Zpp8u* dst, int len) { compress<ALaw>(src, dst, len); }
