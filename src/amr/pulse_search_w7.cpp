@@ -102,12 +102,15 @@ void ownSearchOptimalPulsePos_GSMAMR_16s_W7(const Zpp16s* corr, const Zpp16s* ca
                                             const Zpp8u* sequences, int count, int pulses, Zpp16s* slots) {
   const Grid& grid = kFiveTracks;
   alignas(16) Zpp16s diagonal[kSubframe];
-  Zpp8u outer[5][8], outers[5] = {};  // the candidates of each track
-  for (int slot = 0; slot < kSubframe; ++slot) {
-    diagonal[slot] = matrix[slot * (kSubframe + 1)];
-    const int track = grid.trackOf(slot);
-    outer[track][outers[track]] = static_cast<Zpp8u>(slot);
-    outers[track] = static_cast<Zpp8u>(outers[track] + (candidate[slot] >= 0));
+  for (int slot = 0; slot < kSubframe; ++slot) diagonal[slot] = matrix[slot * (kSubframe + 1)];
+  Zpp8u outer[5][8], outers[5];  // the candidates of each track
+  for (int track = 0, slot = 0; track < 5; ++track) {
+    int found = 0;
+    for (int i = 0; i < 8; ++i, ++slot) {
+      outer[track][found] = static_cast<Zpp8u>(slot);
+      found += candidate[slot] >= 0;
+    }
+    outers[track] = static_cast<Zpp8u>(found);
   }
   Criterion best;
   for (int k = 0; k < pulses; ++k) slots[k] = grid.slotOf[k];
