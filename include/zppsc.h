@@ -471,7 +471,8 @@ ZPPAPI ZppStatus zppsLevinsonDurbin_G729B(const Zpp32s* autoCorr, Zpp16s* a, Zpp
  * out. refl: order values, out. energy: one value, out, the prediction error in the scale of autoCorr. order: 1..30.
  * Status: zppStsOk; zppStsNullPointer; zppStsOutOfRange for another order; zppStsOverflowWarn, with nothing written, when
  * autoCorr[0] is not above 0, the prediction error vanishes before the last stage, or the magnitude of a reflection coefficient
- * from the second on exceeds 32750/32768: the caller keeps the filter of the frame before. */
+ * from the second on exceeds 32750/32768: the caller keeps the filter of the frame before. refl[0] is not tested; from the
+ * second stage on a prediction error that is not positive becomes 0.001. */
 ZPPAPI ZppStatus zppsLevinsonDurbin_G729_32f(const Zpp32f* autoCorr, int order, Zpp32f* a, Zpp32f* refl, Zpp32f* energy);
 
 /* Lag window, in place (clause 3.2.1, Annex B for lags 11 and 12): 60 Hz bandwidth expansion and white-noise correction.

@@ -1,5 +1,6 @@
 // Cosine and inverse cosine in double precision, accurate to 1e-11. Power series and a square root: unlike those of a C
-// library, the results are the same bits in both word sizes and on every processor with IEEE double precision.
+// library, the results are the same bits in both word sizes and on every processor, wherever doubles are computed in double
+// precision (all builds but those with x87 arithmetic).
 #pragma once
 
 #include <cmath>

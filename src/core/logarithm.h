@@ -1,6 +1,6 @@
 // Common logarithm and power of ten in double precision, accurate to 1e-13 of the result or of 1, whichever is larger. Power
-// series: unlike those of a C library, the results are the same bits in both word sizes and on every processor with IEEE
-// double precision.
+// series: unlike those of a C library, the results are the same bits in both word sizes and on every processor, wherever
+// doubles are computed in double precision (all builds but those with x87 arithmetic).
 #pragma once
 
 #include <bit>

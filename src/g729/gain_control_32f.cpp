@@ -29,7 +29,9 @@ void ownGainControl_G729_32f(const Zpp32f* src, Zpp32f* srcDst, Zpp32f* gain) {
     g = kMemory * g + target;
     srcDst[n] *= g;
   }
-  *gain = g;
+  // Silence would let the gain decay to a denormal number, which slows down every sample.
+  constexpr Zpp32f least = 1e-30f;
+  *gain = g > -least && g < least ? 0 : g;
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <initializer_list>
-#include <limits>
 
 #include "core/checks.h"
 #include "g729/dot_product_32f.h"
@@ -17,10 +16,6 @@ constexpr int kFrame = 80;
 constexpr int kSpan = kMostLag + kFrame;
 constexpr int kLanes = 8;  // delays correlated side by side
 
-struct Peak {
-  Zpp64f correlation;
-  int lag;
-};
 // A section's best delay and its normalised correlation
 struct Candidate {
   int lag;
@@ -37,15 +32,15 @@ class Phases {
     }
     odd_[kSpan / 2] = signal[kFrame - 1];
   }
-  // c[lag] = the correlation at a delay for all delays of the sections, even ones only in the last
+  // c[lag] = about the correlation at a delay, for all delays of the sections, even ones only in the last
   void correlate(Zpp32f* c) const {
     correlate(kMostLag - 1, c);
     correlate(kLongLags - 1, c);
   }
   Zpp64f correlation(int lag) const { return dotProduct40(current(), delayed(lag)); }
-  Candidate normalised(Peak best) const {
-    const Zpp32f* past = delayed(best.lag);
-    return {best.lag, best.correlation / std::sqrt(0.01 + dotProduct40(past, past))};
+  Candidate normalised(int lag) const {
+    const Zpp32f* past = delayed(lag);
+    return {lag, correlation(lag) / std::sqrt(0.01 + dotProduct40(past, past))};
   }
 
  private:
@@ -66,11 +61,11 @@ class Phases {
   Zpp32f even_[kSpan / 2], odd_[kSpan / 2 + 1];  // signal[-142], [-140].. and signal[-143], [-141]..
 };
 
-// The first on ties
-Peak largest(const Zpp32f* corr, int first, int last, int step) {
-  Peak best{-std::numeric_limits<Zpp64f>::infinity(), first};
+// The delay of the largest, the first on ties
+int largest(const Zpp32f* corr, int first, int last, int step) {
+  int best = first;
   for (int lag = first; lag <= last; lag += step)
-    if (Zpp64f{corr[lag]} > best.correlation) best = {Zpp64f{corr[lag]}, lag};
+    if (corr[lag] > corr[best]) best = lag;
   return best;
 }
 
@@ -87,12 +82,10 @@ int ownOpenLoopPitchSearch_G729A_32f(const Zpp32f* wsp) {
 
   Candidate shortest = phases.normalised(largest(corr, kLeastLag, kMiddleLags - 1, 1));
   Candidate middle = phases.normalised(largest(corr, kMiddleLags, kLongLags - 1, 1));
-  const Peak coarse = largest(corr, kLongLags, kMostLag - 1, 2);
-  Peak fine = coarse;
-  for (const int lag : {coarse.lag + 1, coarse.lag - 1}) {
-    const Zpp64f value = phases.correlation(lag);
-    if (value > fine.correlation) fine = {value, lag};
-  }
+  const int coarse = largest(corr, kLongLags, kMostLag - 1, 2);
+  int fine = coarse;
+  for (const int lag : {coarse + 1, coarse - 1})
+    if (phases.correlation(lag) > phases.correlation(fine)) fine = lag;
   const Candidate longest = phases.normalised(fine);
 
   favour(middle, longest.lag, longest.norm / 4);

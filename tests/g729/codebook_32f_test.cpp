@@ -236,4 +236,24 @@ TEST_F(Codebook32f, OpenLoopDelayStaysInItsRange) {
     }
 }
 
+// A constant is alike at every delay: correlations of different precision would prefer a long one.
+TEST_F(Codebook32f, OpenLoopDelayOfAConstantIsTheShortest) {
+  for (const Zpp32f level : {1.f, 1234.567f, 30000.f, 32767.f, -32768.f}) {
+    const std::vector<Zpp32f> wsp(223, level);
+    Zpp16s delay = -1;
+    ASSERT_EQ(zppsOpenLoopPitchSearch_G729A_32f(wsp.data() + 143, &delay), zppStsOk);
+    EXPECT_EQ(delay, 20) << level;
+  }
+}
+
+TEST_F(Codebook32f, RunningGainDecaysToZeroInSilence) {
+  const std::vector<Zpp32f> silence(kSubframe);
+  Zpp32f gain = 1;
+  for (int s = 0; s < 200; ++s) {
+    std::vector<Zpp32f> signal(kSubframe, 1.f);
+    ASSERT_EQ(zppsGainControl_G729_32f_I(silence.data(), signal.data(), &gain), zppStsOk);
+  }
+  EXPECT_EQ(gain, 0);
+}
+
 }  // namespace
