@@ -6,17 +6,12 @@ extern "C" {  // its headers are C
 #include <bcg729/encoder.h>
 }
 
+#include "report.h"
 #include "speech.h"
 
 namespace {
 
 constexpr std::size_t kFrameSize = 80, kOctets = 10;
-
-void report(benchmark::State& state, std::size_t samples) {
-  const auto processed = static_cast<double>(state.iterations()) * static_cast<double>(samples);
-  state.counters["ns/sample"] = benchmark::Counter(processed * 1e-9, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
-  state.counters["x real time"] = benchmark::Counter(processed / 8000, benchmark::Counter::kIsRate);
-}
 
 std::vector<std::uint8_t> encode(const std::vector<std::int16_t>& speech) {
   std::vector<std::uint8_t> stream(speech.size() / kFrameSize * kOctets);
@@ -32,7 +27,7 @@ std::vector<std::uint8_t> encode(const std::vector<std::int16_t>& speech) {
 void peer_g729a_encode(benchmark::State& state) {
   const auto speech = speechLike(8000);
   for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(encode(speech));
-  report(state, speech.size());
+  report(state, speech.size(), 8000);
 }
 
 void peer_g729a_decode(benchmark::State& state) {
@@ -45,7 +40,7 @@ void peer_g729a_decode(benchmark::State& state) {
       bcg729Decoder(coder, stream.data() + kOctets * frame, kOctets, 0, 0, 0, decoded.data() + kFrameSize * frame);
     closeBcg729DecoderChannel(coder);
   }
-  report(state, speech.size());
+  report(state, speech.size(), 8000);
 }
 
 BENCHMARK(peer_g729a_encode);

@@ -2,15 +2,10 @@
 #include <benchmark/benchmark.h>
 
 #include "codec.h"
+#include "report.h"
 #include "speech.h"
 
 namespace {
-
-void report(benchmark::State& state, std::size_t samples, int sampleRate) {
-  const auto processed = static_cast<double>(state.iterations()) * static_cast<double>(samples);
-  state.counters["ns/sample"] = benchmark::Counter(processed * 1e-9, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
-  state.counters["x real time"] = benchmark::Counter(processed / sampleRate, benchmark::Counter::kIsRate);
-}
 
 std::span<const std::int16_t> wholeFrames(const codecs::Codec& codec, const codecs::Samples& speech) {
   const auto frame = static_cast<std::size_t>(codec.samplesPerFrame);

@@ -4,15 +4,10 @@
 
 #include <spandsp.h>
 
+#include "report.h"
 #include "speech.h"
 
 namespace {
-
-void report(benchmark::State& state, std::size_t samples) {
-  const auto processed = static_cast<double>(state.iterations()) * static_cast<double>(samples);
-  state.counters["ns/sample"] = benchmark::Counter(processed * 1e-9, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
-  state.counters["x real time"] = benchmark::Counter(processed / 8000, benchmark::Counter::kIsRate);
-}
 
 void peer_g726_encode(benchmark::State& state) {
   const auto speech = speechLike(8000);
@@ -20,7 +15,7 @@ void peer_g726_encode(benchmark::State& state) {
   g726_state_t* coder = g726_init(nullptr, static_cast<int>(state.range(0)), G726_ENCODING_LINEAR, G726_PACKING_NONE);
   for ([[maybe_unused]] auto _ : state) g726_encode(coder, codes.data(), speech.data(), static_cast<int>(speech.size()));
   g726_free(coder);
-  report(state, speech.size());
+  report(state, speech.size(), 8000);
 }
 
 void peer_g726_decode(benchmark::State& state) {
@@ -31,7 +26,7 @@ void peer_g726_decode(benchmark::State& state) {
   g726_encode(coder, codes.data(), speech.data(), static_cast<int>(speech.size()));
   for ([[maybe_unused]] auto _ : state) g726_decode(coder, decoded.data(), codes.data(), static_cast<int>(codes.size()));
   g726_free(coder);
-  report(state, speech.size());
+  report(state, speech.size(), 8000);
 }
 
 BENCHMARK(peer_g726_encode)->Arg(16000)->Arg(24000)->Arg(32000)->Arg(40000);
