@@ -45,6 +45,20 @@ class Decoder {
   virtual std::size_t decode(std::span<const std::uint8_t> stream, Samples& samples) = 0;
 };
 
+// A decoder of streams that are one frame after the other
+class FrameByFrameDecoder : public Decoder {
+ public:
+  std::size_t decode(std::span<const std::uint8_t> stream, Samples& samples) final {
+    std::size_t used = 0;
+    while (const std::size_t size = decodeFrame(stream.subspan(used), samples)) used += size;
+    return used;
+  }
+
+ private:
+  // Decodes the frame at the front of stream and returns its bytes; 0 if the stream ends within it.
+  virtual std::size_t decodeFrame(std::span<const std::uint8_t> stream, Samples& samples) = 0;
+};
+
 struct Codec {
   std::string_view name;
   std::string_view bitRate;  // as text: some codecs pause in silence

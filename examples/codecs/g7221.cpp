@@ -41,13 +41,6 @@ void G7221Encoder::encode(std::span<const std::int16_t> frames, Bytes& stream) {
 G7221Decoder::G7221Decoder(std::string_view framing, int bitRate)
     : framing_(framingOf(framing)), frameSize_(static_cast<std::size_t>(bitRate / kFramesPerSecond / 8)) {}
 
-std::size_t G7221Decoder::decode(std::span<const std::uint8_t> stream, Samples& samples) {
-  std::size_t used = 0;
-  while (const std::size_t size = decodeFrame(stream.subspan(used), samples)) used += size;
-  return used;
-}
-
-// Decodes the frame at the front of stream; 0 if the stream ends within it.
 std::size_t G7221Decoder::decodeFrame(std::span<const std::uint8_t> stream, Samples& samples) {
   SerialFrame frame;
   if (framing_ == G7221Framing::itu) {

@@ -25,13 +25,12 @@ class G7221Encoder : public Encoder {
   g7221::FrameEncoder encoder_;
 };
 
-class G7221Decoder : public Decoder {
+class G7221Decoder : public FrameByFrameDecoder {
  public:
   G7221Decoder(std::string_view framing, int bitRate);
-  std::size_t decode(std::span<const std::uint8_t> stream, Samples& samples) override;
 
  private:
-  std::size_t decodeFrame(std::span<const std::uint8_t> stream, Samples& samples);
+  std::size_t decodeFrame(std::span<const std::uint8_t> stream, Samples& samples) override;
 
   G7221Framing framing_;
   std::size_t frameSize_;  // octets

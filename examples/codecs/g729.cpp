@@ -50,13 +50,6 @@ void G729Encoder::encode(std::span<const std::int16_t> frames, Bytes& stream) {
 G729Decoder::G729Decoder(std::string_view framing, g729::Variant variant, bool discontinuous)
     : framing_(framingOf(framing, discontinuous)), decoder_(variant) {}
 
-std::size_t G729Decoder::decode(std::span<const std::uint8_t> stream, Samples& samples) {
-  std::size_t used = 0;
-  while (const std::size_t size = decodeFrame(stream.subspan(used), samples)) used += size;
-  return used;
-}
-
-// Decodes the frame at the front of stream; 0 if the stream ends within it.
 std::size_t G729Decoder::decodeFrame(std::span<const std::uint8_t> stream, Samples& samples) {
   const SerialFrame frame = framing_ == G729Framing::itu ? takeSerialFrame(stream, {8 * kSpeechOctets, 8 * kSidOctets, 0})
                                                          : takeOctets(stream, framing_ == G729Framing::lengthAndOctets);

@@ -28,13 +28,12 @@ class G729Encoder : public Encoder {
   std::unique_ptr<g729::FrameEncoder> encoder_;
 };
 
-class G729Decoder : public Decoder {
+class G729Decoder : public FrameByFrameDecoder {
  public:
   G729Decoder(std::string_view framing, g729::Variant variant, bool discontinuous);
-  std::size_t decode(std::span<const std::uint8_t> stream, Samples& samples) override;
 
  private:
-  std::size_t decodeFrame(std::span<const std::uint8_t> stream, Samples& samples);
+  std::size_t decodeFrame(std::span<const std::uint8_t> stream, Samples& samples) override;
 
   G729Framing framing_;
   g729::FrameDecoder decoder_;
