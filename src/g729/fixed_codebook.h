@@ -95,6 +95,21 @@ inline void twoLargest(const Sample* d, int (&position)[2]) {
     if (i != position[0] && d[i] > d[position[1]]) position[1] = i;
 }
 
+// Annex A, a depth-first tree in four passes: the first pair from two positions of track A and all of track B, beside it the
+// best pair of tracks C and D
+struct TreePass {
+  Zpp8u a, b, c, d;
+};
+inline constexpr TreePass kTreePasses[] = {{2, 3, 0, 1}, {3, 0, 1, 2}, {2, 4, 0, 1}, {4, 0, 1, 2}};
+
+// The position index chosen in each track of a pass, as pulses of the codeword
+inline void setPulses(TreePass tracks, int a, int b, int c, int d, Zpp8u* pulse) {
+  const auto set = [pulse](int track, int position) {
+    pulse[track < 3 ? track : 3] = static_cast<Zpp8u>(track < 3 ? position : 2 * position + track - 3);
+  };
+  set(tracks.a, a), set(tracks.b, b), set(tracks.c, c), set(tracks.d, d);
+}
+
 // --- Code vectors and codewords, the same in fixed point and in single precision ---------------------------------------------
 
 // Code vector and codeword of four pulses; pulse[3] counts 16 positions.

@@ -1,5 +1,5 @@
 // The searches for pulse positions of the main body and of Annex D (ITU-T G.729 clauses 3.8.1 and D.5), written once for all
-// processor levels, and what that of Annex A (clause A.3.8.1) shares between them.
+// processor levels.
 //
 // All of them compare candidates in rows of eight or 16, in the order of the standard. `Row` does that, on magnitudes:
 //
@@ -76,22 +76,6 @@ inline int searchFourPulses(const Zpp16s* magnitude, const Zpp16s* matrix, Zpp16
     }
   }
   return budget;
-}
-
-// --- Annex A: depth-first tree of two pairs ---------------------------------------------------------------------------------
-
-// Four passes: the first pair from two positions of track A and all of track B, beside it the best pair of tracks C and D.
-struct TreePass {
-  Zpp8u a, b, c, d;
-};
-inline constexpr TreePass kTreePasses[] = {{2, 3, 0, 1}, {3, 0, 1, 2}, {2, 4, 0, 1}, {4, 0, 1, 2}};
-
-// The position index chosen in each track of a pass, as pulses of the codeword
-inline void setPulses(TreePass tracks, int a, int b, int c, int d, Zpp8u* pulse) {
-  const auto set = [pulse](int track, int position) {
-    pulse[track < 3 ? track : 3] = static_cast<Zpp8u>(track < 3 ? position : 2 * position + track - 3);
-  };
-  set(tracks.a, a), set(tracks.b, b), set(tracks.c, c), set(tracks.d, d);
 }
 
 // --- Annex D: two pulses ------------------------------------------------------------------------------------------------

@@ -99,10 +99,11 @@ void crossRow(const Zpp32f* matrix, int i, Zpp32f* row) {
       row[j] = matrix[crossBlock(other, track) + kPositions * j + i];
 }
 
-// One pass: the first pair from two positions of track A and all of track B, beside it the best pair of tracks C and D. Leaves
-// the index of the chosen position of each track in `pulse`.
-template <int A, int B, int C, int D>
-Best_32f searchTwoPairs(const SignedTarget_32f& target, const Zpp32f* diagonal, const Zpp32f* matrix, Zpp8u (&pulse)[kTracks]) {
+// One pass: sets the pulses of its best candidate when this beats the best one before.
+template <TreePass tracks>
+void searchTwoPairs(const SignedTarget_32f& target, const Zpp32f* diagonal, const Zpp32f* matrix, Best_32f& best,
+                    Zpp8u* pulse) {
+  constexpr int A = tracks.a, B = tracks.b, C = tracks.c, D = tracks.d;
   const Zpp32f *dA = target.magnitude + kPositions * A, *dB = target.magnitude + kPositions * B,
                *dC = target.magnitude + kPositions * C, *dD = target.magnitude + kPositions * D;
   Zpp32f besideA[kPositions], besideB[kPositions], energy[kPositions];
@@ -130,11 +131,7 @@ Best_32f searchTwoPairs(const SignedTarget_32f& target, const Zpp32f* diagonal, 
         improve<kPositions>(second, dA[p] + dB[q] + dC[i], dD, offset, matrix + crossBlock(C, D) + kPositions * i, energy);
     if (j >= 0) row = i, column = j;
   }
-  pulse[A] = static_cast<Zpp8u>(p);
-  pulse[B] = static_cast<Zpp8u>(q);
-  pulse[C] = static_cast<Zpp8u>(row);
-  pulse[D] = static_cast<Zpp8u>(column);
-  return second;
+  if (best.improve(second.square, second.energy)) setPulses(tracks, p, q, row, column, pulse);
 }
 
 void searchTree(const SignedTarget_32f& target, const Zpp32f* matrix, Zpp8u* pulse) {
@@ -142,16 +139,10 @@ void searchTree(const SignedTarget_32f& target, const Zpp32f* matrix, Zpp8u* pul
   halve(matrix, diagonal, kDiagonals);
   Best_32f best = kNoCandidate_32f;
   pulse[0] = pulse[1] = pulse[2] = pulse[3] = 0;
-  Zpp8u found[kTracks];
-  const auto compare = [&](Best_32f candidate, int last) {
-    if (!best.improve(candidate.square, candidate.energy)) return;
-    for (int n = 0; n < 3; ++n) pulse[n] = found[n];
-    pulse[3] = static_cast<Zpp8u>(2 * found[last] + last - 3);
-  };
-  compare(searchTwoPairs<2, 3, 0, 1>(target, diagonal, matrix, found), 3);
-  compare(searchTwoPairs<3, 0, 1, 2>(target, diagonal, matrix, found), 3);
-  compare(searchTwoPairs<2, 4, 0, 1>(target, diagonal, matrix, found), 4);
-  compare(searchTwoPairs<4, 0, 1, 2>(target, diagonal, matrix, found), 4);
+  searchTwoPairs<kTreePasses[0]>(target, diagonal, matrix, best, pulse);
+  searchTwoPairs<kTreePasses[1]>(target, diagonal, matrix, best, pulse);
+  searchTwoPairs<kTreePasses[2]>(target, diagonal, matrix, best, pulse);
+  searchTwoPairs<kTreePasses[3]>(target, diagonal, matrix, best, pulse);
 }
 
 void ownFixedCodebookSearch_G729A_32f(const Zpp32f* target, Zpp32f* matrix, Zpp32f* code, Zpp16s* codeword) {

@@ -54,8 +54,7 @@ ZppStatus ownLSPQuant_G729E_16s(const Zpp16s* lsp, const Zpp16s* maMem, Zpp16s* 
 ZppStatus ownLSFQuant_G729B_16s(const Zpp16s* lsf, Zpp16s* maMem, Zpp16s* quantLsf, Zpp16s* sidIndex);
 ZppStatus ownLSFDecode_G729B_16s(const Zpp16s* sidIndex, Zpp16s* maMem, Zpp16s* quantLsf);
 
-// ---- LP analysis and LSP quantisation in single precision (Annex C)
-// ----------------------------------------------------------
+// ---- LP analysis and LSP quantisation in single precision (Annex C) --------------------------------------------------------
 //
 // Shapes as above, natural units: a[0] = 1, lsp cosines, lsf, maMem and code vectors radians.
 
@@ -84,8 +83,7 @@ ZppStatus ownLSFDecode_G729B_32f(const Zpp16s* sidIndex, Zpp32f* maMem, Zpp32f* 
 // dst[n] = src1[n] * weight1 + src2[n] * weight2
 void ownInterpolateC_G729_32f(const Zpp32f* src1, Zpp32f weight1, const Zpp32f* src2, Zpp32f weight2, Zpp32f* dst, int len);
 
-// ---- Backward LP analysis (Annex E)
-// --------------------------------------------------------------------------------------------
+// ---- Backward LP analysis (Annex E) ----------------------------------------------------------------------------------------
 //
 // src: 145 samples, oldest first; dst: 31 lags; state: the 31 recursive sums, at any alignment.
 
