@@ -16,4 +16,11 @@ constexpr bool outside(Value value, Value lowest, Value highest) {
   return value < lowest || value > highest;
 }
 
+// What every state-size query does
+inline ZppStatus reportSize(Zpp32s* size, Zpp32s bytes) {
+  if (anyNull(size)) return zppStsNullPointer;
+  *size = bytes;
+  return zppStsOk;
+}
+
 }  // namespace zpp

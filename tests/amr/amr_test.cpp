@@ -6,7 +6,7 @@
 #include <numeric>
 #include <random>
 
-#include "amr/lag_coding.h"
+#include "amr/pitch/lag_coding.h"
 #include "support/golden.h"
 #include "support/guarded.h"
 #include "zppsc.h"

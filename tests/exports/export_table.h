@@ -237,12 +237,19 @@ std::vector<Export> g723Exports();
 std::vector<Export> amrExports();
 std::vector<Export> g726Exports();
 std::vector<Export> g7221Exports();
+std::vector<Export> amrCodecExports();
+std::vector<Export> amrwbExports();
+std::vector<Export> g723CodecExports();
+std::vector<Export> g728Exports();
+std::vector<Export> g729AnnexesExports();
+std::vector<Export> gsmfrExports();
 
 inline std::vector<Export> allExports() {
   std::vector<Export> all;
   for (auto list :
        {coreExports, lpcExports, g729LspExports, g729PitchExports, g729FcbExports, g729GainExports, g729PostfilterExports,
-        g729FloatLspExports, g729FloatPitchExports, g723Exports, amrExports, g726Exports, g7221Exports})
+        g729FloatLspExports, g729FloatPitchExports, g723Exports, amrExports, g726Exports, g7221Exports, amrCodecExports,
+        amrwbExports, g723CodecExports, g728Exports, g729AnnexesExports, gsmfrExports})
     for (auto& e : list()) all.push_back(std::move(e));
   return all;
 }

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "g723/lsf_root_search.h"
+#include "g723/lsf/root_search.h"
 #include "support/golden.h"
 #include "support/guarded.h"
 

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "core/fixed_point.h"
-#include "g729/lsp_tables.h"
+#include "g729/lsp/tables.h"
 #include "support/golden.h"
 #include "support/guarded.h"
 

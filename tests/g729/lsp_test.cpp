@@ -6,9 +6,9 @@
 #include <cmath>
 #include <random>
 
-#include "g729/chebyshev.h"
-#include "g729/kernels.h"
-#include "g729/lsp_tables.h"
+#include "g729/lsp/chebyshev.h"
+#include "g729/lsp/kernels.h"
+#include "g729/lsp/tables.h"
 
 namespace {
 

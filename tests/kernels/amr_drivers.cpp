@@ -1,12 +1,17 @@
-#include "amr/kernels.h"
+#include "amr/fixed_codebook/kernels.h"
+#include "amr/pitch/kernels.h"
 
 #include "kernels/rig.h"
 
 namespace test {
 
-ZPP_AMR_KERNELS(ZPP_KERNEL_TYPE)
+ZPP_AMR_FIXED_CODEBOOK_KERNELS(ZPP_KERNEL_TYPE)
+ZPP_AMR_PITCH_KERNELS(ZPP_KERNEL_TYPE)
 
-void runAmrKernels(const Options& options, Tally& tally) { ZPP_AMR_KERNELS(ZPP_RUN_KERNEL) }
+void runAmrKernels(const Options& options, Tally& tally) {
+  ZPP_AMR_FIXED_CODEBOOK_KERNELS(ZPP_RUN_KERNEL)
+  ZPP_AMR_PITCH_KERNELS(ZPP_RUN_KERNEL)
+}
 
 namespace {
 

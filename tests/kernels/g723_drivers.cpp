@@ -1,13 +1,16 @@
-#include "g723/kernels.h"
+#include "g723/lsf/kernels.h"
+#include "g723/pitch/kernels.h"
 
 #include "g723/tables.h"
 #include "kernels/rig.h"
 
 namespace test {
 
-ZPP_G723_KERNELS(ZPP_KERNEL_TYPE)
+ZPP_G723_LSF_KERNELS(ZPP_KERNEL_TYPE)
+ZPP_G723_PITCH_KERNELS(ZPP_KERNEL_TYPE)
 
-void runG723Kernels(const Options& options, Tally& tally){ZPP_G723_KERNELS(ZPP_RUN_KERNEL)}
+void runG723Kernels(const Options& options,
+                    Tally& tally){ZPP_G723_LSF_KERNELS(ZPP_RUN_KERNEL) ZPP_G723_PITCH_KERNELS(ZPP_RUN_KERNEL)}
 
 // Any block with an energy below 2^31: 180 * 3454^2
 DRIVE(ownAutoCorr_NormE_G723_16s32s, only({180})) {

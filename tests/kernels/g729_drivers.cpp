@@ -1,7 +1,7 @@
-#include "g729/gain_kernels.h"
-#include "g729/gain_tables.h"
-#include "g729/kernels.h"
-#include "g729/lsp_tables.h"
+#include "g729/gain/kernels.h"
+#include "g729/gain/tables.h"
+#include "g729/lsp/kernels.h"
+#include "g729/lsp/tables.h"
 
 #include "kernels/rig.h"
 

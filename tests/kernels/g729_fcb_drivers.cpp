@@ -1,7 +1,7 @@
 #include <algorithm>
 
-#include "g729/fcb_kernels.h"
-#include "g729/fixed_codebook.h"
+#include "g729/fixed_codebook/fixed_codebook.h"
+#include "g729/fixed_codebook/kernels.h"
 #include "kernels/rig.h"
 
 namespace test {

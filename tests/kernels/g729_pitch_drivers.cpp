@@ -1,4 +1,4 @@
-#include "g729/pitch_kernels.h"
+#include "g729/pitch/kernels.h"
 
 #include "kernels/rig.h"
 

@@ -1,5 +1,5 @@
-#include "g729/postfilter_kernels.h"
-#include "g729/postfilter_tables.h"
+#include "g729/postfilter/kernels.h"
+#include "g729/postfilter/tables.h"
 #include "kernels/rig.h"
 
 namespace test {

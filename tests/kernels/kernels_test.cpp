@@ -67,8 +67,9 @@ int main(int argc, char** argv) {
   std::printf("%d bit, level %d, seed %llu\n", static_cast<int>(sizeof(void*)) * 8, static_cast<int>(zpp::buildLevel),
               static_cast<unsigned long long>(options.seed));
   test::Tally tally;
-  for (auto run : {test::runCoreKernels, test::runLpcKernels, test::runG729Kernels, test::runG723Kernels, test::runAmrKernels,
-                   test::runG726Kernels, test::runG7221Kernels})
+  for (auto run :
+       {test::runCoreKernels, test::runLpcKernels, test::runG729Kernels, test::runG723Kernels, test::runAmrKernels,
+        test::runG726Kernels, test::runG7221Kernels, test::runAmrWbKernels, test::runG728Kernels, test::runGsmFrKernels})
     run(options, tally);
   if (!options.bench) std::printf("%d passed, %d failed\n", tally.passed, tally.failed);
   return tally.failed != 0;

@@ -326,5 +326,8 @@ void runG723Kernels(const Options& options, Tally& tally);
 void runAmrKernels(const Options& options, Tally& tally);
 void runG726Kernels(const Options& options, Tally& tally);
 void runG7221Kernels(const Options& options, Tally& tally);
+void runAmrWbKernels(const Options& options, Tally& tally);
+void runG728Kernels(const Options& options, Tally& tally);
+void runGsmFrKernels(const Options& options, Tally& tally);
 
 }  // namespace test

@@ -3,6 +3,7 @@
     library_test.py LIBRARY HEADER EXPORTS_TEST LEVEL
 """
 import os
+import pathlib
 import re
 import subprocess
 import sys
@@ -16,7 +17,8 @@ def output(*command):
 
 
 def declared():
-    return set(re.findall(r"^ZPPAPI [^;(]*?(\w+)\(", open(HEADER, encoding="utf-8").read(), re.MULTILINE))
+    headers = pathlib.Path(HEADER).with_suffix("").glob("*.h")
+    return {name for header in headers for name in re.findall(r"^ZPPAPI [^;(]*?(\w+)\(", header.read_text(), re.MULTILINE)}
 
 
 def exported():

@@ -1,0 +1,102 @@
+// Lag window and Levinson-Durbin recursion (ITU-T G.729 clauses 3.2.1 and 3.2.2), in the double-precision format of the
+// standard.
+#include "core/checks.h"
+#include "core/fixed_point.h"
+#include "g729/lsp/kernels.h"
+#include "g729/lsp/tables.h"
+
+using namespace zpp;
+
+namespace {
+
+constexpr int kMaxOrder = 30;
+constexpr Zpp32s kSmallest = 65536;  // magnitudes below leave the upper word empty
+constexpr Zpp16s kMaxReflection = 32750;
+
+// -num / den in Q31; den normalised
+Zpp32s negatedRatio(Zpp32s num, Zpp32s den) {
+  const Zpp32s ratio = divDpf(absSat32(num), toDpf(den));
+  return num > 0 ? negSat32(ratio) : ratio;
+}
+
+// The energy of the prediction error: alpha, normalised after every stage, and the sum of its shifts
+struct PredictionError {
+  Zpp32s alpha;
+  int exponent;
+
+  bool degenerate() const { return absSat32(alpha) < kSmallest; }
+  void reduceBy(Dpf reflection) {  // times 1 - reflection^2
+    alpha = mulDpf(toDpf(alpha), toDpf(kMax32 - absSat32(mulDpf(reflection, reflection))));
+    const int shift = norm32(alpha);
+    alpha = shlSat32(alpha, shift);
+    exponent += shift;
+  }
+};
+
+}  // namespace
+
+ZppStatus ownLevinsonDurbin_G729(const Zpp32s* autoCorr, int order, Zpp16s* a, Zpp16s* refl, Zpp16s* energy) {
+  PredictionError error = {autoCorr[0], 0};
+  if (error.degenerate()) return zppStsOverflowWarn;
+  Dpf r[kMaxOrder + 1];
+  for (int i = 0; i <= order; ++i) r[i] = toDpf(autoCorr[i]);
+
+  Dpf coef[kMaxOrder + 1];  // Q27; coef[0] is 1
+  Zpp16s reflection[kMaxOrder];
+  for (int i = 1; i <= order; ++i) {
+    if (error.degenerate()) return zppStsOverflowWarn;
+    Zpp32s sum = 0;
+    for (int j = 1; j < i; ++j) sum = addSat32(sum, mulDpf(r[j], coef[i - j]));
+    sum = addSat32(shlSat32(sum, 4), fromDpf(r[i]));
+    const Zpp32s k = shlSat32(negatedRatio(sum, error.alpha), error.exponent);
+    reflection[i - 1] = high16(k);
+    // The standard does not test the first stage.
+    if (i > 1 && absSat16(reflection[i - 1]) > kMaxReflection) return zppStsOverflowWarn;
+
+    // Coefficients j and m = i - j are updated together, both from their old values.
+    for (int j = 1, m = i - 1; j <= m; ++j, --m) {
+      const Dpf oldJ = coef[j], oldM = coef[m];
+      coef[j] = toDpf(addSat32(mulDpf(toDpf(k), oldM), fromDpf(oldJ)));
+      coef[m] = toDpf(addSat32(mulDpf(toDpf(k), oldJ), fromDpf(oldM)));
+    }
+    coef[i] = toDpf(k >> 4);
+    error.reduceBy(toDpf(k));
+  }
+
+  a[0] = 4096;
+  for (int i = 1; i <= order; ++i) a[i] = roundHigh16(shlSat32(fromDpf(coef[i]), 1));
+  for (int i = 0; i < order; ++i) refl[i] = reflection[i];
+  *energy = shr16(high16(error.alpha), error.exponent);
+  return zppStsOk;
+}
+
+ZppStatus ownLevinsonDurbin_G729B(const Zpp32s* autoCorr, Zpp16s* a, Zpp16s* refl, Zpp16s* energy) {
+  Zpp16s all[10] = {};
+  const ZppStatus status = ownLevinsonDurbin_G729(autoCorr, 10, a, all, energy);
+  refl[0] = all[0];
+  refl[1] = all[1];
+  return status;
+}
+
+void ownLagWindow_G729_32s_I(Zpp32s* autoCorr, int len) {
+  for (int i = 0; i < len; ++i) autoCorr[i] = mulDpf(toDpf(autoCorr[i]), toDpf(wlag[i]));
+}
+
+ZppStatus zppsLevinsonDurbin_G729_32s16s(const Zpp32s* autoCorr, int order, Zpp16s* a, Zpp16s* refl, Zpp16s* energy) {
+  if (anyNull(autoCorr, a, refl, energy)) return zppStsNullPointer;
+  if (outside(order, 1, kMaxOrder)) return zppStsOutOfRange;
+  return ownLevinsonDurbin_G729(autoCorr, order, a, refl, energy);
+}
+
+ZppStatus zppsLevinsonDurbin_G729B(const Zpp32s* autoCorr, Zpp16s* a, Zpp16s* refl, Zpp16s* energy) {
+  if (anyNull(autoCorr, a, refl, energy)) return zppStsNullPointer;
+  return ownLevinsonDurbin_G729B(autoCorr, a, refl, energy);
+}
+
+ZppStatus zppsLagWindow_G729_32s_I(Zpp32s* autoCorr, int len) {
+  if (anyNull(autoCorr)) return zppStsNullPointer;
+  if (len < 1) return zppStsBadSize;
+  if (len > 12) return zppStsOutOfRange;
+  ownLagWindow_G729_32s_I(autoCorr, len);
+  return zppStsOk;
+}

@@ -1,0 +1,7 @@
+#include "exports/export_table.h"
+
+namespace test {
+
+std::vector<Export> g728Exports() { return {}; }
+
+}  // namespace test
