@@ -1,6 +1,7 @@
 // Closed-loop pitch search, decoding of the lag, and the adaptive-codebook gain (3GPP TS 26.090 clauses 5.6 and 6.1).
 #include "amr/pitch/kernels.h"
 #include "amr/pitch/lag_coding.h"
+#include "amr/rate.h"
 #include "amr/tables.h"
 #include "core/checks.h"
 #include "core/fixed_point.h"
@@ -8,26 +9,11 @@
 #include "lpc/kernels.h"
 
 using namespace zpp;
+using namespace zpp::amr;
 
 namespace {
 
 constexpr int kPast = 154;  // samples of past excitation in the callers' buffers
-
-constexpr bool isSpeechRate(ZppSpeechRate rate) {
-  switch (rate) {
-    case ZPP_RATE_4750:
-    case ZPP_RATE_5150:
-    case ZPP_RATE_5900:
-    case ZPP_RATE_6700:
-    case ZPP_RATE_7400:
-    case ZPP_RATE_7950:
-    case ZPP_RATE_10200:
-    case ZPP_RATE_12200:
-      return true;
-    default:
-      return false;
-  }
-}
 
 }  // namespace
 
