@@ -1,6 +1,7 @@
 // The table of codecs. A codec moves in with one row.
 #include "codecs/registry.h"
 
+#include "codecs/amr/amr.h"
 #include "codecs/g711/g711.h"
 #include "codecs/g7221/g7221.h"
 #include "codecs/g726/g726.h"
@@ -46,6 +47,8 @@ constexpr CodecRow kRows[] = {
         about("g729", "ITU-T G.729", "G729", 8000, 40, k8000, 8000, kDtx | kConcealment)),
     codecRow<g729::Encoder<g729::AnnexAEncoder>, g729::Decoder<g729::AnnexAPostfilter>, 80, 10>(
         about("g729a", "ITU-T G.729 Annex A", "G729", 8000, 40, k8000, 8000, kDtx | kConcealment)),
+    codecRow<amr::Encoder, amr::Decoder, amr::kFrame, amr::kMaxPayload>(
+        about("amr", "3GPP TS 26.071 (GSM-AMR)", "AMR", 8000, 40, amr::kBitRates, 12200, kDtx | kConcealment), 1),
 };
 
 constexpr auto kPublic = [] {

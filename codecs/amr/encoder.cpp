@@ -60,10 +60,15 @@ int Encoder::encode(const Zpp16s* pcm, Zpp8u* payload) {
   std::memmove(speech_, speech_ + kFrame, kFrame * sizeof speech_[0]);
   std::memmove(weighted_, weighted_ + kFrame, kPastWeighted * sizeof weighted_[0]);
 
+  int octets = 0;
   const TxType type = dtx_.schedule(silence);
-  const int octets = type == kTxSpeech   ? packSpeech(parameters, mode_, payload)
-                     : type == kTxNoData ? 0
-                                         : packSid(dtx_.descriptor(), type == kTxSidUpdate, mode_, payload);
+  if (type == kTxSpeech) {
+    FrameBits bits;
+    bits.put(parameters, frameLayouts[mode_]);
+    octets = packSpeech(bits, mode_, payload);
+  } else if (type != kTxNoData) {
+    octets = packSid(dtx_.descriptor(), type == kTxSidUpdate, mode_, payload);
+  }
   if (isHomingFrame(pcm)) reset();
   return octets;
 }

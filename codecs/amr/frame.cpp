@@ -32,10 +32,8 @@ void FrameBits::get(Zpp16s* parameters, const FrameLayout& layout) const {
   }
 }
 
-int packSpeech(const Zpp16s* parameters, int mode, Zpp8u* payload) {
+int packSpeech(const FrameBits& bits, int mode, Zpp8u* payload) {
   const FrameLayout& layout = frameLayouts[mode];
-  FrameBits bits;
-  bits.put(parameters, layout);
   payload[0] = typeOctet(mode);
   std::memset(payload + 1, 0, static_cast<std::size_t>(layout.octets));
   for (int i = 0; i < layout.bits; ++i) setBit(payload + 1, i, bits.at[layout.order[i]]);

@@ -17,7 +17,8 @@ struct FrameBits {
   void get(Zpp16s* parameters, const FrameLayout& layout) const;
 };
 
-int packSpeech(const Zpp16s* parameters, int mode, Zpp8u* payload);
+// Write a payload and return its octets.
+int packSpeech(const FrameBits& bits, int mode, Zpp8u* payload);
 // update: whether the descriptor is to be used, or only announces silence
 int packSid(const Zpp16s* sid, bool update, int mode, Zpp8u* payload);
 

@@ -23,6 +23,9 @@ void mix(int mode, const Zpp16s* vector, Zpp16s pitchGain, const Zpp16s* code, Z
 }  // namespace
 
 struct SpeechDecoder::Subframe {
+  Subframe(int k, int m, Zpp16s before)
+      : mode(m), number(static_cast<Zpp16s>(k)), rate(rateOf(m)), lag(before), lastLag(before) {}
+
   int mode;
   Zpp16s number;
   ZppSpeechRate rate;
@@ -33,7 +36,7 @@ struct SpeechDecoder::Subframe {
 
 class SpeechDecoder::ParameterReader {
  public:
-  ParameterReader(const Zpp16s* parameters) : next_(parameters) {}
+  explicit ParameterReader(const Zpp16s* parameters) : next_(parameters) {}
   Zpp16s get() { return *next_++; }
   const Zpp16s* take(int count) { return (next_ += count) - count; }
   // 4.75 kbit/s: one index for two subframes
@@ -106,7 +109,7 @@ void SpeechDecoder::decodeSubframe(int k, int mode, ParameterReader& parameters,
                                    Zpp16s* speech) {
   const Zpp16s* const c = m_.condition;
   Zpp16s* const e = m_.excitation + kPast;
-  Subframe s{.mode = mode, .number = static_cast<Zpp16s>(k), .rate = rateOf(mode), .lag = m_.lastLag, .lastLag = m_.lastLag};
+  Subframe s(k, mode, m_.lastLag);
 
   Zpp16s decodedLag;
   require(zppsAdaptiveCodebookDecode_GSMAMR_16s(parameters.get(), &s.lastLag, &decodedLag, m_.excitation, &s.lag, s.vector,

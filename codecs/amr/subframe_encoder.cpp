@@ -8,14 +8,14 @@
 namespace codecs::amr {
 
 struct SubframeEncoder::Subframe {
-  Subframe(const FrameAnalysis& frame, int k, Zpp16s* excitation)
+  Subframe(const FrameAnalysis& frame, int k, Zpp16s* buffer)
       : mode(frame.mode),
         number(k),
         rate(rateOf(frame.mode)),
         openLoopLags(frame.openLoopLags),
         speech(frame.speech + kSubframe * k),
         quantA(frame.quantA + kSet * k),
-        excitation(excitation + kPast + kSubframe * k),
+        excitation(buffer + kPast + kSubframe * k),
         weighting(frame.a + kSet * k, frame.mode) {}
 
   int mode, number;

@@ -1,6 +1,8 @@
 // The names under which the program offers the codecs, and how their payloads may lie in files.
+#include "codecs/framing/amr_words.h"
 #include "codecs/framing/framing.h"
 #include "codecs/framing/octets.h"
+#include "codecs/framing/storage.h"
 #include "codecs/framing/words.h"
 
 namespace codecs::framing {
@@ -18,6 +20,18 @@ Entry entry(std::string_view name, const char* codec, int bitRate, std::vector<i
           .decoderSwitch = {}};
 }
 
+Entry amrEntry(std::string_view name, int bitRate) {
+  static const std::vector<Choice> framings = {{"rfc4867", amrStorage}, {"words", amrSentWords}, {"rx", amrReceivedWords}};
+  Entry amr = entry(name, "amr", bitRate, {32, 27, 21, 20, 18, 16, 14, 13, 6}, framings);
+  amr.encoderSwitch = "vad";
+  return amr;
+}
+
+Entry anyRate(Entry codec) {
+  codec.everyRate = true;
+  return codec;
+}
+
 }  // namespace
 
 const std::vector<Entry>& catalogue() {
@@ -27,12 +41,27 @@ const std::vector<Entry>& catalogue() {
   static const std::vector<Choice> celp = {{"rfc3551", octetsOrLength}, {"itu", serialBitsOrNone}};
   // name, row of the table, bit rate, octets of a payload, framings
   static const std::vector<Entry> entries = {
-      entry("g711-mulaw", "g711-mulaw", 64000, {}, octets), entry("g711-alaw", "g711-alaw", 64000, {}, octets),
-      entry("g726-16", "g726", 16000, {}, adpcm),           entry("g726-24", "g726", 24000, {}, adpcm),
-      entry("g726-32", "g726", 32000, {}, adpcm),           entry("g726-40", "g726", 40000, {}, adpcm),
-      entry("g722.1-24", "g722.1", 24000, {60}, transform), entry("g722.1-32", "g722.1", 32000, {80}, transform),
-      entry("g729", "g729", 8000, {10, 2}, celp),           entry("g729a", "g729a", 8000, {10, 2}, celp),
-      entry("g729b", "g729", 8000, {10, 2}, celp, true),    entry("g729ab", "g729a", 8000, {10, 2}, celp, true),
+      entry("g711-mulaw", "g711-mulaw", 64000, {}, octets),
+      entry("g711-alaw", "g711-alaw", 64000, {}, octets),
+      entry("g726-16", "g726", 16000, {}, adpcm),
+      entry("g726-24", "g726", 24000, {}, adpcm),
+      entry("g726-32", "g726", 32000, {}, adpcm),
+      entry("g726-40", "g726", 40000, {}, adpcm),
+      entry("g722.1-24", "g722.1", 24000, {60}, transform),
+      entry("g722.1-32", "g722.1", 32000, {80}, transform),
+      entry("g729", "g729", 8000, {10, 2}, celp),
+      entry("g729a", "g729a", 8000, {10, 2}, celp),
+      entry("g729b", "g729", 8000, {10, 2}, celp, true),
+      entry("g729ab", "g729a", 8000, {10, 2}, celp, true),
+      amrEntry("amr-4.75", 4750),
+      amrEntry("amr-5.15", 5150),
+      amrEntry("amr-5.90", 5900),
+      amrEntry("amr-6.70", 6700),
+      amrEntry("amr-7.40", 7400),
+      amrEntry("amr-7.95", 7950),
+      amrEntry("amr-10.2", 10200),
+      amrEntry("amr-12.2", 12200),
+      anyRate(amrEntry("amr", 12200)),
   };
   return entries;
 }

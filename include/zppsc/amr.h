@@ -77,7 +77,7 @@ ZPPAPI ZppStatus zppsAdaptiveCodebookSearch_GSMAMR_16s(const Zpp16s* target, con
  *   indices from 61 on in subframes 1 and 3.
  * excitation: 194: 154 past samples, read only, then the vector, written.
  * lag: out: the integer lag of the vector; at 12.2 kbit/s in: the previous subframe's. Lags that no encoder sends are limited
- *   to 143 and to the rate's smallest.
+ *   to 143 and to the rate's smallest; 144, where it is coded relative to the lag before, is sent, and may be repeated.
  * vector: 40, a copy of the vector. badFrame: not 0 for an erased frame. rate: ZPP_RATE_DTX decodes as ZPP_RATE_10200.
  * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for the subframe; zppStsOutOfRange for the rate, then, except at 12.2
  * kbit/s, for a lagIndex outside 0..511. */

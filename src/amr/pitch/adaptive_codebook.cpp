@@ -112,10 +112,10 @@ PitchLag ownSearchFrac(const Zpp16s* corr, int lag, int first, int last, bool th
 }
 
 // The lag that the vector is built with: as coded, unless the index or the previous lag lies outside what an encoder sends. A
-// range relative to the previous lag reaches one sample further than an index by itself; a fraction may precede the smallest
-// lag.
-PitchLag limited(PitchLag lag, LagCoding coding, int minLag) {
-  const int maxLag = coding == LagCoding::absolute ? kMaxLag : kMaxLag + 1;
+// range relative to the previous lag reaches one sample further than an index by itself, and such a lag may be `repeated`; a
+// fraction may precede the smallest lag.
+PitchLag limited(PitchLag lag, LagCoding coding, bool repeated, int minLag) {
+  const int maxLag = coding == LagCoding::absolute && !repeated ? kMaxLag : kMaxLag + 1;
   if (lag.samples > maxLag) lag.samples = kMaxLag;
   if (lag.samples < minLag && !(lag.samples == minLag - 1 && lag.fraction > 0)) lag.samples = minLag;
   if (outside(lag.fraction, -3, 3)) lag.fraction = 0;
@@ -176,11 +176,13 @@ void ownAdaptiveCodebookDecode_GSMAMR_16s(int lagIndex, Zpp16s* lastGoodLag, Zpp
   const LagRange range = getRange(previous, search.deltaBelow, search.deltaLength, search.minLag);
   PitchLag decoded = search.thirds ? ownDecLag3(lagIndex, coding, range, previous) : ownDecLag6(lagIndex, coding, range);
   const auto coded = static_cast<Zpp16s>(decoded.samples);
+  bool repeated = badFrame;
   if (!search.thirds) {
     // 61 to 63 are no indices of a delta subframe.
     if (badFrame || (coding != LagCoding::absolute && lagIndex >= 61)) {
       *decodedLag = coded;
       decoded = {*lastGoodLag, 0};
+      repeated = true;
     }
   } else {
     *decodedLag = coded;
@@ -189,9 +191,10 @@ void ownAdaptiveCodebookDecode_GSMAMR_16s(int lagIndex, Zpp16s* lastGoodLag, Zpp
       const bool lowRate = rate == ZPP_RATE_4750 || rate == ZPP_RATE_5150 || rate == ZPP_RATE_5900;
       const bool keepsDecoded = backgroundNoise && voicedHangover > 4 && lowRate;
       decoded = {keepsDecoded ? coded : *lastGoodLag, 0};
+      repeated = !keepsDecoded;
     }
   }
-  decoded = limited(decoded, coding, search.minLag);
+  decoded = limited(decoded, coding, repeated, search.minLag);
   *lag = static_cast<Zpp16s>(decoded.samples);
   adaptiveVector(excitation, decoded, search.thirds, vector);
 }
