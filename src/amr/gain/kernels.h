@@ -3,6 +3,28 @@
 
 #include "amr/frame.h"
 #include "amr/rate.h"
+#include "core/fixed_point.h"
+#include "core/variants.h"
+
+// What the gains of a subframe are searched by: the error is the sum of the five factors times gp^2, gp, gc^2, gc, gc gp, where
+// gc is a factor of the codebook times the predicted gain.
+struct GainCriterion {
+  zpp::Dpf term[5];
+  Zpp16s predicted;  // Q14 of its mantissa
+};
+
+// ownGainSearch: the row with the least error, the first of equals, 0 if all errors saturate; rows with a pitch gain above the
+// limit
+//   do not count. table: `size` rows of pitch gain, factor, and two other words, or of the next subframe's pitch gain and
+//   factor; subframes: 1 or 2, and as many criteria; size: a multiple of 8.
+#define ZPP_AMR_GAIN_KERNELS(KERNEL)   \
+  KERNEL(ownGainSearch_GSMAMR_16s, W7, \
+         int(const GainCriterion* criteria, const Zpp16s* table, int size, int subframes, Zpp16s limit))
+
+ZPP_AMR_GAIN_KERNELS(ZPP_DECLARE_KERNEL)
+
+// The error of a row, saturated at every step
+Zpp32s ownGainError_GSMAMR(const GainCriterion* criteria, const Zpp16s* row, int subframes);
 
 // --- Encoder -----------------------------------------------------------------------------------------------------------------
 

@@ -76,24 +76,12 @@ void ownGainQuant_GSMAMR_16s(const GainTask& task, Zpp16s limit, Zpp16s* gainMem
   Zpp16s largest = exponent[0];
   for (const Zpp16s e : exponent) largest = e > largest ? e : largest;
   largest = addSat16(largest, 1);
-  Dpf term[kTerms];
-  for (int k = 0; k < kTerms; ++k) term[k] = inScale(measures.term[k].value, exponent[k], largest);
+  GainCriterion criterion = {{}, mantissa};
+  for (int k = 0; k < kTerms; ++k) criterion.term[k] = inScale(measures.term[k].value, exponent[k], largest);
 
   const bool high = mode >= k670;
   const Zpp16s(*table)[4] = high ? tableGainHighrates : tableGainLowrates;
-  Zpp32s least = kMax32;
-  int best = 0;
-  for (int n = 0; n < (high ? 128 : 64); ++n) {
-    const Zpp16s gp = table[n][0];
-    if (gp > limit) continue;
-    const Zpp16s gc = mulQ15(table[n][1], mantissa);
-    Zpp32s error = zpp::mulDpf16(term[0], mulQ15(gp, gp));
-    error = addSat32(error, zpp::mulDpf16(term[1], gp));
-    error = addSat32(error, zpp::mulDpf16(term[2], mulQ15(gc, gc)));
-    error = addSat32(error, zpp::mulDpf16(term[3], gc));
-    error = addSat32(error, zpp::mulDpf16(term[4], mulQ15(gc, gp)));
-    if (error < least) least = error, best = n;
-  }
+  const int best = ownGainSearch_GSMAMR_16s(&criterion, table[0], high ? 128 : 64, 1, limit);
   const Zpp16s* entry = table[best];
   *pitchGain = entry[0];
   *codeGain = scaledGain(entry[1], mantissa, 10, predicted.log.hi);

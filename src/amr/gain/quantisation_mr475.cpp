@@ -85,28 +85,12 @@ void ownGainQuantSecond_GSMAMR_16s(const GainTask& task, Zpp16s limit, const Zpp
   for (const auto& subframe : exponent)
     for (const Zpp16s e : subframe) largest = e > largest ? e : largest;
   largest = addSat16(largest, 1);
-  Dpf term[2][kTerms];
+  GainCriterion criteria[2] = {{{}, mantissa[0]}, {{}, mantissa[1]}};
   for (int k = 0; k < kTerms; ++k) {
-    term[0][k] = inScale(earlier.term[k].value, exponent[0][k], largest);
-    term[1][k] = inScale(m.term[k].value, exponent[1][k], largest);
+    criteria[0].term[k] = inScale(earlier.term[k].value, exponent[0][k], largest);
+    criteria[1].term[k] = inScale(m.term[k].value, exponent[1][k], largest);
   }
-
-  Zpp32s least = kMax32;
-  int best = 0;
-  for (int n = 0; n < 256; ++n) {
-    const auto& entry = tableGainMR475[n];
-    if (entry[0][0] > limit || entry[1][0] > limit) continue;
-    Zpp32s error = 0;
-    for (int half = 0; half < 2; ++half) {
-      const Zpp16s gp = entry[half][0], gc = mulQ15(entry[half][1], mantissa[half]);
-      error = macDpf16(error, term[half][0], mulQ15(gp, gp));
-      error = macDpf16(error, term[half][1], gp);
-      error = macDpf16(error, term[half][2], mulQ15(gc, gc));
-      error = macDpf16(error, term[half][3], gc);
-      error = macDpf16(error, term[half][4], mulQ15(gc, gp));
-    }
-    if (error < least) least = error, best = n;
-  }
+  const int best = ownGainSearch_GSMAMR_16s(criteria, tableGainMR475[0][0], 256, 2, limit);
 
   // Both gains enter the memory; the odd subframe's are predicted from the even one's quantised gain after all.
   const auto& entry = tableGainMR475[best];

@@ -7,17 +7,13 @@
 namespace zpp::amr {
 
 struct LsfCodebooks {
-  const Zpp16s (*first)[3];
-  int firstSize;
-  int secondStep;  // 2: the even entries of the second codebook only
-  const Zpp16s (*third)[4];
-  int thirdSize;
+  const LsfCodebook &first, &second, &third;  // of 3, 3 and 4 elements
 };
 
 inline LsfCodebooks lsfCodebooks(Mode mode) {
-  if (mode == k475 || mode == k515) return {dico1Lsf3, 256, 2, mr515Lsf3, 128};
-  if (mode == k795) return {mr795Lsf1, 512, 1, dico3Lsf3, 512};
-  return {dico1Lsf3, 256, 1, dico3Lsf3, 512};
+  if (mode == k475 || mode == k515) return {dico1Lsf3, dico2Lsf3Even, mr515Lsf3};
+  if (mode == k795) return {mr795Lsf1, dico2Lsf3, dico3Lsf3};
+  return {dico1Lsf3, dico2Lsf3, dico3Lsf3};
 }
 
 inline constexpr Zpp16s kPrediction5 = 21299;  // of the five-way quantiser from the last residual, 0.65 in Q15

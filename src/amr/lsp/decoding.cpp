@@ -28,11 +28,13 @@ void ownLSPDecode3_GSMAMR_16s(const Zpp16s* idx, bool badFrame, Zpp16s* residual
   } else {
     const Zpp16s* start = mode == kSid ? pastRqInit[*idx++ & 7] : nullptr;
     const LsfCodebooks books = lsfCodebooks(mode);
-    const Zpp16s* parts[3] = {books.first[idx[0] & (books.firstSize - 1)],
-                              dico2Lsf3[(idx[1] * books.secondStep) & (512 - books.secondStep)],
-                              books.third[idx[2] & (books.thirdSize - 1)]};
+    const auto entry = [](const LsfCodebook& book, int index, int element) {
+      return book.at(index & (book.size - 1), element);
+    };
     for (int i = 0; i < kLpcOrder; ++i) {
-      const Zpp16s residual = i < 6 ? parts[i / 3][i % 3] : parts[2][i - 6];
+      const Zpp16s residual = i < 3   ? entry(books.first, idx[0], i)
+                              : i < 6 ? entry(books.second, idx[1], i - 3)
+                                      : entry(books.third, idx[2], i - 6);
       const Zpp16s prediction = start != nullptr ? start[i] : mulQ15(residualMem[i], predFac[i]);
       lsf[i] = addSat16(residual, addSat16(meanLsf3[i], prediction));
       residualMem[i] = start != nullptr ? Zpp16s{0} : residual;
@@ -50,12 +52,13 @@ void ownLSPDecode5_GSMAMR_16s(const Zpp16s* idx, bool badFrame, Zpp16s* residual
       residualMem[i] = subSat16(lsf[i], addSat16(meanLsf5[i], mulQ15(residualMem[i], kPrediction5)));
     }
   } else {
-    const Zpp16s* parts[5] = {dico1Lsf5[idx[0] & 127], dico2Lsf5[idx[1] & 255], dico3Lsf5[(idx[2] >> 1) & 255],
-                              dico4Lsf5[idx[3] & 255], dico5Lsf5[idx[4] & 63]};
+    const LsfCodebook* books[5] = {&dico1Lsf5, &dico2Lsf5, &dico3Lsf5, &dico4Lsf5, &dico5Lsf5};
     for (int i = 0; i < kLpcOrder; ++i) {
       const Zpp16s predicted = addSat16(meanLsf5[i], mulQ15(residualMem[i], kPrediction5));
-      const int part = i / 2, sign = part == 2 && idx[2] % 2 != 0 ? -1 : 1;
-      const Zpp16s residual1 = sat16(sign * parts[part][i % 2]), residual2 = sat16(sign * parts[part][2 + i % 2]);
+      const LsfCodebook& book = *books[i / 2];
+      const bool isSigned = &book == &dico3Lsf5;
+      const int index = (isSigned ? idx[2] >> 1 : idx[i / 2]) & (book.size - 1), sign = isSigned && (idx[2] & 1) != 0 ? -1 : 1;
+      const Zpp16s residual1 = sat16(sign * book.at(index, i % 2)), residual2 = sat16(sign * book.at(index, 2 + i % 2));
       first[i] = addSat16(residual1, predicted);
       lsf[i] = addSat16(residual2, predicted);
       residualMem[i] = residual2;

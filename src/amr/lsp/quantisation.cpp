@@ -30,41 +30,16 @@ void weigh(const Zpp16s* lsf, Zpp16s* weight) {
   }
 }
 
-// Squared error of the weighted difference, saturated once: every term is positive.
+// Takes the nearest entry of a codebook in place of `size` residuals. bothSigns: every entry counts twice, and the lowest bit
+// of the index tells the sign.
 template <int size>
-Zpp32s weightedError(const Zpp16s* residual, const Zpp16s* weight, const Zpp16s* entry, Zpp16s sign) {
-  Zpp64s sum = 0;
-  for (int i = 0; i < size; ++i) {
-    const Zpp64s error = mulQ15(weight[i], sat16(residual[i] - sign * entry[i]));
-    sum += 2 * error * error;
-  }
-  return sat32(sum);
-}
-
-// Takes the nearest of `count` entries, every `step`th of the codebook, in place of the residual.
-template <int size>
-Zpp16s quantise(Zpp16s* residual, const Zpp16s* weight, const Zpp16s (*codebook)[size], int count, int step = 1) {
-  Zpp32s least = kMax32;
-  int best = 0;
-  for (int n = 0; n < count; ++n) {
-    const Zpp32s error = weightedError<size>(residual, weight, codebook[n * step], 1);
-    if (error < least) least = error, best = n;
-  }
-  for (int i = 0; i < size; ++i) residual[i] = codebook[best * step][i];
-  return static_cast<Zpp16s>(best);
-}
-
-// The same with every entry in both signs: the index of the entry, then a bit for the sign
-template <int size>
-Zpp16s quantiseSigned(Zpp16s* residual, const Zpp16s* weight, const Zpp16s (*codebook)[size], int count) {
-  Zpp32s least = kMax32;
-  int best = 0;
-  for (int n = 0; n < 2 * count; ++n) {
-    const Zpp32s error = weightedError<size>(residual, weight, codebook[n / 2], n % 2 == 0 ? 1 : -1);
-    if (error < least) least = error, best = n;
-  }
-  for (int i = 0; i < size; ++i) residual[i] = best % 2 == 0 ? codebook[best / 2][i] : negSat16(codebook[best / 2][i]);
-  return static_cast<Zpp16s>(best);
+Zpp16s quantise(Zpp16s* residual, const Zpp16s* weight, const LsfCodebook& codebook, bool bothSigns = false) {
+  Zpp16s r[4] = {}, w[4] = {};
+  for (int i = 0; i < size; ++i) r[i] = residual[i], w[i] = weight[i];
+  const int index = ownLsfSearch_GSMAMR_16s(r, w, codebook.quads, codebook.size, bothSigns);
+  const int entry = bothSigns ? index >> 1 : index, sign = bothSigns && index % 2 != 0 ? -1 : 1;
+  for (int i = 0; i < size; ++i) residual[i] = sat16(sign * codebook.at(entry, i));
+  return static_cast<Zpp16s>(index);
 }
 
 // The silence descriptor starts from one of eight vectors instead of the last frame; the nearest. Leaves its index.
@@ -102,9 +77,9 @@ void ownLSPQuant3_GSMAMR_16s(const Zpp16s* lsp, Zpp16s* residualMem, Zpp16s* qua
   }
 
   const LsfCodebooks books = lsfCodebooks(mode);
-  idx[0] = quantise<3>(residual, weight, books.first, books.firstSize);
-  idx[1] = quantise<3>(residual + 3, weight + 3, dico2Lsf3, 512 / books.secondStep, books.secondStep);
-  idx[2] = quantise<4>(residual + 6, weight + 6, books.third, books.thirdSize);
+  idx[0] = quantise<3>(residual, weight, books.first);
+  idx[1] = quantise<3>(residual + 3, weight + 3, books.second);
+  idx[2] = quantise<4>(residual + 6, weight + 6, books.third);
 
   for (int i = 0; i < kLpcOrder; ++i) {
     lsf[i] = addSat16(residual[i], predicted[i]);
@@ -129,11 +104,11 @@ void ownLSPQuant5_GSMAMR_16s(const Zpp16s* lsp, Zpp16s* residualMem, Zpp16s* qua
     }
   }
 
-  idx[0] = quantise<4>(residual[0], weights[0], dico1Lsf5, 128);
-  idx[1] = quantise<4>(residual[1], weights[1], dico2Lsf5, 256);
-  idx[2] = quantiseSigned<4>(residual[2], weights[2], dico3Lsf5, 256);
-  idx[3] = quantise<4>(residual[3], weights[3], dico4Lsf5, 256);
-  idx[4] = quantise<4>(residual[4], weights[4], dico5Lsf5, 64);
+  idx[0] = quantise<4>(residual[0], weights[0], dico1Lsf5);
+  idx[1] = quantise<4>(residual[1], weights[1], dico2Lsf5);
+  idx[2] = quantise<4>(residual[2], weights[2], dico3Lsf5, true);
+  idx[3] = quantise<4>(residual[3], weights[3], dico4Lsf5);
+  idx[4] = quantise<4>(residual[4], weights[4], dico5Lsf5);
 
   for (int i = 0; i < kLpcOrder; ++i) {
     for (int set = 0; set < 2; ++set) lsf[set][i] = addSat16(residual[i / 2][2 * set + i % 2], predicted[i]);

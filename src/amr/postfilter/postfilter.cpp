@@ -28,8 +28,12 @@ void weigh(const Zpp16s* a, const Zpp16s* gamma, Zpp16s* weighted) {
   for (int i = 1; i <= kLpcOrder; ++i) weighted[i] = mulRoundQ15(a[i], gamma[i - 1]);
 }
 
-// A(z) with saturation at every step, over x[-10..39]
+// A(z) over x[-10..39] with saturation at every step, which only loud input needs
 void residual(const Zpp16s* a, const Zpp16s* x, Zpp16s* dst) {
+  Zpp64s weights = 0;
+  for (int i = 0; i <= kLpcOrder; ++i) weights += a[i] < 0 ? -a[i] : a[i];
+  if (weights * (ownMaxAbs_16s(x - kLpcOrder, kLpcOrder + kSubframe) + 1) < 1 << 30)
+    return ownResidualFilter_G729_16s(a, x, dst, kSubframe);
   for (int n = 0; n < kSubframe; ++n) {
     Zpp32s sum = mulDbl(x[n], a[0]);
     for (int i = 1; i <= kLpcOrder; ++i) sum = macDbl(sum, a[i], x[n - i]);
@@ -81,7 +85,7 @@ void ownPostFilter_GSMAMR_16s_I(const Zpp16s* a, Zpp16s* speech, Zpp16s* mem, Mo
     const Zpp16s step = mulQ15(levelGain(subframeEnergy(in), actual), 3276);
     for (int n = 0; n < kSubframe; ++n) {
       gain = addSat16(mulQ15(gain, 29491), step);
-      out[n] = high16(shlSat32(mulDbl(out[n], gain), 3));
+      out[n] = sat16((out[n] * gain) >> 12);
     }
   }
 }

@@ -146,5 +146,5 @@ void ownPitchEmphasis_GSMAMR_16s(const Zpp16s* vector, const Zpp16s* excitation,
   const Zpp32s actual = subframeEnergy(dst);
   if (actual == 0) return;
   const Zpp16s gain = levelGain(subframeEnergy(excitation), actual);
-  for (int n = 0; n < kSubframe; ++n) dst[n] = high16(shlSat32(mulDbl(dst[n], gain), 3));
+  for (int n = 0; n < kSubframe; ++n) dst[n] = sat16((dst[n] * gain) >> 12);
 }
