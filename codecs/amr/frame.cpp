@@ -1,5 +1,6 @@
 #include "codecs/amr/frame.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace codecs::amr {
@@ -34,9 +35,14 @@ void FrameBits::get(Zpp16s* parameters, const FrameLayout& layout) const {
 
 int packSpeech(const FrameBits& bits, int mode, Zpp8u* payload) {
   const FrameLayout& layout = frameLayouts[mode];
-  payload[0] = typeOctet(mode);
-  std::memset(payload + 1, 0, static_cast<std::size_t>(layout.octets));
-  for (int i = 0; i < layout.bits; ++i) setBit(payload + 1, i, bits.at[layout.order[i]]);
+  *payload = typeOctet(mode);
+  const Zpp8u* order = layout.order;
+  for (int rest = layout.bits; rest > 0; rest -= 8) {
+    unsigned octet = 0;
+    const int count = std::min(rest, 8);
+    for (int n = 0; n < count; ++n) octet = 2 * octet + bits.at[*order++];
+    *++payload = static_cast<Zpp8u>(octet << (8 - count));
+  }
   return 1 + layout.octets;
 }
 
@@ -64,7 +70,11 @@ bool isPayloadSize(int octets) {
 
 void unpackSpeech(const Zpp8u* payload, int mode, FrameBits& bits) {
   const FrameLayout& layout = frameLayouts[mode];
-  for (int i = 0; i < layout.bits; ++i) bits.at[layout.order[i]] = static_cast<Zpp8u>(bitAt(payload + 1, i));
+  const Zpp8u* order = layout.order;
+  for (int rest = layout.bits; rest > 0; rest -= 8) {
+    unsigned octet = *++payload;
+    for (int n = std::min(rest, 8); n > 0; --n, octet <<= 1) bits.at[*order++] = octet >> 7 & 1;
+  }
 }
 
 SidHead unpackSid(const Zpp8u* payload, FrameBits& bits) {

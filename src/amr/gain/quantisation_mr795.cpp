@@ -32,16 +32,23 @@ Choice searchWaveform(const GainMeasures& measures, int first, const PredictedGa
   Dpf term[kTerms];
   for (int k = 0; k < kTerms; ++k) term[k] = inScale(measures.term[k].value, exponent[k], largest);
 
+  struct {
+    Zpp16s gain;
+    Dpf square;
+  } factors[kFactors];
+  for (int code = 0; code < kFactors; ++code) {
+    const Zpp16s gc = factors[code].gain = mulQ15(quaGainCode[code][0], mantissa);
+    factors[code].square = toDpf(mulDbl(gc, gc));
+  }
   Zpp32s least = kMax32;
   Choice best = {first, 0};
   for (int pitch = first; pitch < first + kCandidates; ++pitch) {
     const Zpp16s gp = quaGainPitch[pitch];
     const Zpp32s pitchError = macDpf16(zpp::mulDpf16(term[0], mulQ15(gp, gp)), term[1], gp);
     for (int code = 0; code < kFactors; ++code) {
-      const Zpp16s gc = mulQ15(quaGainCode[code][0], mantissa);
-      Zpp32s error = macDpf(pitchError, term[2], toDpf(mulDbl(gc, gc)));
-      error = macDpf16(error, term[3], gc);
-      error = macDpf(error, term[4], toDpf(mulDbl(gc, gp)));
+      const Zpp16s gc = factors[code].gain;
+      const Zpp32s error =
+          macDpf(macDpf16(macDpf(pitchError, term[2], factors[code].square), term[3], gc), term[4], toDpf(mulDbl(gc, gp)));
       if (error < least) least = error, best = {pitch, code};
     }
   }

@@ -9,9 +9,10 @@ namespace {
 // Half the errors of eight rows, and whether a sum has come near the standard's saturation
 class Errors {
  public:
-  // Adds a factor times eight values.
+  // Adds a factor times eight values, which are not negative.
   void add(Dpf factor, V values) {
-    const V lower = mulQ15(_mm_set1_epi16(factor.lo), values), weights = pairOf(factor.hi, 1);
+    const V lower = _mm_mulhi_epu16(_mm_set1_epi16(static_cast<Zpp16s>(2 * factor.lo)), values);
+    const V weights = pairOf(factor.hi, 1);
     add(half_[0], _mm_madd_epi16(_mm_unpacklo_epi16(values, lower), weights));
     add(half_[1], _mm_madd_epi16(_mm_unpackhi_epi16(values, lower), weights));
   }
@@ -30,6 +31,9 @@ class Errors {
   V half_[2] = {_mm_setzero_si128(), _mm_setzero_si128()};
   V near_ = _mm_setzero_si128();
 };
+
+// (a * b) >> 15 of values that are not negative
+V product(V a, V b) { return _mm_mulhi_epu16(_mm_add_epi16(a, a), b); }
 
 struct Columns {
   V at[4];
@@ -58,13 +62,13 @@ int ownGainSearch_GSMAMR_16s_W7(const GainCriterion* criteria, const Zpp16s* tab
     Errors errors;
     for (int k = 0; k < subframes; ++k) {
       const GainCriterion& criterion = criteria[k];
-      const V gp = columns.at[2 * k], gc = mulQ15(columns.at[2 * k + 1], _mm_set1_epi16(criterion.predicted));
+      const V gp = columns.at[2 * k], gc = product(columns.at[2 * k + 1], _mm_set1_epi16(criterion.predicted));
       excluded = _mm_or_si128(excluded, _mm_cmpgt_epi16(gp, _mm_set1_epi16(limit)));
-      errors.add(criterion.term[0], mulQ15(gp, gp));
+      errors.add(criterion.term[0], product(gp, gp));
       errors.add(criterion.term[1], gp);
-      errors.add(criterion.term[2], mulQ15(gc, gc));
+      errors.add(criterion.term[2], product(gc, gc));
       errors.add(criterion.term[3], gc);
-      errors.add(criterion.term[4], mulQ15(gc, gp));
+      errors.add(criterion.term[4], product(gc, gp));
     }
     V sums[2] = {errors.doubled(0), errors.doubled(1)};
     if (errors.nearSaturation()) {

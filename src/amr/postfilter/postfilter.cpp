@@ -83,9 +83,11 @@ void ownPostFilter_GSMAMR_16s_I(const Zpp16s* a, Zpp16s* speech, Zpp16s* mem, Mo
       continue;
     }
     const Zpp16s step = mulQ15(levelGain(subframeEnergy(in), actual), 3276);
-    for (int n = 0; n < kSubframe; ++n) {
-      gain = addSat16(mulQ15(gain, 29491), step);
-      out[n] = sat16((out[n] * gain) >> 12);
-    }
+    // Neither can saturate: the step is 0 to 3276, a tenth of full scale.
+    Zpp16s gains[kSubframe];
+    Zpp32s running = gain;
+    for (Zpp16s& g : gains) g = static_cast<Zpp16s>(running = ((running * 29491) >> 15) + step);
+    gain = gains[kSubframe - 1];
+    ownApplyGains_GSMAMR_16s_I(gains, out);
   }
 }

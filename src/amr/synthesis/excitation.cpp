@@ -137,14 +137,15 @@ Zpp16s levelGain(Zpp32s wanted, Zpp32s actual) {
 
 void ownPitchEmphasis_GSMAMR_16s(const Zpp16s* vector, const Zpp16s* excitation, Zpp16s sharpening, Zpp16s pitchGain,
                                  Zpp16s* dst, Mode mode) {
-  std::memcpy(dst, excitation, kSubframe * sizeof *dst);
-  if (sharpening <= 16384) return;
-  for (int n = 0; n < kSubframe; ++n) {
-    const Zpp32s pitch = mulDbl(mulQ15(vector[n], sharpening), pitchGain);
-    dst[n] = addSat16(roundHigh16(mode == k122 ? pitch >> 1 : pitch), excitation[n]);
+  if (sharpening <= 16384) {
+    std::memcpy(dst, excitation, kSubframe * sizeof *dst);
+    return;
   }
+  ownAddPitch_GSMAMR_16s(vector, excitation, sharpening, pitchGain, mode == k122 ? 16 : 15, dst);
   const Zpp32s actual = subframeEnergy(dst);
   if (actual == 0) return;
   const Zpp16s gain = levelGain(subframeEnergy(excitation), actual);
-  for (int n = 0; n < kSubframe; ++n) dst[n] = sat16((dst[n] * gain) >> 12);
+  Zpp16s gains[kSubframe];
+  ownSet_16s(gain, gains, kSubframe);
+  ownApplyGains_GSMAMR_16s_I(gains, dst);
 }

@@ -3,6 +3,19 @@
 
 #include "amr/frame.h"
 #include "amr/rate.h"
+#include "core/variants.h"
+
+// Vectors of 40 elements.
+// ownApplyGains: srcDst = (srcDst * gain) >> 12, saturated.
+// ownAddPitch: dst = excitation + vector * sharpening (Q15, truncated) * pitchGain, rounded at bit `shift`, 15 or 16, saturated
+// at
+//   every step; dst may be excitation.
+#define ZPP_AMR_SYNTHESIS_KERNELS(KERNEL)                                           \
+  KERNEL(ownApplyGains_GSMAMR_16s_I, W7, void(const Zpp16s* gains, Zpp16s* srcDst)) \
+  KERNEL(ownAddPitch_GSMAMR_16s, W7,                                                \
+         void(const Zpp16s* vector, const Zpp16s* excitation, Zpp16s sharpening, Zpp16s pitchGain, int shift, Zpp16s* dst))
+
+ZPP_AMR_SYNTHESIS_KERNELS(ZPP_DECLARE_KERNEL)
 
 // mem: as in zppsPhaseDispersion_GSMAMR_16s_I
 void ownPhaseDispersion_GSMAMR_16s_I(Zpp16s pitchGain, Zpp16s codeGain, Zpp16s* code, Zpp16s* mem,

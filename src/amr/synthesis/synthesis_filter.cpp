@@ -43,9 +43,10 @@ bool filterSaturating(const Zpp16s* a, const Zpp16s* src, Zpp16s* dst, int len, 
 // its outputs: as long as they have been right, so is the bound on the next one's sum. -32768 is left to the steps, for it may
 // come of a sum that saturated.
 bool filterBlock(const Zpp16s* a, const Zpp16s* src, Zpp16s* dst, int len, const Zpp16s* hist) {
-  Zpp16s result[kSubframe];
-  if (ownSynthesisFilter_NR_16s(a, src, result, len, 12, hist)) return filterSaturating(a, src, dst, len, hist);
-  const Zpp64s largest = std::max(ownMaxAbs_16s(result, len), ownMaxAbs_16s(hist, kLpcOrder));
+  Zpp16s outputs[kLpcOrder + kSubframe], *const result = outputs + kLpcOrder;  // with the past ones
+  std::memcpy(outputs, hist, kLpcOrder * sizeof *hist);
+  if (ownSynthesisFilter_NR_16s(a, src, result, len, 12, outputs)) return filterSaturating(a, src, dst, len, hist);
+  const Zpp64s largest = ownMaxAbs_16s(outputs, kLpcOrder + len);
   Zpp64s feedback = 0;
   for (int i = 1; i <= kLpcOrder; ++i) feedback += a[i] < 0 ? -a[i] : a[i];
   const Zpp64s input = Zpp64s{a[0] < 0 ? -a[0] : a[0]} * (ownMaxAbs_16s(src, len) + 1);
