@@ -64,7 +64,7 @@ void filter(Zpp16s* srcDst, int len, HighPassState& s) {
     y1 = y;
     harmless2 = harmless1;
     harmless1 = isHarmless(y);
-    srcDst[n] = roundHigh16(shlSat32(y1, scaleFactor - 12));
+    srcDst[n] = sat16(((y1 >> (27 - scaleFactor)) + 1) >> 1);
     x2 = x1;
     x1 = x0;
   }

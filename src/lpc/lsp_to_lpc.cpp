@@ -14,7 +14,7 @@ void expandRoots(const Zpp16s* lsp, Zpp32s* g) {
     const Zpp16s q = lsp[2 * (i - 1)];
     g[i] = g[i - 2];
     for (int m = i; m >= 2; --m) {
-      const Zpp32s twice = shlSat32(mulDpf16(toDpf(g[m - 1]), q), 1);
+      const Zpp32s twice = shlSat32(static_cast<Zpp32s>((Zpp64s{g[m - 1] >> 1} * q) >> 15), 2);
       g[m] = subSat32(addSat32(g[m], g[m - 2]), twice);
     }
     g[1] = subSat32(g[1], 1024 * q);

@@ -97,10 +97,11 @@ Zpp16s lsfDeviation(const Zpp16s* prevLsf, const Zpp16s* lsf, const Zpp16s* lsfM
                         : subframe == 2 ? mostly(now, old)
                                         : now;
     const Zpp16s distance = absSat16(subSat16(lsfMean[i], here));
-    const int shift1 = norm16(distance) - 1, shift2 = norm16(lsfMean[i]);
-    const Zpp16s numerator = shlSat16(distance, shift1), denominator = shlSat16(lsfMean[i], shift2);
-    const Zpp16s quotient = denominator > 0 ? divQ15(numerator, denominator) : Zpp16s{0};
-    deviation = addSat16(deviation, shiftRight16(quotient, 2 + shift1 - shift2));
+    if (distance == 0 || lsfMean[i] <= 0) continue;
+    // The distance over the mean, both normalised
+    const int shift1 = norm16(distance), shift2 = norm16(lsfMean[i]);
+    const Zpp32s quotient = (((distance << shift1) >> 1) << 15) / (lsfMean[i] << shift2);
+    deviation = addSat16(deviation, shiftRight16(static_cast<Zpp16s>(quotient), 1 + shift1 - shift2));
   }
   return deviation;
 }

@@ -23,6 +23,9 @@ int firstCandidate(Zpp16s limit, Zpp16s gain) {
   return first < 0 ? 0 : first;  // only with limits that no encoder sets
 }
 
+// x * y in double precision, half of what macDpf adds
+Zpp32s halfProduct(Dpf x, Dpf y) { return x.hi * y.hi + ((x.hi * y.lo) >> 15) + ((x.lo * y.hi) >> 15); }
+
 Choice searchWaveform(const GainMeasures& measures, int first, const PredictedGain& predicted, Zpp16s mantissa) {
   Zpp16s exponent[kTerms];
   termExponents(measures, subSat16(predicted.log.hi, 10), exponent);
@@ -32,23 +35,37 @@ Choice searchWaveform(const GainMeasures& measures, int first, const PredictedGa
   Dpf term[kTerms];
   for (int k = 0; k < kTerms; ++k) term[k] = inScale(measures.term[k].value, exponent[k], largest);
 
+  // Halves of the terms of the code alone. Where all sums stay within the bound, with a margin for the steps within a product,
+  // no step of the standard saturates, and the order in which they are added makes no difference.
+  constexpr Zpp32s kBound = (1 << 30) - (1 << 18);
   struct {
     Zpp16s gain;
     Dpf square;
+    Zpp32s squareTerm, gainTerm;
   } factors[kFactors];
   for (int code = 0; code < kFactors; ++code) {
-    const Zpp16s gc = factors[code].gain = mulQ15(quaGainCode[code][0], mantissa);
-    factors[code].square = toDpf(mulDbl(gc, gc));
+    auto& f = factors[code];
+    f.gain = mulQ15(quaGainCode[code][0], mantissa);
+    f.square = toDpf(mulDbl(f.gain, f.gain));
+    f.squareTerm = halfProduct(term[2], f.square);
+    f.gainTerm = term[3].hi * f.gain + ((term[3].lo * f.gain) >> 15);
   }
   Zpp32s least = kMax32;
   Choice best = {first, 0};
   for (int pitch = first; pitch < first + kCandidates; ++pitch) {
     const Zpp16s gp = quaGainPitch[pitch];
     const Zpp32s pitchError = macDpf16(zpp::mulDpf16(term[0], mulQ15(gp, gp)), term[1], gp);
+    const Zpp32s start = pitchError >> 1;
+    const bool startsSafe = start > -kBound && start < kBound;
     for (int code = 0; code < kFactors; ++code) {
-      const Zpp16s gc = factors[code].gain;
-      const Zpp32s error =
-          macDpf(macDpf16(macDpf(pitchError, term[2], factors[code].square), term[3], gc), term[4], toDpf(mulDbl(gc, gp)));
+      const auto& f = factors[code];
+      const Dpf both = toDpf(mulDbl(f.gain, gp));
+      const Zpp32s sum1 = addWrap32(start, f.squareTerm), sum2 = addWrap32(sum1, f.gainTerm);
+      const Zpp32s sum3 = addWrap32(sum2, halfProduct(term[4], both));
+      const auto beyond = [](Zpp32s sum) { return static_cast<Zpp32u>(sum) + kBound > 2u * kBound; };
+      Zpp32s error = shlWrap32(sum3, 1);
+      if (!startsSafe || beyond(sum1) || beyond(sum2) || beyond(sum3)) [[unlikely]]
+        error = macDpf(macDpf16(macDpf(pitchError, term[2], f.square), term[3], f.gain), term[4], both);
       if (error < least) least = error, best = {pitch, code};
     }
   }

@@ -43,12 +43,16 @@ void residual(const Zpp16s* a, const Zpp16s* x, Zpp16s* dst) {
 
 // The tilt of numerator / denominator, from the first 22 samples of its impulse response: Q15
 Zpp16s tilt(const Zpp16s* numerator, const Zpp16s* denominator) {
-  constexpr int kResponse = 22;
+  constexpr int kResponse = 22, kWholeVectors = 24;
   static constexpr Zpp16s kRest[kLpcOrder] = {};
-  Zpp16s h[kResponse] = {};
+  Zpp16s h[kWholeVectors] = {};
   std::memcpy(h, numerator, kSet * sizeof *h);
-  ownSynthesisFilter_GSMAMR_16s(denominator, h, h, kResponse, kRest);
-  const Zpp16s r0 = high16(energy(h, kResponse)), r1 = high16(correlation(h, h + 1, kResponse - 1));
+  ownSynthesisFilter_GSMAMR_16s(denominator, h, h, kWholeVectors, kRest);
+  const Zpp32s whole = energy(h, kResponse);
+  // No partial sum of neighbours' products exceeds the energy.
+  const Zpp32s neighbours =
+      whole < kMax32 ? static_cast<Zpp32s>(2 * ownDotProd_16s(h, h + 1, kResponse - 1)) : correlation(h, h + 1, kResponse - 1);
+  const Zpp16s r0 = high16(whole), r1 = high16(neighbours);
   return r1 <= 0 ? Zpp16s{0} : divQ15(mulQ15(r1, 26214), r0);
 }
 
@@ -64,15 +68,14 @@ void ownPostFilter_GSMAMR_16s_I(const Zpp16s* a, Zpp16s* speech, Zpp16s* mem, Mo
 
   for (int k = 0; k < kSubframes; ++k) {
     const Zpp16s* in = input + kLpcOrder + kSubframe * k;
-    Zpp16s numerator[kSet], denominator[kSet], r[kSubframe], *out = speech + kSubframe * k;
+    Zpp16s numerator[kSet], denominator[kSet], withPast[1 + kSubframe], *const r = withPast + 1, *out = speech + kSubframe * k;
     weigh(a + kSet * k, highRate ? gamma3MR122 : gamma3, numerator);
     weigh(a + kSet * k, highRate ? gamma4MR122 : gamma4, denominator);
     residual(numerator, in, r);
 
-    const Zpp16s factor = tilt(numerator, denominator), last = r[kSubframe - 1];
-    for (int n = kSubframe - 1; n > 0; --n) r[n] = subSat16(r[n], mulQ15(factor, r[n - 1]));
-    r[0] = subSat16(r[0], mulQ15(factor, pastResidual));
-    pastResidual = last;
+    r[-1] = pastResidual;
+    pastResidual = r[kSubframe - 1];
+    ownCompensateTilt_GSMAMR_16s_I(tilt(numerator, denominator), r);
 
     ownSynthesisFilter_GSMAMR_16s(denominator, r, out, kSubframe, pastOutput);
     std::memcpy(pastOutput, out + kSubframe - kLpcOrder, kLpcOrder * sizeof *out);

@@ -73,18 +73,11 @@ void ownPhaseDispersion_GSMAMR_16s_I(Zpp16s pitchGain, Zpp16s codeGain, Zpp16s* 
   const int choice = chooseDispersion(pitchGain, codeGain, mem, locked);
   if (choice == none || (mode > k670 && mode != k795)) return;
 
-  const Zpp16s* response =
+  const DispersionResponse& response =
       mode == k795 ? (choice == strong ? phImpLowMR795 : phImpMidMR795) : (choice == strong ? phImpLow : phImpMid);
-  // Circular convolution, pulse by pulse
   Zpp16s pulses[kSubframe];
   std::memcpy(pulses, code, sizeof pulses);
-  std::memset(code, 0, sizeof pulses);
-  for (int position = 0; position < kSubframe; ++position) {
-    if (pulses[position] == 0) continue;
-    const auto add = [&](int n, int k) { code[n] = addSat16(code[n], mulQ15(pulses[position], response[k])); };
-    for (int n = position; n < kSubframe; ++n) add(n, n - position);
-    for (int n = 0; n < position; ++n) add(n, kSubframe - position + n);
-  }
+  ownDisperse_GSMAMR_16s(pulses, response, code);
 }
 
 void ownExcitationControl_GSMAMR_16s_I(Zpp16s* excitation, Zpp16s* energyHist, const FrameCondition& condition, Mode mode) {

@@ -3,6 +3,7 @@
 
 #include "amr/frame.h"
 #include "amr/rate.h"
+#include "amr/synthesis/tables.h"
 #include "core/variants.h"
 
 // Vectors of 40 elements.
@@ -10,10 +11,13 @@
 // ownAddPitch: dst = excitation + vector * sharpening (Q15, truncated) * pitchGain, rounded at bit `shift`, 15 or 16, saturated
 // at
 //   every step; dst may be excitation.
-#define ZPP_AMR_SYNTHESIS_KERNELS(KERNEL)                                           \
-  KERNEL(ownApplyGains_GSMAMR_16s_I, W7, void(const Zpp16s* gains, Zpp16s* srcDst)) \
-  KERNEL(ownAddPitch_GSMAMR_16s, W7,                                                \
-         void(const Zpp16s* vector, const Zpp16s* excitation, Zpp16s sharpening, Zpp16s pitchGain, int shift, Zpp16s* dst))
+// ownDisperse: dst = the circular convolution of pulses, where most are 0, and a response, added up with saturation pulse by
+// pulse.
+#define ZPP_AMR_SYNTHESIS_KERNELS(KERNEL)                                                                                   \
+  KERNEL(ownApplyGains_GSMAMR_16s_I, W7, void(const Zpp16s* gains, Zpp16s* srcDst))                                         \
+  KERNEL(ownAddPitch_GSMAMR_16s, W7,                                                                                        \
+         void(const Zpp16s* vector, const Zpp16s* excitation, Zpp16s sharpening, Zpp16s pitchGain, int shift, Zpp16s* dst)) \
+  KERNEL(ownDisperse_GSMAMR_16s, W7, void(const Zpp16s* pulses, const DispersionResponse& response, Zpp16s* dst))
 
 ZPP_AMR_SYNTHESIS_KERNELS(ZPP_DECLARE_KERNEL)
 
