@@ -53,8 +53,3 @@ Zpp32s ownPow2(Zpp16s exponent, Zpp16s fraction);
 Zpp32s ownInvSqrt(Zpp32s x);
 // dst[n] = (a[n] * b[n]) >> shift without rounding or saturation: the caller guarantees the range.
 void ownMul_16s_NoS_Sfs(const Zpp16s* a, const Zpp16s* b, Zpp16s* dst, int len, int shift);
-// dst[n] = low 16 bits of the double-precision product of a[n] and b[n]
-void ownMul_32s16s(const Zpp32s* a, const Zpp32s* b, Zpp16s* dst, int len);
-// dst[n] = sat16(src[n] * 2^-scaleFactor): half to even, but plain truncation at scale factor 15, where ITU-T G.729's 16-bit
-// correlation matrix takes the upper half of a doubled sum.
-void ownConvert_32s16s_sfs(const Zpp32s* src, Zpp16s* dst, int len, int scaleFactor);
