@@ -4,6 +4,7 @@
 #include "core/variants.h"
 
 // Element-wise kernels accept a destination that is one of their sources. Shift counts and scale factors have been checked.
+// ownLShiftC_16s drops the upper bits, ownLShiftCSat_16s (shift 0..15) saturates.
 #define ZPP_CORE_KERNELS(KERNEL)                                                                                     \
   KERNEL(ownSet_16s, W7, void(Zpp16s value, Zpp16s * dst, int len))                                                  \
   KERNEL(ownSet_32s, W7, void(Zpp32s value, Zpp32s * dst, int len))                                                  \
@@ -15,6 +16,7 @@
   KERNEL(ownMul_NR_16s_Sfs, W7, void(const Zpp16s* src1, const Zpp16s* src2, Zpp16s* dst, int len, int scaleFactor)) \
   KERNEL(ownMulC_NR_16s_Sfs, W7, void(const Zpp16s* src, Zpp16s value, Zpp16s* dst, int len, int scaleFactor))       \
   KERNEL(ownLShiftC_16s, W7, void(const Zpp16s* src, Zpp16s* dst, int len, int shift))                               \
+  KERNEL(ownLShiftCSat_16s, W7, void(const Zpp16s* src, Zpp16s* dst, int len, int shift))                            \
   KERNEL(ownLShiftC_32s, W7, void(const Zpp32s* src, Zpp32s* dst, int len, int shift))                               \
   KERNEL(ownRShiftC_16s, W7, void(const Zpp16s* src, Zpp16s* dst, int len, int shift))                               \
   KERNEL(ownRShiftC_32s, W7, void(const Zpp32s* src, Zpp32s* dst, int len, int shift))                               \

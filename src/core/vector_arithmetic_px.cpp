@@ -59,6 +59,10 @@ void ownLShiftC_16s_PX(const Zpp16s* src, Zpp16s* dst, int len, int shift) {
   for (int n = 0; n < len; ++n) dst[n] = low16(shlWrap32(src[n], shift));
 }
 
+void ownLShiftCSat_16s_PX(const Zpp16s* src, Zpp16s* dst, int len, int shift) {
+  for (int n = 0; n < len; ++n) dst[n] = sat16(src[n] * (1 << shift));
+}
+
 void ownLShiftC_32s_PX(const Zpp32s* src, Zpp32s* dst, int len, int shift) {
   for (int n = 0; n < len; ++n) dst[n] = shlWrap32(src[n], shift);
 }

@@ -109,6 +109,34 @@ TEST(LongTermPostfilter, IsOffWithoutAMatch) {
   }
 }
 
+// A square wave at full scale: the interpolated signal overshoots the 16 bits and is held at them.
+TEST(LongTermPostfilter, SaturatesTheInterpolatedSignal) {
+  constexpr std::array<Zpp16s, 11> flat = {4096};
+  for (const double period : {40.5, 61.25, 97.625}) {
+    std::array<Zpp16s, 194> residual;
+    for (int n = 0; n < 194; ++n)
+      residual[static_cast<std::size_t>(n)] = std::fmod(n, period) < period / 2 ? Zpp16s{32767} : Zpp16s{-32768};
+    std::array<Zpp16s, 50> speech = {};
+    std::copy_n(residual.end() - 40, 40, speech.begin() + 10);
+    const auto integer = static_cast<Zpp16s>(period);
+
+    Subframe dst, dstAnnexB;
+    Zpp16s selected = 0, voicing = 0;
+    ASSERT_EQ(zppsLongTermPostFilter_G729_16s(16384, integer, residual.data() + 154, dst.data(), &selected), zppStsOk);
+    ASSERT_NE(selected, 0) << period;
+    for (std::size_t n = 0; n < 40; ++n) {
+      const Zpp16s* past = residual.data() + 154 + n - selected;
+      // Where the current sample and all that the interpolation looks at are of one sign, nothing changes it.
+      if (!std::all_of(past - 8, past + 9, [&](Zpp16s x) { return x == residual[154 + n]; })) continue;
+      EXPECT_NEAR(dst[n], residual[154 + n], 60) << period << ", sample " << n;
+    }
+    ASSERT_EQ(zppsLongTermPostFilter_G729B_16s(integer, speech.data() + 10, flat.data(), residual.data(), dstAnnexB.data(),
+                                               &voicing, 1),
+              zppStsOk);
+    EXPECT_EQ(dstAnnexB, dst) << period;
+  }
+}
+
 TEST(ShortTermPostfilter, TellsOfClampedOutputs) {
   constexpr std::array<Zpp16s, 11> pole = {4096, -4096};  // an integrator
   Subframe src, expected;
