@@ -182,6 +182,21 @@ TEST(TiltCompensation, OfAnnexASurvivesResponsesOfAnyEnergy) {
   EXPECT_EQ(signal, expected);
 }
 
+// 1/80 of the quotient of the sums of magnitudes, Q14: 143.503 and 102.497. Were a sample of -32768 counted as 32767, they
+// would be 143.499 and 102.500, and round the other way.
+TEST(GainControl, CountsTheLargestMagnitudeInFull) {
+  const auto firstOutput = [](Subframe src, Subframe dst) {
+    Zpp16s gain = 0;
+    EXPECT_EQ(zppsGainControl_G729_16s_I(src.data(), dst.data(), &gain), zppStsOk);
+    return dst[0];
+  };
+  Subframe src = {}, dst;
+  std::fill_n(src.begin(), 28, Zpp16s{-32768});
+  dst.fill(32767);
+  EXPECT_EQ(firstOutput(src, dst), 2 * 144);
+  EXPECT_EQ(firstOutput({32767}, {-32768, -32768}), -2 * 102);
+}
+
 // The running gain settles where the output has the level of the source: unity, and half for an output twice as loud.
 TEST(GainControl, ConvergesToTheLevelBeforeThePostfilter) {
   const auto src = noise<Subframe>(6000, 4);
