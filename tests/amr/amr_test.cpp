@@ -80,6 +80,24 @@ TEST(FixedCodebook, DecodesWhatTheSearchWrites) {
     }
 }
 
+// At the two highest rates the pulses take the signs of target and residual, each over its norm. A loud residual counts as one
+// whose doubled energy is 2^31 - 1; where the target is the stronger, the signs are still its own.
+TEST(FixedCodebook, TakesTheSignsOfTheTargetBesideALoudResidual) {
+  std::array<Zpp16s, 40> impulse = {4096};
+  for (const ZppSpeechRate rate : {ZPP_RATE_10200, ZPP_RATE_12200})
+    for (const int level : {100, 5000, 6000, 8000, 12000}) {
+      std::array<Zpp16s, 40> target = {}, residual, code, filtered;
+      std::array<Zpp16s, 10> codeword;
+      residual.fill(static_cast<Zpp16s>(level));
+      const std::size_t tracks = rate == ZPP_RATE_10200 ? 4 : 5;
+      std::fill_n(target.begin(), tracks, Zpp16s{-1000});
+      ASSERT_EQ(zppsAlgebraicCodebookSearch_GSMAMR_16s(40, 0, target.data(), residual.data(), impulse.data(), code.data(),
+                                                       filtered.data(), codeword.data(), 0, rate),
+                zppStsOk);
+      for (std::size_t n = 0; n < tracks; ++n) EXPECT_LT(code[n], 0) << rate << ", residual " << level << ", sample " << n;
+    }
+}
+
 // Every lag that the searches can find has an index of its own that decodes to it.
 TEST(LagCoding, RoundTrip) {
   const auto isLast = [](int resolution, int fraction) { return fraction == (resolution == 3 ? 1 : 3); };

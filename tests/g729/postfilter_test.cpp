@@ -7,6 +7,7 @@
 #include <cstring>
 #include <random>
 
+#include "core/fixed_point.h"
 #include "support/golden.h"
 #include "support/guarded.h"
 #include "zppsc.h"
@@ -135,6 +136,56 @@ TEST(LongTermPostfilter, SaturatesTheInterpolatedSignal) {
               zppStsOk);
     EXPECT_EQ(dstAnnexB, dst) << period;
   }
+}
+
+// Annex A clause A.4.2.1 on saturating sums
+Subframe harmonicallyFiltered(int delay, const Zpp16s* residual) {
+  using namespace zpp;
+  const auto dot = [residual](int lag1, int lag2, Zpp32s sum) {
+    for (int n = 0; n < 40; ++n) sum = macDbl(sum, shr16(residual[n - lag1], 2), shr16(residual[n - lag2], 2));
+    return sum;
+  };
+  const int shortest = std::min(delay - 3, 137);
+  int lag = shortest;
+  for (int l = shortest; l < shortest + 7; ++l) lag = dot(0, l, 0) > dot(0, lag, 0) ? l : lag;
+  const Zpp32s correlation = std::max(dot(0, lag, 0), 0), past = dot(lag, lag, 1), current = dot(0, 0, 1);
+  const int norm = norm32(std::max({correlation, past, current}));
+  const auto upper = [norm](Zpp32s x) { return roundHigh16(shlSat32(x, norm)); };
+  const Zpp16s c = upper(correlation), p = upper(past), e = upper(current);
+  Zpp16s gain = 32767, pastGain = 0;
+  if (subSat32(mulDbl(c, c), mulDbl(p, e) >> 1) >= 0) {
+    const auto half = static_cast<Zpp16s>(mulQ15(c, 16384) >> 1), whole = static_cast<Zpp16s>((p >> 1) + half);
+    if (c > p) {
+      gain = 21845, pastGain = 10923;
+    } else if (whole > 0) {
+      pastGain = divQ15(half, whole);
+      gain = static_cast<Zpp16s>(32767 - pastGain);
+    }
+  }
+  Subframe dst;
+  for (int n = 0; n < 40; ++n) {
+    const Zpp16s x = residual[n];
+    dst[static_cast<std::size_t>(n)] = pastGain == 0 ? x : addSat16(mulQ15(gain, x), mulQ15(pastGain, residual[n - lag]));
+  }
+  return dst;
+}
+
+TEST(HarmonicPostfilter, SaturatesAtFullScale) {
+  std::mt19937 random(5);
+  for (const int peak : {300, 16000, 16384, 16388, 16400, 18000, 20724, 20732, 26000, 32000, 32767})
+    for (int trial = 0; trial < 300; ++trial) {
+      // Full-scale samples of a sign that holds for a while; current ones like those a delay ago, but for some
+      const int delay = static_cast<int>(random() % 125) + 18;
+      std::array<Zpp16s, 194> residual;
+      Zpp16s value = static_cast<Zpp16s>(peak);
+      for (std::size_t n = 0; n < residual.size(); ++n) {
+        if (random() % 4 == 0) value = static_cast<Zpp16s>(random() % 2 == 0 ? -peak - (trial % 2) : peak);
+        residual[n] = n < 154 || random() % 8 == 0 ? value : residual[n - static_cast<std::size_t>(delay)];
+      }
+      Subframe dst;
+      ASSERT_EQ(_zppsHarmonicPostFilter_G729A_16s(static_cast<Zpp16s>(delay), residual.data() + 154, dst.data()), zppStsOk);
+      ASSERT_EQ(dst, harmonicallyFiltered(delay, residual.data() + 154)) << peak << ' ' << trial;
+    }
 }
 
 TEST(ShortTermPostfilter, TellsOfClampedOutputs) {
