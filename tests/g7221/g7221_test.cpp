@@ -6,9 +6,9 @@
 #include <cmath>
 #include <random>
 
+#include "codecs/g7221/tables.h"
 #include "g7221/quantisation.h"
 #include "g7221/tables.h"
-#include "g7221_tables.h"
 #include "zppsc.h"
 
 namespace {
