@@ -64,7 +64,7 @@ class GainAdapter {
   alignas(4) Zpp8u window_[188];
   Zpp16s predictor_[kShortOrder] = {-16384};
   Zpp16s past_[kShortOrder] = {0, 0, 0, 0, 0, 0, 0, -16384, -16384, -16384};  // oldest first
-  Zpp16s current_ = 0;                                                       // as predicted or extrapolated
+  Zpp16s current_ = 0;                                                        // as predicted or extrapolated
 };
 
 }  // namespace codecs::g728

@@ -74,8 +74,8 @@ void Decoder::output(int vector, const Zpp16s* speech, Zpp16s* pcm) {
     require(zppsConvertBlock_G728_16s_Sfs(speech, pcm, 3));
 }
 
-// In an erasure the filter is not what the analysis of extrapolated speech makes of it, but damped from cycle to cycle; the gain
-// predictor stays.
+// In an erasure the filter is not what the analysis of extrapolated speech makes of it, but damped from cycle to cycle; the
+// gain predictor stays.
 void Decoder::adapt(int vector, const Zpp16s* speech) {
   switch (vector) {
     case 0:

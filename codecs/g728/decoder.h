@@ -14,11 +14,11 @@ class Erasure {
   void beginCycle(bool lost);
 
   bool lost() const { return lost_; }
-  int cycles() const { return cycles_; }                   // that have been lost in a row, this one included
+  int cycles() const { return cycles_; }  // that have been lost in a row, this one included
   bool isFirst() const { return cycles_ == 1; }
-  bool beginsPeriod() const { return cycles_ % 4 == 1; }   // of 10 ms
+  bool beginsPeriod() const { return cycles_ % 4 == 1; }  // of 10 ms
   int period() const { return cycles_ / 4; }
-  bool limitsGain() const { return hold_ > 0; }            // in good cycles
+  bool limitsGain() const { return hold_ > 0; }  // in good cycles
 
  private:
   bool lost_ = false;

@@ -8,7 +8,7 @@ namespace codecs::g728 {
 inline constexpr int kVector = 5, kVectors = 4, kCycle = kVector * kVectors;  // samples, vectors a cycle, samples a cycle
 inline constexpr int kBlock = kVector + 1;                                    // words of a vector with its exponent
 inline constexpr int kPayload = 5;                                            // octets: four indices of 10 bits
-inline constexpr int kOrder = 50, kShortOrder = 10;                           // of the synthesis filter and of all other predictors
+inline constexpr int kOrder = 50, kShortOrder = 10;  // of the synthesis filter and of all other predictors
 
 // The indices of a cycle as RFC 3551 packs them: most significant bits first, without gaps
 inline void pack(const Zpp32s (&index)[kVectors], Zpp8u* payload) {

@@ -27,7 +27,7 @@ class Postfilter {
 
   alignas(4) Zpp8u adapter_[176];
   alignas(4) Zpp8u filter_[64];
-  Zpp16s inverse_[kShortOrder] = {};                      // LPC inverse filter, Q13
+  Zpp16s inverse_[kShortOrder] = {};  // LPC inverse filter, Q13
   Zpp16s zeros_[kShortOrder] = {}, poles_[kShortOrder] = {};
   Zpp16s tilt_ = 0;
   Zpp16s longTerm_[2] = {16384, 0};

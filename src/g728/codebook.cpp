@@ -1,5 +1,5 @@
-// Excitation codebook: search preparation, search, and the gain-scaled code vector (ITU-T G.728 clause 3.9, blocks 12 to 19, 21,
-// 24, 29 and 31, Annex G).
+// Excitation codebook: search preparation, search, and the gain-scaled code vector (ITU-T G.728 clause 3.9, blocks 12 to 19,
+// 21, 24, 29 and 31, Annex G).
 #include "core/checks.h"
 #include "g728/arithmetic.h"
 #include "g728/kernels.h"

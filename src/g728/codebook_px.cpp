@@ -29,8 +29,7 @@ int ownCodebookSearch_G728_16s_PX(const Zpp16s* target, const Zpp16s* energy) {
     if (negative) correlation = -correlation;
     int gain = 0;
     while (gain < 3 && correlation > gainBoundary[gain] * energy[j]) ++gain;
-    const Zpp32s distortion =
-        gainSquare[gain] * energy[j] - gainDouble[gain] * std::min<Zpp32s>(correlation >> 14, kMax16);
+    const Zpp32s distortion = gainSquare[gain] * energy[j] - gainDouble[gain] * std::min<Zpp32s>(correlation >> 14, kMax16);
     if (distortion < smallest) {
       smallest = distortion;
       best = 8 * j + gain + (negative ? 4 : 0);

@@ -14,11 +14,11 @@ constexpr int kPast = kMaxPitch, kRandomWords = 17, kMaxDelay = kPast - kVector;
 constexpr int kLevelWindow = 40;
 
 struct State {
-  Zpp16s past[kPast];                   // excitation, Q2, oldest first
+  Zpp16s past[kPast];  // excitation, Q2, oldest first
   Zpp16s voiced, delay;
-  Zpp16s factor, factorQ;               // of the erasure's 10 ms
-  Zpp16s magnitude, magnitudeQ;         // average magnitude of the excitation before an unvoiced erasure
-  Zpp16s random1, random2;              // places of the random generator
+  Zpp16s factor, factorQ;        // of the erasure's 10 ms
+  Zpp16s magnitude, magnitudeQ;  // average magnitude of the excitation before an unvoiced erasure
+  Zpp16s random1, random2;       // places of the random generator
   Zpp32u random[kRandomWords];
 
   static State load(const void* block) {

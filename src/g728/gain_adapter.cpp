@@ -8,9 +8,9 @@ using namespace zpp::g728;
 
 namespace {
 
-constexpr int kOffset = 16384;                    // 32 dB, by which the logarithms are below the levels, Q9
+constexpr int kOffset = 16384;                     // 32 dB, by which the logarithms are below the levels, Q9
 constexpr int kLowest = -16384, kHighest = 14336;  // 0 and 60 dB
-constexpr int kGrowth = 1024;                     // 2 dB
+constexpr int kGrowth = 1024;                      // 2 dB
 
 // 10^(level / 20), level in dB, Q9
 void toLinear(int level, Zpp16s* gain) {

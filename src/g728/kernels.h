@@ -5,8 +5,8 @@
 
 // ownZeroInputSums_G728_16s: what the memory of the synthesis filter of order 50 contributes to its next five outputs.
 //   coef: 50, Q14. memory: 50 mantissas of 14 bits, oldest first: ten vectors, the k-th to be shifted right by shift[k] bits.
-//   sums[n] = the sum over the vectors of (minus the sum of coef times mantissas) >> shift. A shift of the oldest vector by 30 or
-//   more drops it.
+//   sums[n] = the sum over the vectors of (minus the sum of coef times mantissas) >> shift. A shift of the oldest vector by 30
+//   or more drops it.
 // ownLevinsonDurbin_G728_16s: continues the recursion from startOrder to order; r: order + 1. a: startOrder coefficients in, as
 //   many as stages are complete out, at 15 - *shift bits behind the point; all order words are scratch. Returns the order
 //   reached; *residual and *shift are those of that order. startOrder is 1 or more.
@@ -14,12 +14,11 @@
 // ownWindow_G728_16s: dst[n] = the upper half of src[n] * window[n] * 2^shift, rounded; shift -1..14 brings src to 15 bits.
 // ownWindowBlock_G728_16s: the same for vectors of five, each shifted left by its shift, -63..1; len a multiple of 5.
 // ownAdvanceSums_G728_16s: the recursive sums of a hybrid window, lags 0..order: see hybrid_window.cpp.
-#define ZPP_G728_KERNELS(KERNEL)                                                                                          \
-  KERNEL(ownZeroInputSums_G728_16s, W7,                                                                                   \
-         void(const Zpp16s* coef, const Zpp16s* memory, const Zpp16s* shift, Zpp64s* sums))                               \
-  KERNEL(ownLevinsonDurbin_G728_16s, W7,                                                                                  \
-         int(const Zpp16s* r, int startOrder, int order, Zpp16s* a, Zpp16s* residual, int* shift))                        \
-  KERNEL(ownShapeEnergy_G728_16s, W7, void(const Zpp16s* response, Zpp16s* energy))                                       \
+#define ZPP_G728_KERNELS(KERNEL)                                                                                           \
+  KERNEL(ownZeroInputSums_G728_16s, W7, void(const Zpp16s* coef, const Zpp16s* memory, const Zpp16s* shift, Zpp64s* sums)) \
+  KERNEL(ownLevinsonDurbin_G728_16s, W7,                                                                                   \
+         int(const Zpp16s* r, int startOrder, int order, Zpp16s* a, Zpp16s* residual, int* shift))                         \
+  KERNEL(ownShapeEnergy_G728_16s, W7, void(const Zpp16s* response, Zpp16s* energy))                                        \
   KERNEL(ownCodebookSearch_G728_16s, W7, int(const Zpp16s* target, const Zpp16s* energy))
 ZPP_G728_KERNELS(ZPP_DECLARE_KERNEL)
 

@@ -12,8 +12,8 @@ constexpr Zpp32u quotientQ16(Zpp32u num, Zpp32u den) { return num >= den ? 65535
 
 // Reflection coefficient of a stage
 struct Reflection {
-  Zpp32u magnitude;     // Q16, 0..65535
-  bool negative;        // its sign, that of the new coefficient
+  Zpp32u magnitude;         // Q16, 0..65535
+  bool negative;            // its sign, that of the new coefficient
   Zpp16s rounded() const {  // Q15
     const auto k = static_cast<Zpp16s>(std::min((magnitude + 1) >> 1, 32767u));
     return static_cast<Zpp16s>(negative ? -k : k);
@@ -39,9 +39,9 @@ inline bool reflect(Zpp16s x, Zpp16s* error, Reflection* reflection) {
   return true;
 }
 
-// a[0..count-1] of the order before becomes that of the order after, pair by pair, outermost first: a[f] + k a[g]. When a result
-// does not fit, all coefficients lose a bit, those done already included, and *shift counts it. False when that would be the
-// third: breakdown, with a of no use.
+// a[0..count-1] of the order before becomes that of the order after, pair by pair, outermost first: a[f] + k a[g]. When a
+// result does not fit, all coefficients lose a bit, those done already included, and *shift counts it. False when that would be
+// the third: breakdown, with a of no use.
 inline bool updatePairs(Zpp16s* a, int count, Zpp16s k, int* shift) {
   const auto sum = [k](Zpp16s c, Zpp16s other) { return c * Zpp64s{65536} + Zpp64s{2} * k * other; };
   const auto fits = [](Zpp64s x) { return x == sat32(x); };

@@ -8,8 +8,8 @@ using namespace zpp::g728;
 
 namespace {
 
-constexpr Zpp16s kUnity = 16384;                // of gains, Q14
-constexpr int kOld = 16220, kNew = 20972;       // 0.99, Q14, and 0.01, Q21: smoothing of the gain
+constexpr Zpp16s kUnity = 16384;           // of gains, Q14
+constexpr int kOld = 16220, kNew = 20972;  // 0.99, Q14, and 0.01, Q21: smoothing of the gain
 
 // Short-term filter with its tilt compensation, oldest first, and the smoothed gain
 struct State {
@@ -28,8 +28,7 @@ Zpp32s sumOfMagnitudes(const Zpp16s* x) {
 // The part of the new gain in a step of the smoothing: 0.01 times the ratio of magnitudes, Q28
 Zpp32s gainStep(Zpp32s before, Zpp32s after) {
   Floating ratio{kUnity, 14};
-  if (after > 4)
-    ratio = quotient(normalisedHigh(before), normShift(before, 32), normalisedHigh(after), normShift(after, 32));
+  if (after > 4) ratio = quotient(normalisedHigh(before), normShift(before, 32), normalisedHigh(after), normShift(after, 32));
   const int q = ratio.q - 7;
   return q > 30 ? 0 : sat32(shifted(Zpp64s{kNew} * ratio.mantissa, -q));
 }

@@ -11,21 +11,21 @@ using namespace zpp::g728;
 
 namespace {
 
-constexpr int kCycle = 20, kWindow = 100;            // samples of an adaptation cycle and of a correlation
+constexpr int kCycle = 20, kWindow = 100;  // samples of an adaptation cycle and of a correlation
 constexpr int kDecimation = 4;
 constexpr int kNewDecimated = kCycle / kDecimation;  // a cycle at 2 kHz
 constexpr int kDecimatedWindow = kWindow / kDecimation, kMinDecimatedLag = 5, kMaxDecimatedLag = 35;
 constexpr int kDecimated = kDecimatedWindow + kMaxDecimatedLag;
 constexpr int kFirstPeriod = 50;
-constexpr int kVoicedTap = 9830;                     // 0.6, Q14: the long-term postfilter is off below
-constexpr int kPostFilterFactor = 9830;              // 0.15, Q16
-constexpr int kFundamentalShare = 26214;             // 0.4, Q16: what of the best lag's tap the fundamental must have
+constexpr int kVoicedTap = 9830;          // 0.6, Q14: the long-term postfilter is off below
+constexpr int kPostFilterFactor = 9830;   // 0.15, Q16
+constexpr int kFundamentalShare = 26214;  // 0.4, Q16: what of the best lag's tap the fundamental must have
 
 struct State {
-  Zpp16s input[10];               // of the LPC inverse filter, oldest first
-  Zpp16s lowpassed[3];            // outputs of the lowpass, Q1, oldest first
-  Zpp16s period;                  // of the cycle before
-  Zpp16s decimated[kDecimated];   // the newest lowpassed samples at 2 kHz, oldest first
+  Zpp16s input[10];              // of the LPC inverse filter, oldest first
+  Zpp16s lowpassed[3];           // outputs of the lowpass, Q1, oldest first
+  Zpp16s period;                 // of the cycle before
+  Zpp16s decimated[kDecimated];  // the newest lowpassed samples at 2 kHz, oldest first
 
   static State load(const void* block) {
     State s;
@@ -91,8 +91,8 @@ int pitchPeriod(const Zpp16s* residual, const State& s) {
 Zpp16s pitchTap(Zpp32s correlation, Zpp32s energy) {
   if (energy <= 0 || correlation <= 0) return 0;
   if (correlation >= energy) return 16384;
-  const Floating tap = quotient(normalisedHigh(correlation), normShift(correlation, 32), normalisedHigh(energy),
-                                normShift(energy, 32));
+  const Floating tap =
+      quotient(normalisedHigh(correlation), normShift(correlation, 32), normalisedHigh(energy), normShift(energy, 32));
   return static_cast<Zpp16s>(shr32(tap.mantissa, tap.q - 14));
 }
 

@@ -53,8 +53,8 @@ Block ownSpeechVector_G728_16s(const Block& zeroInput, const Zpp16s* response, i
   const int limit = sum.q < 0 ? 4095 >> std::min(-sum.q, 15) : 4095 << std::min(sum.q, 4);
   const int highest = std::min(limit, kMax16), lowest = std::max(-limit, kMin16);
   for (int n = 0; n < kVector; ++n)
-    sum.mantissa[n] = static_cast<Zpp16s>(
-        std::clamp((zeroInput.mantissa[n] >> shift1) + (response[n] >> shift2), lowest, highest));
+    sum.mantissa[n] =
+        static_cast<Zpp16s>(std::clamp((zeroInput.mantissa[n] >> shift1) + (response[n] >> shift2), lowest, highest));
   sum.normalise(14);
   return sum;
 }

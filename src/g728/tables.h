@@ -9,6 +9,11 @@ inline constexpr int kShapes = 128, kCodes = 1024, kVector = 5;  // a code is sh
 
 // Shape codebook, Q11, oldest sample first (Y, Annex B)
 extern const Zpp16s shapeCodebook[kShapes][kVector];
+// The same in groups of four vectors, for kernels that take one sample pair of each at a time; the last pair is sample 4 and 0.
+struct ShapeGroups {
+  alignas(16) Zpp16s pairs[kShapes / 4][3][4][2];
+};
+extern const ShapeGroups shapeGroups;
 // Gain codebook, Q13; entries 4..7 are the negative ones (GQ, Annex B)
 extern const Zpp16s gainCodebook[8];
 // Left shift that keeps the product of a gain and a normalised mantissa accurate (Annex G)
