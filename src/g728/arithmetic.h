@@ -30,11 +30,14 @@ constexpr int normShift(Zpp64s x, int bits) {
 // The upper half of x brought to 32 bits, rounded
 constexpr Zpp16s normalisedHigh(Zpp64s x) { return rounded(shifted(x, normShift(x, 32))); }
 
-// The same for the largest element in magnitude, as the standard picks it (VSCALE)
+// The same for the larger of two values in magnitude, of 0 or less and of 0 or more, and for all elements of a vector (VSCALE)
+constexpr int normShift(int smallest, int largest, int bits) {
+  return normShift(smallest < -largest ? smallest : largest, bits);
+}
 constexpr int normShift(const Zpp16s* v, int len, int bits) {
   int smallest = 0, largest = 0;
   for (int n = 0; n < len; ++n) smallest = std::min<int>(smallest, v[n]), largest = std::max<int>(largest, v[n]);
-  return normShift(smallest < -largest ? smallest : largest, bits);
+  return normShift(smallest, largest, bits);
 }
 
 // A value mantissa * 2^-q

@@ -2,7 +2,10 @@
 //
 // The newest part of the window, nonRecursive samples long, is summed anew each time; all before it decays exponentially and
 // is carried on by recursive sums, into which the samples go that leave the newest part.
+#include "g728/hybrid_window.h"
+
 #include "core/checks.h"
+#include "core/kernels.h"
 #include "g728/arithmetic.h"
 #include "g728/kernels.h"
 #include "lpc/kernels.h"
@@ -79,51 +82,76 @@ class State {
   Zpp8u* block_;
 };
 
-// Autocorrelations of windowed samples, oldest first: over those that enter the recursive sums, and over the newest ones
-struct Correlations {
-  Zpp64s recursive[kMaxOrder + 1], newest[kMaxOrder + 1];
+// Samples under the window, oldest first, with their common Q. Room behind them for whole vectors
+struct Windowed {
+  Zpp16s samples[kMaxLength + 8];
+  int q;
 };
 
+// The exact sum of products of `count` samples with those before them by each lag
 void correlate(const Zpp16s* windowed, int count, int order, Zpp64s* dst) {
   for (int lag = 0; lag <= order; ++lag) {
     dst[lag] = 0;
     for (int n = 0; n < count; ++n) dst[lag] += windowed[n] * windowed[n - lag];
   }
 }
+void correlate(const Zpp16s* windowed, int count, int order, Zpp32s* dst) {
+  ownAutoCorr_Inv_16s32s(windowed, count, dst, order + 1);
+}
 
-// One analysis of windowed samples of Q windowedQ. Returns whether the last lag is not zero before rounding.
-bool analyse(const Zpp16s* windowed, int windowedQ, State& s, Zpp16s* dst) {
-  const Geometry g = s.geometry();
-  Correlations c;
-  correlate(windowed + g.order, g.lenNew, g.order, c.recursive);
-  correlate(windowed + g.order + g.lenNew, g.lenNonRec, g.order, c.newest);
-
-  // Sums of both kinds meet at the smaller exponent, halved.
-  const int correlationQ = 2 * windowedQ;
-  int sumsQ = s.header.sumsQ;
-  const int sumsShift = 1 + std::max(sumsQ - correlationQ, 0), recursiveShift = 1 + std::max(correlationQ - sumsQ, 0);
-  const int factor = 65536 - (1 << (16 - s.header.decay));  // of the sums from call to call, Q16
-  const auto advanced = [&](int lag) {
-    return shifted(Zpp64s{s.sums[lag]} * factor, -sumsShift) + shifted(c.recursive[lag], -recursiveShift);
-  };
-  const int sumsNorm = normShift(advanced(0), 32);
-  sumsQ = std::min(sumsQ, correlationQ) + sumsNorm - 1;
-  const int oldShift = 1 + std::max(sumsQ - correlationQ, 0), newShift = 1 + std::max(correlationQ - sumsQ, 0);
-
-  int norm = 0;
+// All lags but the first. Returns the last autocorrelation before rounding.
+Zpp32s finishLags(const Zpp32s* leaving, const Zpp32s* newest, Zpp16s* sums, Zpp16s* dst, int order, const LagShifts& shifts) {
+  return ownFinishLags_G728_32s16s(leaving, newest, sums, dst, order, shifts);
+}
+Zpp32s finishLags(const Zpp64s* leaving, const Zpp64s* newest, Zpp16s* sums, Zpp16s* dst, int order, const LagShifts& s) {
   Zpp32s last = 0;
-  for (int lag = 0; lag <= g.order; ++lag) {
-    s.sums[lag] = rounded(shiftedSat32(advanced(lag), sumsNorm));
-    Zpp64s whole = shifted(Zpp64s{s.sums[lag]} * 65536, -oldShift) + shifted(c.newest[lag], -newShift);
-    if (lag == 0) {
-      whole += whole >> 8;  // white-noise correction
-      norm = normShift(whole, 32);
-    }
-    last = shiftedSat32(whole, norm);
+  for (int lag = 0; lag < order; ++lag) {
+    sums[lag] = rounded(shiftedSat32(advancedSum(sums[lag], leaving[lag], s), s.sums));
+    last = shiftedSat32(wholeSum(sums[lag], newest[lag], s), s.result);
     dst[lag] = rounded(last);
   }
+  return last;
+}
+
+// One analysis with sums of the given type. Returns whether the last lag is not zero before rounding.
+template <class Sum>
+bool analyse(const Windowed& w, State& s, Zpp16s* dst) {
+  const Geometry g = s.geometry();
+  Sum leaving[kMaxOrder + 1], newest[kMaxOrder + 1];
+  correlate(w.samples + g.order, g.lenNew, g.order, leaving);
+  correlate(w.samples + g.order + g.lenNew, g.lenNonRec, g.order, newest);
+
+  // Sums of both kinds meet at the smaller exponent, halved. The first lag normalises all.
+  const int q = 2 * w.q;
+  int sumsQ = s.header.sumsQ;
+  LagShifts shifts{s.header.decay, 1 + std::max(sumsQ - q, 0), 1 + std::max(q - sumsQ, 0), 0, 0, 0, 0};
+  const Zpp64s energy = advancedSum(s.sums[0], leaving[0], shifts);
+  shifts.sums = normShift(energy, 32);
+  s.sums[0] = rounded(shiftedSat32(energy, shifts.sums));
+  sumsQ = std::min(sumsQ, q) + shifts.sums - 1;
+  shifts.newSums = 1 + std::max(sumsQ - q, 0);
+  shifts.newest = 1 + std::max(q - sumsQ, 0);
+  Zpp64s whole = wholeSum(s.sums[0], newest[0], shifts);
+  whole += whole >> 8;  // white-noise correction
+  shifts.result = normShift(whole, 32);
+  dst[0] = rounded(shiftedSat32(whole, shifts.result));
   s.header.sumsQ = static_cast<Zpp16s>(sumsQ);
-  return last != 0;
+  return finishLags(leaving + 1, newest + 1, s.sums + 1, dst + 1, g.order, shifts) != 0;
+}
+
+bool analyse(const Windowed& w, State& s, Zpp16s* dst) {
+  const Geometry g = s.geometry();
+  // No sum of products exceeds the largest magnitude times the sum of magnitudes. In the codec's geometries it always fits.
+  const auto sumOfMagnitudes = [&](int from, int count) {
+    Zpp64s sum = 0;
+    for (int n = from; n < from + count; ++n) sum += w.samples[n] < 0 ? -w.samples[n] : w.samples[n];
+    return sum;
+  };
+  const Zpp64s largest = ownMaxAbs_16s(w.samples, g.length());
+  const bool fits =
+      largest < kMax16 &&
+      largest * std::max(sumOfMagnitudes(g.order, g.lenNew), sumOfMagnitudes(g.order + g.lenNew, g.lenNonRec)) <= kMax32;
+  return fits ? analyse<Zpp32s>(w, s, dst) : analyse<Zpp64s>(w, s, dst);
 }
 
 }  // namespace
@@ -159,10 +187,10 @@ ZppStatus zppsWinHybrid_G728_16s(const Zpp16s* src, Zpp16s* dst, Zpp32s* valid, 
   const int n = g.length();
   std::copy(s.history + g.lenNew, s.history + n, s.history);
   std::copy_n(src, g.lenNew, s.history + n - g.lenNew);
-  const int q = normShift(s.history, n, 15);
-  Zpp16s windowed[kMaxLength];
-  for (int k = 0; k < n; ++k) windowed[k] = rounded(shifted(s.history[k] * s.window[k], q));
-  *valid = analyse(windowed, q, s, dst);
+  Windowed windowed;
+  windowed.q = normShift(std::min<int>(ownMin_16s(s.history, n), 0), std::max<int>(ownMax_16s(s.history, n), 0), 15);
+  ownWindow_G728_16s(s.history, s.window, windowed.samples, n, windowed.q);
+  *valid = analyse(windowed, s, dst);
   s.header.sumsQ = std::min<Zpp16s>(s.header.sumsQ, 41);
   s.save();
   return zppStsOk;
@@ -183,11 +211,12 @@ ZppStatus zppsWinHybridBlock_G728_16s(const Zpp16s* src, Zpp16s* dst, Zpp32s* va
     std::copy_n(block.mantissa, kVector, s.history + kVector * at);
     s.historyQ[at] = static_cast<Zpp16s>(block.q);
   }
-  const int q = *std::min_element(s.historyQ, s.historyQ + vectors);
-  Zpp16s windowed[kMaxLength];
-  for (int k = 0; k < g.length(); ++k)
-    windowed[k] = rounded(shifted(Zpp64s{s.history[k]} * s.window[k], 1 + q - s.historyQ[k / kVector]));
-  *valid = analyse(windowed, q, s, dst);
+  Windowed windowed;
+  windowed.q = *std::min_element(s.historyQ, s.historyQ + vectors);
+  Zpp16s shift[kMaxLength / kVector];
+  for (int v = 0; v < vectors; ++v) shift[v] = static_cast<Zpp16s>(1 + windowed.q - s.historyQ[v]);
+  ownWindowBlock_G728_16s(s.history, s.window, shift, windowed.samples, vectors);
+  *valid = analyse(windowed, s, dst);
   s.save();
   return zppStsOk;
 }

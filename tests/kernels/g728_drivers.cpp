@@ -1,8 +1,9 @@
-#include "g728/kernels.h"
+#include "g728/hybrid_window.h"
 
 #include <algorithm>
 #include <cmath>
 
+#include "g728/kernels.h"
 #include "kernels/rig.h"
 
 namespace test {
@@ -49,6 +50,29 @@ DRIVE(ownCodebookSearch_G728_16s, upTo(16, {13})) {
   const bool any = !rig.keep && rig.scalar(0, 3) == 0;
   const auto* target = rig.in<Zpp16s>(5, static_cast<Zpp16s>(-limit - 1), limit);
   rig.run(target, rig.in<Zpp16s>(128, any ? Zpp16s{-32768} : Zpp16s{0}, any ? Zpp16s{32767} : limit));
+}
+
+// Samples of 15 bits behind the shift
+DRIVE(ownWindow_G728_16s, upTo(120, {34, 60})) {
+  const int shift = rig.scalar(-1, 14), limit = 16384 >> std::max(shift, 0) << (shift < 0);
+  const auto* src = rig.in<Zpp16s>(n, static_cast<Zpp16s>(-limit), static_cast<Zpp16s>(limit - 1));
+  rig.run(src, rig.in<Zpp16s>(n), rig.out<Zpp16s>(n), n, shift);
+}
+// The size is the number of vectors.
+DRIVE(ownWindowBlock_G728_16s, upTo(51, {21})) {
+  const auto* src = rig.in<Zpp16s>(5 * n);
+  const auto* window = rig.in<Zpp16s>(5 * n);
+  const Zpp16s lowest = rig.keep ? -3 : static_cast<Zpp16s>(rig.scalar(-40, 1));
+  rig.run(src, window, rig.in<Zpp16s>(n, lowest, 1), rig.out<Zpp16s>(5 * n), n);
+}
+// The size is the order.
+DRIVE(ownFinishLags_G728_32s16s, upTo(50, {10, 50})) {
+  static zpp::g728::LagShifts shifts;
+  const auto small = [&](int lowest, int highest) { return rig.scalar(lowest, rig.scalar(0, 7) == 0 ? highest : 8); };
+  shifts = {rig.scalar(1, 15), small(1, 40), small(1, 40), small(0, 31), small(1, 40), small(1, 40), small(-1, 31)};
+  const auto* leaving = rig.in<Zpp32s>(n);
+  const auto* newest = rig.in<Zpp32s>(n);
+  rig.run(leaving, newest, rig.inOut<Zpp16s>(n), rig.out<Zpp16s>(n), n, std::cref(shifts));
 }
 
 }  // namespace test
