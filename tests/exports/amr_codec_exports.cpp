@@ -76,8 +76,7 @@ std::vector<Export> amrCodecExports() {
       row(FUNCTION(zppsExcitationControl_GSMAMR_16s_I), inOut("excitation", 40), inOut("energyHist", 9), condition, rate(0)),
       row(FUNCTION(zppsPitchEmphasis_GSMAMR_16s), vector, in("excitation", 40), value("sharpening", 20000),
           value("pitchGain", 9000), out("dst", 40), rate(12)),
-      row(FUNCTION(zppsSynthesisFilter_GSMAMR_16s), in("a", 11), in("src", 40), out("dst", 40), length("src"), in("hist", 10))
-          .returning(zppStsOverflowWarn),
+      row(FUNCTION(zppsSynthesisFilter_GSMAMR_16s), in("a", 11), in("src", 40), out("dst", 40), length("src"), in("hist", 10)),
       row(FUNCTION(zppsBackgroundNoise_GSMAMR_16s), speech, in("pitchGainHist", 9), inOut("energyHist", 60),
           inOut("noiseCount", 1), inOut("voicedHangover", 1), result("backgroundNoise")),
       row(FUNCTION(zppsPostFilter_GSMAMR_16s_I), in("a", 44), inOut("speech", 160), inOut("mem", 22), rate(12)),
