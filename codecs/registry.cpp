@@ -3,6 +3,7 @@
 
 #include "codecs/g711/g711.h"
 #include "codecs/g7221/g7221.h"
+#include "codecs/g723/g723.h"
 #include "codecs/g726/g726.h"
 #include "codecs/g729/g729.h"
 
@@ -14,6 +15,7 @@ constexpr unsigned kDtx = ZPPC_FEATURE_DTX, kConcealment = ZPPC_FEATURE_CONCEALM
 constexpr int k64000[] = {64000};
 constexpr int kG726[] = {16000, 24000, 32000, 40000};
 constexpr int kG7221[] = {24000, 32000};
+constexpr int kG723[] = {5300, 6300};
 constexpr int k8000[] = {8000};
 
 template <std::size_t count>
@@ -42,6 +44,8 @@ constexpr CodecRow kRows[] = {
         about("g726", "ITU-T G.726", "G726-32", 8000, 0, kG726, 32000, 0), 1),
     codecRow<g7221::Encoder, g7221::Decoder, 320, 80>(
         about("g722.1", "ITU-T G.722.1", "G7221", 16000, 320, kG7221, 24000, kConcealment)),
+    codecRow<g723::Encoder, g723::Decoder, g723::kFrame, g723::kMaxPayload>(
+        about("g723.1", "ITU-T G.723.1", "G723", 8000, 60, kG723, 6300, kDtx | kConcealment), 1),
     codecRow<g729::Encoder<g729::MainBodyEncoder>, g729::Decoder<g729::MainBodyPostfilter>, 80, 10>(
         about("g729", "ITU-T G.729", "G729", 8000, 40, k8000, 8000, kDtx | kConcealment)),
     codecRow<g729::Encoder<g729::AnnexAEncoder>, g729::Decoder<g729::AnnexAPostfilter>, 80, 10>(

@@ -1,5 +1,6 @@
 // The names under which the program offers the codecs, and how their payloads may lie in files.
 #include "codecs/framing/framing.h"
+#include "codecs/framing/kinds.h"
 #include "codecs/framing/octets.h"
 #include "codecs/framing/words.h"
 
@@ -18,6 +19,25 @@ Entry entry(std::string_view name, const char* codec, int bitRate, std::vector<i
           .decoderSwitch = {}};
 }
 
+Entry switchable(Entry entry, std::string_view encoderSwitch, std::string_view decoderSwitch) {
+  entry.encoderSwitch = encoderSwitch;
+  entry.decoderSwitch = decoderSwitch;
+  return entry;
+}
+
+Entry ofEveryRate(Entry entry) {
+  entry.everyRate = true;
+  return entry;
+}
+
+// A name for a rate of G.723.1, 0 for both
+Entry g723(std::string_view name, int bitRate) {
+  static const std::vector<Choice> framings = {{"frames", kindsAndOctets}, {"rfc3551", kindsAndOctetsOfSpeech}};
+  Entry named = entry(name, "g723.1", bitRate, {24, 20, 4}, framings);
+  if (bitRate == 0) named = ofEveryRate(named);
+  return switchable(named, "no-highpass", "no-postfilter");
+}
+
 }  // namespace
 
 const std::vector<Entry>& catalogue() {
@@ -27,12 +47,21 @@ const std::vector<Entry>& catalogue() {
   static const std::vector<Choice> celp = {{"rfc3551", octetsOrLength}, {"itu", serialBitsOrNone}};
   // name, row of the table, bit rate, octets of a payload, framings
   static const std::vector<Entry> entries = {
-      entry("g711-mulaw", "g711-mulaw", 64000, {}, octets), entry("g711-alaw", "g711-alaw", 64000, {}, octets),
-      entry("g726-16", "g726", 16000, {}, adpcm),           entry("g726-24", "g726", 24000, {}, adpcm),
-      entry("g726-32", "g726", 32000, {}, adpcm),           entry("g726-40", "g726", 40000, {}, adpcm),
-      entry("g722.1-24", "g722.1", 24000, {60}, transform), entry("g722.1-32", "g722.1", 32000, {80}, transform),
-      entry("g729", "g729", 8000, {10, 2}, celp),           entry("g729a", "g729a", 8000, {10, 2}, celp),
-      entry("g729b", "g729", 8000, {10, 2}, celp, true),    entry("g729ab", "g729a", 8000, {10, 2}, celp, true),
+      entry("g711-mulaw", "g711-mulaw", 64000, {}, octets),
+      entry("g711-alaw", "g711-alaw", 64000, {}, octets),
+      entry("g726-16", "g726", 16000, {}, adpcm),
+      entry("g726-24", "g726", 24000, {}, adpcm),
+      entry("g726-32", "g726", 32000, {}, adpcm),
+      entry("g726-40", "g726", 40000, {}, adpcm),
+      entry("g722.1-24", "g722.1", 24000, {60}, transform),
+      entry("g722.1-32", "g722.1", 32000, {80}, transform),
+      g723("g723.1-5.3", 5300),
+      g723("g723.1-6.3", 6300),
+      g723("g723.1", 0),
+      entry("g729", "g729", 8000, {10, 2}, celp),
+      entry("g729a", "g729a", 8000, {10, 2}, celp),
+      entry("g729b", "g729", 8000, {10, 2}, celp, true),
+      entry("g729ab", "g729a", 8000, {10, 2}, celp, true),
   };
   return entries;
 }

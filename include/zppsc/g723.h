@@ -76,8 +76,7 @@ ZPPAPI ZppStatus _zppsExcitationDelay_G723_16s(const Zpp16s* history, Zpp16s* wo
 /* dst[n] (60) = the sum of taps[k] * work[n + k], k = 0..4, taps Q14, rounded and saturated. work: 64. Returns zppStsOk. */
 ZPPAPI ZppStatus _zppsAdaptiveCodebookDecode_G723_16s(const Zpp16s* taps, const Zpp16s* work, Zpp16s* dst);
 
-/* ---- G.723.1: excitation, filters, Annex A
- * ------------------------------------------------------------------------------------
+/* ---- G.723.1: excitation, filters, Annex A ---------------------------------------------------------------------------------
  *
  * Memories belong to the caller; those of filters hold the newest sample first. A buffer that is only read must not overlap one
  * that is written. "Block-scaled" is zppsAutoScale_16s over the whole vector, then zppsRShiftC_16s_I by 3. Sums of products are
