@@ -5,6 +5,8 @@
 #include "codecs/g7221/g7221.h"
 #include "codecs/g723/g723.h"
 #include "codecs/g726/g726.h"
+#include "codecs/g728/decoder.h"
+#include "codecs/g728/encoder.h"
 #include "codecs/g729/g729.h"
 
 namespace codecs {
@@ -16,6 +18,7 @@ constexpr int k64000[] = {64000};
 constexpr int kG726[] = {16000, 24000, 32000, 40000};
 constexpr int kG7221[] = {24000, 32000};
 constexpr int kG723[] = {5300, 6300};
+constexpr int k16000[] = {16000};
 constexpr int k8000[] = {8000};
 
 template <std::size_t count>
@@ -46,6 +49,8 @@ constexpr CodecRow kRows[] = {
         about("g722.1", "ITU-T G.722.1", "G7221", 16000, 320, kG7221, 24000, kConcealment)),
     codecRow<g723::Encoder, g723::Decoder, g723::kFrame, g723::kMaxPayload>(
         about("g723.1", "ITU-T G.723.1", "G723", 8000, 60, kG723, 6300, kDtx | kConcealment), 1),
+    codecRow<g728::Encoder, g728::Decoder, g728::kCycle, g728::kPayload>(
+        about("g728", "ITU-T G.728", "G728", 8000, 0, k16000, 16000, kConcealment), 1),
     codecRow<g729::Encoder<g729::MainBodyEncoder>, g729::Decoder<g729::MainBodyPostfilter>, 80, 10>(
         about("g729", "ITU-T G.729", "G729", 8000, 40, k8000, 8000, kDtx | kConcealment)),
     codecRow<g729::Encoder<g729::AnnexAEncoder>, g729::Decoder<g729::AnnexAPostfilter>, 80, 10>(

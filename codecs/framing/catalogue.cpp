@@ -1,5 +1,6 @@
 // The names under which the program offers the codecs, and how their payloads may lie in files.
 #include "codecs/framing/framing.h"
+#include "codecs/framing/groups.h"
 #include "codecs/framing/kinds.h"
 #include "codecs/framing/octets.h"
 #include "codecs/framing/words.h"
@@ -19,23 +20,19 @@ Entry entry(std::string_view name, const char* codec, int bitRate, std::vector<i
           .decoderSwitch = {}};
 }
 
-Entry switchable(Entry entry, std::string_view encoderSwitch, std::string_view decoderSwitch) {
-  entry.encoderSwitch = encoderSwitch;
-  entry.decoderSwitch = decoderSwitch;
-  return entry;
-}
-
-Entry ofEveryRate(Entry entry) {
-  entry.everyRate = true;
-  return entry;
+// The same with an option of the program that switches a part of the decoder off
+Entry decodingWithout(std::string_view decoderSwitch, Entry whole) {
+  whole.decoderSwitch = decoderSwitch;
+  return whole;
 }
 
 // A name for a rate of G.723.1, 0 for both
 Entry g723(std::string_view name, int bitRate) {
   static const std::vector<Choice> framings = {{"frames", kindsAndOctets}, {"rfc3551", kindsAndOctetsOfSpeech}};
-  Entry named = entry(name, "g723.1", bitRate, {24, 20, 4}, framings);
-  if (bitRate == 0) named = ofEveryRate(named);
-  return switchable(named, "no-highpass", "no-postfilter");
+  Entry named = decodingWithout("no-postfilter", entry(name, "g723.1", bitRate, {24, 20, 4}, framings));
+  named.encoderSwitch = "no-highpass";
+  named.everyRate = bitRate == 0;
+  return named;
 }
 
 }  // namespace
@@ -45,6 +42,7 @@ const std::vector<Entry>& catalogue() {
   static const std::vector<Choice> adpcm = {{"rfc3551", bareOctets}, {"aal2", bareOctets, 1}, {"codes", codePerByte}};
   static const std::vector<Choice> transform = {{"packed", packedWords}, {"rfc5577", bareOctets}, {"itu", serialBits}};
   static const std::vector<Choice> celp = {{"rfc3551", octetsOrLength}, {"itu", serialBitsOrNone}};
+  static const std::vector<Choice> lowDelay = {{"rfc3551", bareOctets}, {"words", codePerWord}, {"itu", serialGroups}};
   // name, row of the table, bit rate, octets of a payload, framings
   static const std::vector<Entry> entries = {
       entry("g711-mulaw", "g711-mulaw", 64000, {}, octets),
@@ -58,6 +56,7 @@ const std::vector<Entry>& catalogue() {
       g723("g723.1-5.3", 5300),
       g723("g723.1-6.3", 6300),
       g723("g723.1", 0),
+      decodingWithout("no-postfilter", entry("g728", "g728", 16000, {5}, lowDelay)),
       entry("g729", "g729", 8000, {10, 2}, celp),
       entry("g729a", "g729a", 8000, {10, 2}, celp),
       entry("g729b", "g729", 8000, {10, 2}, celp, true),

@@ -146,7 +146,7 @@ int ownLongTermPostFilter_G729_16s(Zpp16s gainFactor, int delay, const Zpp16s* r
     else
       ownInterpolate_G729_16s(c - best.delay + 2, tab_hup_s[best.phase - 1], 4, interpolated);
     if (shift >= 0)
-      ownLShiftC_16s(interpolated, interpolated, kSubframe, shift);
+      ownLShiftCSat_16s(interpolated, interpolated, kSubframe, shift);
     else
       ownRShiftC_16s(interpolated, interpolated, kSubframe, -shift);
     delayed = interpolated;
