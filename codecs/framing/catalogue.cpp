@@ -1,7 +1,9 @@
 // The names under which the program offers the codecs, and how their payloads may lie in files.
 #include "codecs/framing/framing.h"
 #include "codecs/framing/octets.h"
+#include "codecs/framing/parameters.h"
 #include "codecs/framing/words.h"
+#include "codecs/gsmfr/frame.h"
 
 namespace codecs::framing {
 namespace {
@@ -18,6 +20,13 @@ Entry entry(std::string_view name, const char* codec, int bitRate, std::vector<i
           .decoderSwitch = {}};
 }
 
+constexpr ParameterLayout kFullRate = {gsmfr::kSignatureBits, gsmfr::kSignature, gsmfr::kParameterBits};
+
+template <class AFraming>
+std::unique_ptr<Framing> fullRate(const Entry&, const ZppcOptions& options) {
+  return std::make_unique<AFraming>(kFullRate, options.dtx != 0);
+}
+
 }  // namespace
 
 const std::vector<Entry>& catalogue() {
@@ -25,6 +34,8 @@ const std::vector<Entry>& catalogue() {
   static const std::vector<Choice> adpcm = {{"rfc3551", bareOctets}, {"aal2", bareOctets, 1}, {"codes", codePerByte}};
   static const std::vector<Choice> transform = {{"packed", packedWords}, {"rfc5577", bareOctets}, {"itu", serialBits}};
   static const std::vector<Choice> celp = {{"rfc3551", octetsOrLength}, {"itu", serialBitsOrNone}};
+  static const std::vector<Choice> rpe = {
+      {"rfc3551", fullRate<SignedOctets>}, {"wav49", fullRate<PairedParameters>}, {"words", fullRate<ParameterWords>}};
   // name, row of the table, bit rate, octets of a payload, framings
   static const std::vector<Entry> entries = {
       entry("g711-mulaw", "g711-mulaw", 64000, {}, octets), entry("g711-alaw", "g711-alaw", 64000, {}, octets),
@@ -33,6 +44,7 @@ const std::vector<Entry>& catalogue() {
       entry("g722.1-24", "g722.1", 24000, {60}, transform), entry("g722.1-32", "g722.1", 32000, {80}, transform),
       entry("g729", "g729", 8000, {10, 2}, celp),           entry("g729a", "g729a", 8000, {10, 2}, celp),
       entry("g729b", "g729", 8000, {10, 2}, celp, true),    entry("g729ab", "g729a", 8000, {10, 2}, celp, true),
+      entry("gsm-fr", "gsm-fr", 13000, {33}, rpe),
   };
   return entries;
 }

@@ -1,4 +1,4 @@
-#include "gsmfr/decoder.h"
+#include "codecs/gsmfr/decoder.h"
 
 #include <algorithm>
 

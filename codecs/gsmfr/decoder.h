@@ -1,10 +1,9 @@
 // GSM full rate decoder (3GPP TS 46.010 clause 5.3).
-#ifndef ZPPSC_CODECS_GSMFR_DECODER_H
-#define ZPPSC_CODECS_GSMFR_DECODER_H
+#pragma once
 
 #include "codecs/codec.h"
-#include "gsmfr/reception.h"
-#include "gsmfr/short_term.h"
+#include "codecs/gsmfr/reception.h"
+#include "codecs/gsmfr/short_term.h"
 
 namespace codecs::gsmfr {
 
@@ -32,5 +31,3 @@ class Decoder {
 };
 
 }  // namespace codecs::gsmfr
-
-#endif

@@ -1,4 +1,4 @@
-#include "gsmfr/dtx.h"
+#include "codecs/gsmfr/dtx.h"
 
 #include <algorithm>
 

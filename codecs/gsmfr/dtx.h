@@ -1,8 +1,7 @@
 // Discontinuous transmission, sending side: voice activity detection and silence descriptors (3GPP TS 46.031, 46.012, 46.032).
-#ifndef ZPPSC_CODECS_GSMFR_DTX_H
-#define ZPPSC_CODECS_GSMFR_DTX_H
+#pragma once
 
-#include "gsmfr/frame.h"
+#include "codecs/gsmfr/frame.h"
 
 namespace codecs::gsmfr {
 
@@ -47,5 +46,3 @@ class DtxHandler {
 };
 
 }  // namespace codecs::gsmfr
-
-#endif

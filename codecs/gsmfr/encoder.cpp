@@ -1,4 +1,4 @@
-#include "gsmfr/encoder.h"
+#include "codecs/gsmfr/encoder.h"
 
 #include <algorithm>
 
@@ -46,17 +46,17 @@ int Encoder::encode(const Zpp16s* pcm, Zpp8u* payload) {
   std::copy_n(reconstructed + kFrame, kHistory, history_);
 
   if (dtx_) {
-    voice_ = handler_.detectVoice(analysis, frame);
-    speech_ = handler_.replaceByDescriptor(voice_, analysis.noise, frame);
+    const bool voice = handler_.detectVoice(analysis, frame);
+    const bool speech = handler_.replaceByDescriptor(voice, analysis.noise, frame);
+    flags_ = (voice ? kVoice : 0) | (speech ? kSpeech : 0);
   }
   pack(frame, payload);
 
   constexpr Zpp16s kHomingSample = 8;
   if (std::all_of(pcm, pcm + kFrame, [](Zpp16s x) { return x == kHomingSample; })) {
-    const bool voice = voice_, speech = speech_;
+    const unsigned flags = flags_;
     *this = Encoder({0, dtx_, 0});
-    voice_ = voice;
-    speech_ = speech;
+    flags_ = flags;
   }
   return kPayload;
 }

@@ -1,11 +1,10 @@
 // GSM full rate encoder (3GPP TS 46.010 clause 5.2).
-#ifndef ZPPSC_CODECS_GSMFR_ENCODER_H
-#define ZPPSC_CODECS_GSMFR_ENCODER_H
+#pragma once
 
 #include "codecs/codec.h"
-#include "gsmfr/dtx.h"
-#include "gsmfr/frame.h"
-#include "gsmfr/short_term.h"
+#include "codecs/gsmfr/dtx.h"
+#include "codecs/gsmfr/frame.h"
+#include "codecs/gsmfr/short_term.h"
 
 namespace codecs::gsmfr {
 
@@ -15,9 +14,10 @@ class Encoder {
 
   int encode(const Zpp16s* pcm, Zpp8u* payload);
 
-  // Of the last frame: whether it had voice and whether it is sent as speech. Both are true without discontinuous transmission.
-  bool voice() const { return voice_; }
-  bool speech() const { return speech_; }
+  // Of the last frame, with discontinuous transmission
+  static constexpr unsigned kVoice = 1;   // voice was detected (VAD)
+  static constexpr unsigned kSpeech = 2;  // it is sent as speech, not as a descriptor (SP)
+  unsigned flags() const { return flags_; }
 
  private:
   void analyse(const Zpp16s* pcm, FrameAnalysis& analysis, Frame& frame);
@@ -25,7 +25,7 @@ class Encoder {
   void codeSubframe(const Zpp16s* residual, Zpp16s* history, Subframe& subframe, Zpp16s& maximum) const;
 
   bool dtx_;
-  bool voice_ = true, speech_ = true;
+  unsigned flags_ = 0;
   Zpp32s offset_[2] = {};
   Zpp16s emphasis_ = 0;
   Zpp16s lar_[kOrder] = {};  // of the last frame, as decoded
@@ -35,5 +35,3 @@ class Encoder {
 };
 
 }  // namespace codecs::gsmfr
-
-#endif

@@ -1,13 +1,12 @@
-#include "gsmfr/frame.h"
+#include "codecs/gsmfr/frame.h"
 
 namespace codecs::gsmfr {
 
 namespace {
 
-constexpr unsigned kSignature = 13;
-constexpr int kSignatureBits = 4;
-constexpr int kLarBits[kOrder] = {6, 6, 5, 5, 4, 4, 3, 3};
-constexpr int kLagBits = 7, kGainBits = 2, kGridBits = 2, kAmplitudeBits = 6, kPulseBits = 3;
+constexpr const int* kLarBits = kParameterBits;
+constexpr int kLagBits = kParameterBits[kOrder], kGainBits = kParameterBits[kOrder + 1], kGridBits = kParameterBits[kOrder + 2],
+              kAmplitudeBits = kParameterBits[kOrder + 3], kPulseBits = kParameterBits[kOrder + 4];
 
 // Signature and LAR codes fill five octets, every subframe seven.
 constexpr int kHeadOctets = 5, kSubframeOctets = 7;

@@ -1,6 +1,5 @@
 // The 76 parameters of a GSM full rate frame and their place in a payload (3GPP TS 46.010 table 1.1; RFC 3551 clause 4.5.8).
-#ifndef ZPPSC_CODECS_GSMFR_FRAME_H
-#define ZPPSC_CODECS_GSMFR_FRAME_H
+#pragma once
 
 #include "zppsc.h"
 
@@ -10,6 +9,15 @@ inline constexpr int kFrame = 160, kSubframe = 40, kSubframes = 4;
 inline constexpr int kOrder = 8;
 inline constexpr int kPulses = 13;
 inline constexpr int kPayload = 33;  // octets
+
+// A payload is a signature, then the 76 parameters, the most significant bit first.
+inline constexpr int kSignatureBits = 4, kSignature = 13;
+inline constexpr int kParameterBits[] = {
+    6, 6, 5, 5, 4, 4, 3, 3,                             // LAR codes
+    7, 2, 2, 6, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3,  // lag, gain, grid, amplitude, pulses
+    7, 2, 2, 6, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3,  //
+    7, 2, 2, 6, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3,  //
+    7, 2, 2, 6, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3};
 
 struct Subframe {
   Zpp16s lag, gain;        // of the long-term predictor
@@ -34,5 +42,3 @@ extern const Frame kHomingFrame;
 extern const Frame kSilenceFrame;
 
 }  // namespace codecs::gsmfr
-
-#endif

@@ -1,4 +1,4 @@
-#include "gsmfr/reception.h"
+#include "codecs/gsmfr/reception.h"
 
 #include <algorithm>
 

@@ -2,10 +2,9 @@
 //
 // The standards leave the random numbers of comfort noise and the substitution of lost frames open; they give examples, which
 // are followed here.
-#ifndef ZPPSC_CODECS_GSMFR_RECEPTION_H
-#define ZPPSC_CODECS_GSMFR_RECEPTION_H
+#pragma once
 
-#include "gsmfr/frame.h"
+#include "codecs/gsmfr/frame.h"
 
 namespace codecs::gsmfr {
 
@@ -39,5 +38,3 @@ class Reception {
 };
 
 }  // namespace codecs::gsmfr
-
-#endif

@@ -1,11 +1,10 @@
 // The four parts of a frame between which the short-term filter interpolates (3GPP TS 46.010 clause 5.2.9).
-#ifndef ZPPSC_CODECS_GSMFR_SHORT_TERM_H
-#define ZPPSC_CODECS_GSMFR_SHORT_TERM_H
+#pragma once
 
 #include <algorithm>
 
 #include "codecs/codec.h"
-#include "gsmfr/frame.h"
+#include "codecs/gsmfr/frame.h"
 
 namespace codecs::gsmfr {
 
@@ -23,5 +22,3 @@ void forEachPart(const Zpp16s* larCode, Zpp16s* previousLar, Filter filter) {
 }
 
 }  // namespace codecs::gsmfr
-
-#endif
