@@ -56,14 +56,16 @@ std::optional<Frame> ParameterWords::take(std::span<const std::uint8_t> stream, 
 
 void PairedParameters::append(std::span<const std::uint8_t> payload, int, Bytes& stream) {
   const auto perBlock = static_cast<std::size_t>(layout_.bits()) / 4;  // octets
-  if (!second_) stream.resize(stream.size() + perBlock);
-  const auto block = std::span(stream).last(perBlock);
+  block_.resize(perBlock);
   int at = second_ ? layout_.bits() : 0;
-  second_ = !second_;
   const std::vector<unsigned> parameters = parametersIn(payload, layout_);
   for (std::size_t i = 0; i < parameters.size(); ++i)
     for (int bit = 0; bit < layout_.widths[i]; ++bit, ++at)
-      block[static_cast<std::size_t>(at / 8)] |= static_cast<std::uint8_t>((parameters[i] >> bit & 1) << at % 8);
+      block_[static_cast<std::size_t>(at / 8)] |= static_cast<std::uint8_t>((parameters[i] >> bit & 1) << at % 8);
+  second_ = !second_;
+  if (second_) return;
+  stream.insert(stream.end(), block_.begin(), block_.end());
+  block_.clear();
 }
 
 std::optional<Frame> PairedParameters::take(std::span<const std::uint8_t> stream, bool, bool) {

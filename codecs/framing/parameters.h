@@ -51,6 +51,7 @@ class PairedParameters : public Framing {
  private:
   ParameterLayout layout_;
   bool second_ = false;  // the next frame is the second one of its block
+  Bytes block_{};        // with its first frame
 };
 
 }  // namespace codecs::framing
