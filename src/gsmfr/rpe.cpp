@@ -51,17 +51,6 @@ ZppStatus zppsRPEQuantDecode_GSMFR_16s(const Zpp16s* pulses, Zpp16s* dst, Zpp16s
   return zppStsOk;
 }
 
-// The magnitudes of the impulse response add up to 25598 in Q13: no sum leaves 31 bits.
-void ownWeightingFilter_GSMFR_16s(const Zpp16s* src, Zpp16s* dst) {
-  constexpr int kDelay = 5;
-  for (int n = 0; n < kGsmFrSubframe; ++n) {
-    Zpp32s sum = 4096;
-    const int last = std::min(n + kDelay, kGsmFrSubframe - 1);
-    for (int m = std::max(n - kDelay, 0); m <= last; ++m) sum += weighting[n + kDelay - m] * src[m];
-    dst[n] = sat16(sum >> 13);
-  }
-}
-
 // The maximum is below 2^(exponent + 9) of its decoded amplitude, so that the shift keeps within 16 bits and codes within 0..7.
 void ownRPEQuant_GSMFR_16s(const Zpp16s* src, Zpp16s* pulses, Zpp16s* grid, Zpp16s* amplitude, Zpp16s* maximum) {
   const int first = strongestGrid(src);

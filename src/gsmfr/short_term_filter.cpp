@@ -1,6 +1,5 @@
 // Short-term analysis and synthesis lattices (3GPP TS 46.010 clauses 5.2.10, 5.3.3).
 #include "core/checks.h"
-#include "core/fixed_point.h"
 #include "gsmfr/kernels.h"
 
 using namespace zpp;
@@ -17,28 +16,4 @@ ZppStatus zppsShortTermSynthesisFilter_GSMFR_16s(const Zpp16s* refl, const Zpp16
   if (len < 1) return zppStsBadSize;
   ownShortTermSynthesisFilter_GSMFR_16s(refl, src, dst, len, memory);
   return zppStsOk;
-}
-
-void ownShortTermAnalysisFilter_GSMFR_16s_I(const Zpp16s* refl, Zpp16s* srcDst, int len, Zpp16s* memory) {
-  for (int n = 0; n < len; ++n) {
-    Zpp16s forward = srcDst[n], backward = forward;
-    for (int i = 0; i < kGsmFrOrder; ++i) {
-      const Zpp16s delayed = memory[i];
-      memory[i] = backward;
-      backward = addSat16(delayed, mulRoundQ15(refl[i], forward));
-      forward = addSat16(forward, mulRoundQ15(refl[i], delayed));
-    }
-    srcDst[n] = forward;
-  }
-}
-
-void ownShortTermSynthesisFilter_GSMFR_16s(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* memory) {
-  for (int n = 0; n < len; ++n) {
-    Zpp16s forward = subSat16(src[n], mulRoundQ15(refl[kGsmFrOrder - 1], memory[kGsmFrOrder - 1]));
-    for (int i = kGsmFrOrder - 2; i >= 0; --i) {
-      forward = subSat16(forward, mulRoundQ15(refl[i], memory[i]));
-      memory[i + 1] = addSat16(memory[i], mulRoundQ15(refl[i], forward));
-    }
-    dst[n] = memory[0] = forward;
-  }
 }
