@@ -7,6 +7,7 @@
 #include "codecs/g728/decoder.h"
 #include "codecs/g728/encoder.h"
 #include "codecs/g729/g729.h"
+#include "codecs/gsmfr/gsmfr.h"
 
 namespace codecs {
 namespace {
@@ -18,6 +19,7 @@ constexpr int kG726[] = {16000, 24000, 32000, 40000};
 constexpr int kG7221[] = {24000, 32000};
 constexpr int k16000[] = {16000};
 constexpr int k8000[] = {8000};
+constexpr int k13000[] = {13000};
 
 template <std::size_t count>
 constexpr ZppcCodec about(const char* name, const char* standard, const char* rtpEncoding, int sampleRate, int delaySamples,
@@ -51,6 +53,8 @@ constexpr CodecRow kRows[] = {
         about("g729", "ITU-T G.729", "G729", 8000, 40, k8000, 8000, kDtx | kConcealment)),
     codecRow<g729::Encoder<g729::AnnexAEncoder>, g729::Decoder<g729::AnnexAPostfilter>, 80, 10>(
         about("g729a", "ITU-T G.729 Annex A", "G729", 8000, 40, k8000, 8000, kDtx | kConcealment)),
+    codecRow<gsmfr::Encoder, gsmfr::Decoder, gsmfr::kFrame, gsmfr::kPayload>(
+        about("gsm-fr", "3GPP TS 46.010 (GSM full rate)", "GSM", 8000, 0, k13000, 13000, kDtx | kConcealment)),
 };
 
 constexpr auto kPublic = [] {

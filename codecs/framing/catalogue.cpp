@@ -2,7 +2,9 @@
 #include "codecs/framing/framing.h"
 #include "codecs/framing/groups.h"
 #include "codecs/framing/octets.h"
+#include "codecs/framing/parameters.h"
 #include "codecs/framing/words.h"
+#include "codecs/gsmfr/frame.h"
 
 namespace codecs::framing {
 namespace {
@@ -25,6 +27,13 @@ Entry decodingWithout(std::string_view decoderSwitch, Entry whole) {
   return whole;
 }
 
+constexpr ParameterLayout kFullRate = {gsmfr::kSignatureBits, gsmfr::kSignature, gsmfr::kParameterBits};
+
+template <class AFraming>
+std::unique_ptr<Framing> fullRate(const Entry&, const ZppcOptions& options) {
+  return std::make_unique<AFraming>(kFullRate, options.dtx != 0);
+}
+
 }  // namespace
 
 const std::vector<Entry>& catalogue() {
@@ -33,8 +42,11 @@ const std::vector<Entry>& catalogue() {
   static const std::vector<Choice> transform = {{"packed", packedWords}, {"rfc5577", bareOctets}, {"itu", serialBits}};
   static const std::vector<Choice> celp = {{"rfc3551", octetsOrLength}, {"itu", serialBitsOrNone}};
   static const std::vector<Choice> lowDelay = {{"rfc3551", bareOctets}, {"words", codePerWord}, {"itu", serialGroups}};
+  static const std::vector<Choice> rpe = {
+      {"rfc3551", fullRate<SignedOctets>}, {"wav49", fullRate<PairedParameters>}, {"words", fullRate<ParameterWords>}};
   // name, row of the table, bit rate, octets of a payload, framings
   static const std::vector<Entry> entries = {
+      // clang-format off
       entry("g711-mulaw", "g711-mulaw", 64000, {}, octets),
       entry("g711-alaw", "g711-alaw", 64000, {}, octets),
       entry("g726-16", "g726", 16000, {}, adpcm),
@@ -48,6 +60,8 @@ const std::vector<Entry>& catalogue() {
       entry("g729a", "g729a", 8000, {10, 2}, celp),
       entry("g729b", "g729", 8000, {10, 2}, celp, true),
       entry("g729ab", "g729a", 8000, {10, 2}, celp, true),
+      entry("gsm-fr", "gsm-fr", 13000, {33}, rpe),
+      // clang-format on
   };
   return entries;
 }
