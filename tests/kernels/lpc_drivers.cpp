@@ -60,6 +60,10 @@ DRIVE(ownSynthesisFilter_NR_16s, upTo(100, {40, 240})) {
 DRIVE(ownResidualFilter_G729_16s, upTo(100, {40})) {
   rig.run(rig.keep ? rig.in<Zpp16s>(11, -5000, 5000) : coefficients(rig), full(rig, n, 10), rig.out<Zpp16s>(n), n);
 }
+DRIVE(ownResidualFilter_G729E_16s, upTo(100, {40})) {
+  const int order = rig.keep ? 30 : rig.scalar(1, 34), top = rig.keep || n % 3 != 0 ? 2000 : 32767;  // the sums stay in 32 bits
+  rig.run(rig.in<Zpp16s>(order + 1, -top, top), order, full(rig, n, order), rig.out<Zpp16s>(n), n);
+}
 DRIVE(ownHarmonicFilter_16s, upTo(100, {20, 40})) {
   const int lag = rig.keep ? 20 : rig.scalar(1, 60);
   rig.run(rig.scalar<Zpp16s>(-32768, rig.scalar(-32768, 32767)), lag, rig.inOut<Zpp16s>(n, -32768, 32767, lag), n);

@@ -24,6 +24,7 @@ ZPP_G729_LSP_KERNELS(ZPP_DECLARE_KERNEL)
 ZppStatus ownLevinsonDurbin_G729(const Zpp32s* autoCorr, int order, Zpp16s* a, Zpp16s* refl, Zpp16s* energy);
 ZppStatus ownLevinsonDurbin_G729B(const Zpp32s* autoCorr, Zpp16s* a, Zpp16s* refl, Zpp16s* energy);
 void ownLagWindow_G729_32s_I(Zpp32s* autoCorr, int len);
+void ownLagWindow_G729E_32s_I(Zpp32s* autoCorr);
 
 void ownLSPToLPC_G729_16s(const Zpp16s* lsp, Zpp16s* a);
 void ownLSPToLSF_G729_16s(const Zpp16s* lsp, Zpp16s* lsf);

@@ -82,6 +82,20 @@ void ownLagWindow_G729_32s_I(Zpp32s* autoCorr, int len) {
   for (int i = 0; i < len; ++i) autoCorr[i] = mulDpf(toDpf(autoCorr[i]), toDpf(wlag[i]));
 }
 
+// The standard raises all lags by one, so that silence has a filter too.
+void ownLagWindow_G729E_32s_I(Zpp32s* autoCorr) {
+  constexpr int order = 30;
+  for (int i = 1; i <= order; ++i) autoCorr[i] = mulDpf(toDpf(autoCorr[i]), toDpf(wlagBackward[i - 1]));
+  const int norm = norm32(addSat32(autoCorr[0], 1));
+  for (int i = 0; i <= order; ++i) autoCorr[i] = shlSat32(addSat32(autoCorr[i], 1), norm);
+}
+
+ZppStatus zppsLagWindow_G729E_32s_I(Zpp32s* srcDst) {
+  if (anyNull(srcDst)) return zppStsNullPointer;
+  ownLagWindow_G729E_32s_I(srcDst);
+  return zppStsOk;
+}
+
 ZppStatus zppsLevinsonDurbin_G729_32s16s(const Zpp32s* autoCorr, int order, Zpp16s* a, Zpp16s* refl, Zpp16s* energy) {
   if (anyNull(autoCorr, a, refl, energy)) return zppStsNullPointer;
   if (outside(order, 1, kMaxOrder)) return zppStsOutOfRange;
