@@ -15,6 +15,7 @@ constexpr int k64000[] = {64000};
 constexpr int kG726[] = {16000, 24000, 32000, 40000};
 constexpr int kG7221[] = {24000, 32000};
 constexpr int k8000[] = {8000};
+constexpr int kG729[] = {6400, 8000, 11800};
 
 template <std::size_t count>
 constexpr ZppcCodec about(const char* name, const char* standard, const char* rtpEncoding, int sampleRate, int delaySamples,
@@ -42,10 +43,12 @@ constexpr CodecRow kRows[] = {
         about("g726", "ITU-T G.726", "G726-32", 8000, 0, kG726, 32000, 0), 1),
     codecRow<g7221::Encoder, g7221::Decoder, 320, 80>(
         about("g722.1", "ITU-T G.722.1", "G7221", 16000, 320, kG7221, 24000, kConcealment)),
-    codecRow<g729::Encoder<g729::MainBodyEncoder>, g729::Decoder<g729::MainBodyPostfilter>, 80, 10>(
+    codecRow<g729::Encoder, g729::Decoder, 80, 10>(
         about("g729", "ITU-T G.729", "G729", 8000, 40, k8000, 8000, kDtx | kConcealment)),
-    codecRow<g729::Encoder<g729::AnnexAEncoder>, g729::Decoder<g729::AnnexAPostfilter>, 80, 10>(
+    codecRow<g729::EncoderA, g729::DecoderA, 80, 10>(
         about("g729a", "ITU-T G.729 Annex A", "G729", 8000, 40, k8000, 8000, kDtx | kConcealment)),
+    codecRow<g729::EncoderI, g729::DecoderI, 80, 15>(
+        about("g729i", "ITU-T G.729 Annex I", "G729", 8000, 40, kG729, 8000, kDtx | kConcealment)),
 };
 
 constexpr auto kPublic = [] {

@@ -13,6 +13,11 @@ MaMemory::MaMemory() {
     std::ranges::copy(flat, rows_.begin() + static_cast<std::ptrdiff_t>(row));
 }
 
+void MaMemory::push(const Lsf& codeVector) {
+  std::shift_right(rows_.begin(), rows_.end(), kOrder);
+  std::ranges::copy(codeVector, rows_.begin());
+}
+
 Lsp meanOf(const Lsp& a, const Lsp& b) {
   Lsp mean;
   require(zppsInterpolate_G729_16s(a.data(), b.data(), mean.data(), kOrder));
@@ -39,6 +44,22 @@ Filter weight(const Filter& a, Zpp16s gamma) {
 
 bool synthesise(const Filter& a, const Zpp16s* input, Zpp16s* output, const Zpp16s* memory) {
   return warns(zppsSynthesisFilter_NR_16s_Sfs(a.data(), input, output, kSubframeSize, 12, memory));
+}
+
+AnyFilter weight(const AnyFilter& filter, Zpp16s gamma) {
+  AnyFilter weighted;
+  weighted.order = filter.order;
+  require(zppsMulPowerC_NR_16s_Sfs(filter.a.data(), gamma, weighted.a.data(), filter.order + 1, 15));
+  return weighted;
+}
+
+void residual(const AnyFilter& filter, const Zpp16s* speech, Zpp16s* output) {
+  require(zppsResidualFilter_G729E_16s(filter.a.data(), filter.order, speech, output, kSubframeSize));
+}
+
+bool synthesise(const AnyFilter& filter, const Zpp16s* input, Zpp16s* output, const Zpp16s* past) {
+  return warns(zppsSynthesisFilter_G729E_16s(filter.a.data(), filter.order, input, output, kSubframeSize,
+                                             past == nullptr ? nullptr : past - filter.order));
 }
 
 HighPassFilter::HighPassFilter(Kind kind) : scaleFactor_(kind == Kind::input ? 12 : 13) {
