@@ -80,7 +80,11 @@ void ownLagWindow_G729E_32s_I(Zpp32s* autoCorr) {
   constexpr int order = 30;
   for (int i = 1; i <= order; ++i) autoCorr[i] = mulDpf(toDpf(autoCorr[i]), toDpf(wlagBackward[i - 1]));
   const int norm = norm32(addSat32(autoCorr[0], 1));
-  for (int i = 0; i <= order; ++i) autoCorr[i] = shlSat32(addSat32(autoCorr[i], 1), norm);
+  const Zpp32s highest = kMax32 >> norm, lowest = kMin32 >> norm;  // that do not saturate
+  for (int i = 0; i <= order; ++i) {
+    const Zpp32s raised = addSat32(autoCorr[i], 1);
+    autoCorr[i] = raised > highest ? kMax32 : raised < lowest ? kMin32 : shlWrap32(raised, norm);
+  }
 }
 
 ZppStatus zppsLagWindow_G729E_32s_I(Zpp32s* srcDst) {

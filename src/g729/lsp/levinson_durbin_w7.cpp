@@ -65,12 +65,13 @@ void ownLevinsonUpdate_G729_W7(Dpf* coef, int order, Dpf reflection) {
     const V clamped = select(overflow, limit, sum);
     return _mm_or_si128(_mm_srli_epi32(clamped, 16), _mm_and_si128(_mm_slli_epi32(clamped, 15), _mm_set1_epi32(0x7fff0000)));
   };
+  // Where the two overlap, both have the same result.
   int j = 1, m = order - 1;
-  for (; j + 3 < m - 3; j += 4, m -= 4) {
+  for (; j + 3 <= m; j += 4, m -= 4) {
     const V front = load(coef + j), back = load(coef + m - 3);
     store(coef + j, updated(front, back));
     store(coef + m - 3, updated(back, front));
   }
   // What is left is the update of a lower order, with its coefficients at another place.
-  ownLevinsonUpdate_G729_PX(coef + j - 1, m - j + 2, reflection);
+  if (j <= m) ownLevinsonUpdate_G729_PX(coef + j - 1, m - j + 2, reflection);
 }
