@@ -5,6 +5,7 @@
 #include "codecs/g7221/g7221.h"
 #include "codecs/g726/g726.h"
 #include "codecs/g729/g729.h"
+#include "codecs/g729f/g729f.h"
 
 namespace codecs {
 namespace {
@@ -49,6 +50,10 @@ constexpr CodecRow kRows[] = {
         about("g729a", "ITU-T G.729 Annex A", "G729", 8000, 40, k8000, 8000, kDtx | kConcealment)),
     codecRow<g729::EncoderI, g729::DecoderI, 80, 15>(
         about("g729i", "ITU-T G.729 Annex I", "G729", 8000, 40, kG729, 8000, kDtx | kConcealment)),
+    codecRow<g729f::Encoder<g729f::MainBodyEncoder>, g729f::Decoder<g729f::MainBodyPostfilter>, 80, 10>(
+        about("g729f", "ITU-T G.729 Annex C", "G729", 8000, 40, k8000, 8000, kConcealment)),
+    codecRow<g729f::Encoder<g729f::AnnexAEncoder>, g729f::Decoder<g729f::AnnexAPostfilter>, 80, 10>(
+        about("g729af", "ITU-T G.729 Annex C (Annex A)", "G729", 8000, 40, k8000, 8000, kConcealment)),
 };
 
 constexpr auto kPublic = [] {

@@ -42,6 +42,8 @@ const std::vector<Entry>& catalogue() {
       entry("g729d", "g729i", 6400, {8, 2}, celp),
       entry("g729e", "g729i", 11800, {15, 2}, celp),
       entry("g729i", "g729i", 8000, {15, 10, 8, 2}, celp, false, true),
+      entry("g729f", "g729f", 8000, {10}, celp),
+      entry("g729af", "g729af", 8000, {10}, celp),
   };
   return entries;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "codecs/codec.h"
+#include "codecs/g729/delay_coding.h"
 
 namespace codecs::g729 {
 

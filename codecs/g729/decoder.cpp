@@ -107,25 +107,6 @@ std::array<ComfortNoise::Gains, kSubframes> SilenceDecoder::play(const SidParame
   return noise_.excite(excitation);
 }
 
-PitchDelay decodeDelay(Zpp16s code) {
-  if (code >= 197) return {static_cast<Zpp16s>(code - 112), 0};
-  const int samples = (code + 2) / 3 + 19;
-  return {static_cast<Zpp16s>(samples), static_cast<Zpp16s>(code - 3 * samples + 58)};
-}
-
-PitchDelay decodeDelay(Zpp16s code, Rate rate, int firstDelay) {
-  const int earliest = earliestDelay(firstDelay);
-  if (rate != Rate::kbit6) {
-    const int samples = (code + 2) / 3 - 1;
-    return {static_cast<Zpp16s>(earliest + samples), static_cast<Zpp16s>(code - 2 - 3 * samples)};
-  }
-  // Thirds only in the middle of the range
-  if (code <= 3) return {static_cast<Zpp16s>(earliest + code), 0};
-  if (code >= 12) return {static_cast<Zpp16s>(earliest + code - 6), 0};
-  const int samples = (code + 7) / 3;
-  return {static_cast<Zpp16s>(earliest + samples), static_cast<Zpp16s>(code + 6 - 3 * samples)};
-}
-
 Subframe codeVector(const SpeechParameters::Subframe& parameters, Rate rate, bool backward) {
   if (rate == Rate::kbit6) return twoPulses(parameters.positions, parameters.signs);
   if (rate == Rate::kbit8) return fourPulses(parameters.positions, parameters.signs);

@@ -48,10 +48,6 @@ class SilenceDecoder {
   int exponent_ = 1;
 };
 
-// The delay of the first subframe, and that of the second beside it (clauses 4.1.3 and D.4)
-PitchDelay decodeDelay(Zpp16s code);
-PitchDelay decodeDelay(Zpp16s code, Rate rate, int firstDelay);
-
 // The code vector as the rate has it, Q13; at 11.8 kbit/s Q12 (clauses 4.1.4, D.5 and E.3.8)
 Subframe codeVector(const SpeechParameters::Subframe& parameters, Rate rate, bool backward);
 

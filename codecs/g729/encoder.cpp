@@ -4,22 +4,10 @@
 
 #include "codecs/codec.h"
 #include "codecs/g729/annex_a.h"
+#include "codecs/g729/delay_coding.h"
 #include "codecs/g729/main_body.h"
 
 namespace codecs::g729 {
-namespace {
-
-// P1 or P2 (clauses 3.7.2 and D.4)
-Zpp16s delayCode(Rate rate, int subframe, const PitchDelay& delay, int firstDelay) {
-  const auto [samples, thirds] = delay;
-  if (subframe == 0) return static_cast<Zpp16s>(samples <= 85 ? 3 * samples - 58 + thirds : samples + 112);
-  const int later = samples - earliestDelay(firstDelay);
-  if (rate != Rate::kbit6) return static_cast<Zpp16s>(3 * later + 2 + thirds);
-  // Thirds only in the middle of the range
-  return static_cast<Zpp16s>(later < 3 ? later : later < 7 ? 3 * (later - 3) + thirds + 3 : later + 6);
-}
-
-}  // namespace
 
 // A copy of the response for each pulse
 FixedVector filterFourPulses(const Subframe& code, const std::array<Zpp16s, 2>& codeword, const Subframe& impulse) {

@@ -72,8 +72,6 @@ void HighPassFilter::filter(std::span<Zpp16s> signal) {
   require(zppsHighPassFilter_G729_16s_ISfs(signal.data(), static_cast<int>(signal.size()), scaleFactor_, state_.data()));
 }
 
-int earliestDelay(int firstDelay) { return std::clamp(firstDelay - 5, int{kShortestDelay}, kLongestDelay - 9); }
-
 std::array<int, 4> pulsePositions(Zpp16s positions) {
   const auto index = [positions](int k) { return positions >> (3 * k) & 7; };
   const int last = positions >> 9 & 15;  // on either of two tracks

@@ -95,8 +95,8 @@ FilterMemory<order> lastOf(const std::array<Zpp16s, size>& samples) {
 }
 
 // Makes room for the next frame at the end of a buffer.
-template <std::size_t size>
-void shiftFrame(std::array<Zpp16s, size>& buffer) {
+template <class Sample, std::size_t size>
+void shiftFrame(std::array<Sample, size>& buffer) {
   std::copy(buffer.begin() + kFrameSize, buffer.end(), buffer.begin());
 }
 
@@ -111,9 +111,6 @@ class HighPassFilter {
   std::array<Zpp8u, 24> state_;
   int scaleFactor_;
 };
-
-// The earliest delay, of the ten, that the second subframe can name when the first has the given one (clause 3.7.2)
-int earliestDelay(int firstDelay);
 
 // The samples of the four pulses that a position word names (clause 3.8.2)
 std::array<int, 4> pulsePositions(Zpp16s positions);

@@ -5,6 +5,7 @@
 
 #include "codecs/codec.h"
 #include "codecs/fixed_point.h"
+#include "codecs/g729/delay_coding.h"
 
 namespace codecs::g729 {
 namespace {
