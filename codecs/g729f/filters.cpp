@@ -65,13 +65,14 @@ void respond(const Filter& numerator, const Filter& denominator, std::span<Zpp32
 }
 
 Zpp32f product(const Zpp32f* a, const Zpp32f* b, int length) {
-  // Four sums, which need not wait for one another
-  Zpp32f sums[4] = {};
+  // Four sums, which need not wait for one another; in double precision, for searches decide between them.
+  const auto term = [a, b](int n) { return static_cast<Zpp64f>(a[n]) * static_cast<Zpp64f>(b[n]); };
+  Zpp64f sums[4] = {};
   int n = 0;
   for (; n + 4 <= length; n += 4)
-    for (int k = 0; k < 4; ++k) sums[k] += a[n + k] * b[n + k];
-  for (; n < length; ++n) sums[0] += a[n] * b[n];
-  return (sums[0] + sums[1]) + (sums[2] + sums[3]);
+    for (int k = 0; k < 4; ++k) sums[k] += term(n + k);
+  for (; n < length; ++n) sums[0] += term(n);
+  return static_cast<Zpp32f>((sums[0] + sums[1]) + (sums[2] + sums[3]));
 }
 
 void HighPassFilter::filter(std::span<Zpp32f> signal) {

@@ -73,7 +73,7 @@ FilterMemory lastOf(const std::array<Zpp32f, size>& samples) {
   return last;
 }
 
-// Plain sums over a subframe, or so many samples
+// Sums over a subframe, or so many samples
 Zpp32f product(const Zpp32f* a, const Zpp32f* b, int length = kSubframeSize);
 inline Zpp32f energyOf(const Zpp32f* a, int length = kSubframeSize) { return product(a, a, length); }
 
