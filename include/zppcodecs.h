@@ -15,7 +15,7 @@
  *   g722.1                  60 octets at 24 kbit/s, 80 at 32 kbit/s (RFC 5577)
  *   g729, g729a             10 octets of speech, 2 of a silence descriptor (RFC 3551)
  *   g729i                   8, 10 or 15 octets of speech at 6.4, 8 and 11.8 kbit/s (RFC 3551: G729D, G729, G729E), 2 of a
- * silence descriptor
+ *                           silence descriptor
  *   g729f, g729af           those of g729, g729a, in single precision
  *
  * In discontinuous transmission a frame for which nothing is sent has a payload of 0 octets.

@@ -1,5 +1,6 @@
 // The names under which the program offers the codecs, and how their payloads may lie in files.
 #include "codecs/framing/framing.h"
+#include "codecs/framing/groups.h"
 #include "codecs/framing/octets.h"
 #include "codecs/framing/words.h"
 
@@ -18,6 +19,12 @@ Entry entry(std::string_view name, const char* codec, int bitRate, std::vector<i
           .decoderSwitch = {}};
 }
 
+// The same with an option of the program that switches a part of the decoder off
+Entry decodingWithout(std::string_view decoderSwitch, Entry whole) {
+  whole.decoderSwitch = decoderSwitch;
+  return whole;
+}
+
 }  // namespace
 
 const std::vector<Entry>& catalogue() {
@@ -25,6 +32,7 @@ const std::vector<Entry>& catalogue() {
   static const std::vector<Choice> adpcm = {{"rfc3551", bareOctets}, {"aal2", bareOctets, 1}, {"codes", codePerByte}};
   static const std::vector<Choice> transform = {{"packed", packedWords}, {"rfc5577", bareOctets}, {"itu", serialBits}};
   static const std::vector<Choice> celp = {{"rfc3551", octetsOrLength}, {"itu", serialBitsOfG729}};
+  static const std::vector<Choice> lowDelay = {{"rfc3551", bareOctets}, {"words", codePerWord}, {"itu", serialGroups}};
   // name, row of the table, bit rate, octets of a payload, framings
   static const std::vector<Entry> entries = {
       entry("g711-mulaw", "g711-mulaw", 64000, {}, octets),
@@ -35,6 +43,7 @@ const std::vector<Entry>& catalogue() {
       entry("g726-40", "g726", 40000, {}, adpcm),
       entry("g722.1-24", "g722.1", 24000, {60}, transform),
       entry("g722.1-32", "g722.1", 32000, {80}, transform),
+      decodingWithout("no-postfilter", entry("g728", "g728", 16000, {5}, lowDelay)),
       entry("g729", "g729", 8000, {10, 2}, celp),
       entry("g729a", "g729a", 8000, {10, 2}, celp),
       entry("g729b", "g729", 8000, {10, 2}, celp, true),

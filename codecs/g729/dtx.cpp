@@ -150,7 +150,7 @@ bool Dtx::Reference::differsFrom(const Autocorrelation& signal, Zpp16s energy, Z
     ++(shift == signalShift ? signalShift : shift);
     left = filtered(shift, signalShift);
   }
-  const Zpp32s limit = mulRoundQ15(energy, margin) + energy;  // more than 16 bits for noise that is nearly white
+  const Zpp32s limit = mulRoundQ15(energy, margin) + energy;  // up to 37620, beyond 16 bits
   return subSat32(*left, shlSat32(limit, exponent_ + 9 - shift - signalShift)) > 0;
 }
 

@@ -1,13 +1,13 @@
 // The G.729 codecs on the standard's streams: ITU-T's test vectors, beginnings of the longer ones; "stress" and "damaged":
-// loud, artificial and broken ones. A file *.frames holds for each frame its length in octets, then the octets; 255 alone
-// stands for a lost frame.
+// loud, artificial and broken ones. A file *.frames holds for each frame its length in octets, then the octets.
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <random>
 #include <sstream>
 
-#include "codecs/g729/vad.h"
+#include "codecs/g729/dtx.h"
 #include "codecs/streams.h"
 #include "support/golden.h"
 
@@ -20,7 +20,7 @@ using codecs::framing::Samples;
 std::vector<Bytes> framesOf(const Bytes& file) {
   std::vector<Bytes> frames;
   for (auto at = file.begin(); at != file.end();) {
-    const auto octets = at + 1, end = octets + (*at == 255 ? 0 : *at);
+    const auto octets = at + 1, end = octets + *at;
     frames.emplace_back(octets, end);
     at = end;
   }
@@ -269,6 +269,99 @@ TEST(G729Codec, MainBodyAndAnnexAUnderstandEachOther) {
     Samples difference;
     for (std::size_t n = 0; n < own.size(); ++n) difference.push_back(static_cast<std::int16_t>(own[n] - other[n]));
     EXPECT_LT(powerOf(difference), powerOf(own) / 4) << coders[i]->name;
+  }
+}
+
+// Silent frames of given autocorrelations
+class Silence {
+ public:
+  using Lags = std::array<Zpp16s, codecs::g729::kOrder + 1>;
+  std::optional<codecs::g729::SidParameters> play(const Lags& lags, int exponent = -22) {  // without voice
+    using namespace codecs::g729;
+    Correlations correlations{};
+    correlations.windowed[0] = 65536 * lags[0];
+    correlations.original = lags;
+    correlations.exponent = exponent;
+    constexpr std::array<Zpp16s, kWindowSize> speech{};
+    EXPECT_FALSE(dtx_.take(correlations, kInitialLsp, 0, speech));
+    std::array<Zpp16s, kPastExcitation + kFrameSize> excitation{};
+    return dtx_.playSilence({levinsonDurbin_, maMemory_, taming_, toLsp, kInitialLsp}, excitation.data() + kPastExcitation);
+  }
+  static codecs::g729::Lsp toLsp(const codecs::g729::Filter& a, const codecs::g729::Lsp& previous) {
+    codecs::g729::Lsp lsp;
+    EXPECT_EQ(zppsLPCToLSP_G729_16s(a.data(), previous.data(), lsp.data()), zppStsOk);
+    return lsp;
+  }
+
+ private:
+  codecs::g729::Dtx dtx_;
+  codecs::g729::LevinsonDurbin levinsonDurbin_;
+  codecs::g729::MaMemory maMemory_;
+  codecs::g729::Taming taming_;
+};
+
+// Lags of a decaying oscillation
+Silence::Lags resonance(int energy, double radius, double frequency) {
+  Silence::Lags lags;
+  for (std::size_t i = 0; i < lags.size(); ++i) {
+    const auto lag = static_cast<double>(i);
+    lags[i] = static_cast<Zpp16s>(std::lround(energy * std::pow(radius, lag) * std::cos(frequency * lag)));
+  }
+  return lags;
+}
+
+// Annex B clause B.4.1.3: noise has changed when the filter last described leaves 15 % (4855 / 32768) more of it than its own
+// filter does. Of white noise the predictor of a first-order process leaves 1 + rho^2 times the energy.
+TEST(G729Codec, DescribesNoiseAnewWhenItsResidualHasGrown) {
+  const auto describedAgain = [](int energy, double rho) {
+    Silence silence;
+    // As loud, after its filter, as the white noise that follows
+    const int louder = static_cast<int>(std::lround(energy / (1 - rho * rho)));
+    for (int f = 0; f < 8; ++f) silence.play(resonance(louder / 2, std::abs(rho), rho < 0 ? M_PI : 0), -21);
+    bool again = false;
+    for (int f = 0; f < 8; ++f) again |= silence.play({static_cast<Zpp16s>(energy)}).has_value();
+    return again;
+  };
+  for (const int energy : {16384, 24000, 28600, 32000, 32767})
+    for (const int sign : {-1, 1}) {
+      EXPECT_FALSE(describedAgain(energy, sign * 0.38)) << energy;
+      EXPECT_TRUE(describedAgain(energy, sign * 0.39)) << energy;
+    }
+}
+
+// Sharp resonances have LSFs closer to each other, or to the ends, than a descriptor can tell: Q13 radians.
+TEST(G729Codec, SpacesTheSpectrumOfADescriptor) {
+  using namespace codecs::g729;
+  std::mt19937 random(42);
+  const auto between = [&random](double low, double high) { return low + (high - low) * random() / 4294967296.0; };
+  for (int trial = 0; trial < 2000; ++trial) {
+    // Near either end, or anywhere
+    const auto somewhere = [&](int kind) {
+      const double frequency = kind == 0 ? between(0, 0.1) : kind == 1 ? between(3, M_PI) : between(0, M_PI);
+      return resonance(15000, between(0.9, 1), frequency);
+    };
+    Silence::Lags lags = somewhere(trial % 4);
+    const Silence::Lags other = somewhere(trial % 3);
+    std::ranges::transform(lags, other, lags.begin(), [](Zpp16s x, Zpp16s y) { return static_cast<Zpp16s>(x + y); });
+    const auto sid = Silence().play(lags);
+    ASSERT_TRUE(sid);
+
+    std::array<Zpp32s, kOrder + 1> autocorrelation;
+    std::ranges::transform(lags, autocorrelation.begin(), [](Zpp16s lag) { return lag * 65536; });
+    const Lsp lsp = Silence::toLsp(LevinsonDurbin().solve(autocorrelation.data()), kInitialLsp);
+    Lsf lsf, quantised;
+    ASSERT_EQ(zppsLSPToLSF_G729_16s(lsp.data(), lsf.data()), zppStsOk);
+    std::array<int, kOrder> spaced;
+    std::ranges::copy(lsf, spaced.begin());
+    spaced[0] = std::max(spaced[0], 40);
+    for (std::size_t i = 1; i < kOrder; ++i) spaced[i] = std::max(spaced[i], spaced[i - 1] + 642);
+    spaced[9] = std::min(spaced[9], 25681);
+    if (spaced[8] > spaced[9]) spaced[8] = spaced[9] - 321;
+    std::ranges::transform(spaced, lsf.begin(), [](int x) { return static_cast<Zpp16s>(x); });
+    MaMemory maMemory;
+    std::array<Zpp16s, 3> indices;
+    EXPECT_GE(zppsLSFQuant_G729B_16s(lsf.data(), maMemory.data(), quantised.data(), indices.data()), zppStsOk);
+    EXPECT_EQ(sid->lsf, indices) << trial;
   }
 }
 

@@ -59,15 +59,35 @@ DRIVE(ownLevinsonUpdate_G729, upTo(30, {10, 30})) {
                                                                   : rig.scalar<Zpp32s>(INT32_MIN, INT32_MAX);
   rig.run(reinterpret_cast<zpp::Dpf*>(values), n, zpp::toDpf(reflection));
 }
-DRIVE(ownLspPreSelect, upTo(60, {1})) {
+// Values around those whose distances from an entry add up to 2^32
+template <int columns>
+Zpp16s farFrom(RigBase& rig, const Zpp16s (&entry)[columns], int j, int distance) {
+  const int away = distance + rig.scalar(-20, 20);
+  return static_cast<Zpp16s>(entry[j] + away <= 32767 && rig.scalar(0, 1) == 0 ? entry[j] + away : entry[j] - away);
+}
+DRIVE(ownLspPreSelect, upTo(90, {1})) {
+  if (n % 4 == 0) {
+    const auto& entry = LSPCode1[rig.scalar(0, 127)];
+    return rig.run(rig.made<Zpp16s>(10, [&](Zpp16s* t) {
+      for (int j = 0; j < 10; ++j) t[j] = farFrom(rig, entry, j, 20735);
+    }));
+  }
   if (n % 2 == 0) return rig.run(rig.in<Zpp16s>(10));
   Zpp16s* target = rig.inOut<Zpp16s>(10, -6000, 6000);
   for (int j = 0; j < 10; ++j) target[j] = static_cast<Zpp16s>(target[j] + 2339 * (j + 1));
   rig.run(target);
 }
-DRIVE(ownLspSelect2, upTo(60, {1})) {
+DRIVE(ownLspSelect2, upTo(90, {1})) {
   const auto limit = static_cast<Zpp16s>(n % 2 == 0 ? 32767 : 4000);
-  rig.run(rig.in<Zpp16s>(10, static_cast<Zpp16s>(-limit), limit), rig.in<Zpp16s>(10, 0), rig.out<Zpp16s>(2));
+  const Zpp16s* residual = rig.in<Zpp16s>(10, static_cast<Zpp16s>(-limit), limit);
+  const Zpp16s* weight = rig.in<Zpp16s>(10, n % 4 == 0 ? 32760 : 0);
+  if (n % 4 == 0) {
+    const auto& entry = LSPCode2[rig.scalar(0, 31)];
+    residual = rig.made<Zpp16s>(10, [&](Zpp16s* t) {
+      for (int j = 0; j < 10; ++j) t[j] = farFrom(rig, entry, j, 29320);
+    });
+  }
+  rig.run(residual, weight, rig.out<Zpp16s>(2));
 }
 // Now and then the weights whose sum of products needs more than 32 bits; in place for odd lengths
 DRIVE(ownInterpolateC_NR_G729_16s_Sfs, upTo(60, {40})) {

@@ -27,7 +27,7 @@ struct DelayedMatch {
 //   the low 16 bits of x[n] + factor * x[n - 1] / 2^14, rounded; x[-1] is `previous`; factor within +-16384, shift 11 or 14.
 // ownPreemphasize_G729A_16s: dst[n] = src[n] - (factor * src[n - 1] >> 15), saturated both times; src[-1] is `previous`; dst
 //   may be src.
-// ownMagnitudeSum_16s: sum of the magnitudes of 40 samples, 32768 counting as 32767.
+// ownMagnitudeSum_16s: exact sum of the magnitudes of 40 samples.
 // ownApplyGain_G729A_16s: srcDst[n] = srcDst[n] * gain[n] >> 12, saturated, 40 samples.
 // ownConvolveCircular_G729D_16s: dst[n] = the sum of code[p] * response[(n - p) mod 40] >> 15, p ascending, saturated after
 //   each; response above -32768.

@@ -149,7 +149,7 @@ int ownLongTermPostFilter_G729_16s(Zpp16s gainFactor, int delay, const Zpp16s* r
     else
       ownInterpolate_G729_16s(c - best.delay + 2, tab_hup_s[best.phase - 1], 4, interpolated);
     if (shift >= 0)
-      for (Zpp16s& x : interpolated) x = sat16(x * (1 << shift));  // may overshoot the residual
+      ownLShiftCSat_16s(interpolated, interpolated, kSubframe, shift);
     else
       ownRShiftC_16s(interpolated, interpolated, kSubframe, -shift);
     delayed = interpolated;
