@@ -181,6 +181,11 @@ int zppcEncode(ZppcEncoder* encoder, const int16_t* pcm, int samples, uint8_t* p
   return row.encoder.encode(object, pcm, samples, payload);
 }
 
+unsigned codecs::flagsOf(ZppcEncoder* encoder) {
+  const EncoderRow& row = rowIn(encoder).encoder;
+  return row.flags == nullptr ? 0 : row.flags(objectIn(encoder, row));
+}
+
 int zppcDecode(ZppcDecoder* decoder, const uint8_t* payload, int octets, int16_t* pcm, int capacity) {
   return decodeAs(decoder, -1, payload, octets, pcm, capacity);
 }

@@ -3,17 +3,19 @@
 #include "codecs/framing/groups.h"
 #include "codecs/framing/kinds.h"
 #include "codecs/framing/octets.h"
+#include "codecs/framing/parameters.h"
 #include "codecs/framing/words.h"
+#include "codecs/gsmfr/frame.h"
 
 namespace codecs::framing {
 namespace {
 
 Entry entry(std::string_view name, const char* codec, int bitRate, std::vector<int> octets, std::vector<Choice> framings,
-            bool dtx = false) {
+            bool dtx = false, bool everyRate = false) {
   return {.name = name,
           .codec = zppcFindCodec(codec),
           .options = {.bitRate = bitRate, .dtx = dtx, .variant = 0},
-          .everyRate = false,
+          .everyRate = everyRate,
           .octets = std::move(octets),
           .framings = std::move(framings),
           .encoderSwitch = {},
@@ -35,16 +37,26 @@ Entry g723(std::string_view name, int bitRate) {
   return named;
 }
 
+constexpr ParameterLayout kFullRate = {gsmfr::kSignatureBits, gsmfr::kSignature, gsmfr::kParameterBits};
+
+template <class AFraming>
+std::unique_ptr<Framing> fullRate(const Entry&, const ZppcOptions& options) {
+  return std::make_unique<AFraming>(kFullRate, options.dtx != 0);
+}
+
 }  // namespace
 
 const std::vector<Entry>& catalogue() {
   static const std::vector<Choice> octets = {{"octets", bareOctets}};
   static const std::vector<Choice> adpcm = {{"rfc3551", bareOctets}, {"aal2", bareOctets, 1}, {"codes", codePerByte}};
   static const std::vector<Choice> transform = {{"packed", packedWords}, {"rfc5577", bareOctets}, {"itu", serialBits}};
-  static const std::vector<Choice> celp = {{"rfc3551", octetsOrLength}, {"itu", serialBitsOrNone}};
+  static const std::vector<Choice> celp = {{"rfc3551", octetsOrLength}, {"itu", serialBitsOfG729}};
   static const std::vector<Choice> lowDelay = {{"rfc3551", bareOctets}, {"words", codePerWord}, {"itu", serialGroups}};
+  static const std::vector<Choice> rpe = {
+      {"rfc3551", fullRate<SignedOctets>}, {"wav49", fullRate<PairedParameters>}, {"words", fullRate<ParameterWords>}};
   // name, row of the table, bit rate, octets of a payload, framings
   static const std::vector<Entry> entries = {
+      // clang-format off
       entry("g711-mulaw", "g711-mulaw", 64000, {}, octets),
       entry("g711-alaw", "g711-alaw", 64000, {}, octets),
       entry("g726-16", "g726", 16000, {}, adpcm),
@@ -61,6 +73,13 @@ const std::vector<Entry>& catalogue() {
       entry("g729a", "g729a", 8000, {10, 2}, celp),
       entry("g729b", "g729", 8000, {10, 2}, celp, true),
       entry("g729ab", "g729a", 8000, {10, 2}, celp, true),
+      entry("gsm-fr", "gsm-fr", 13000, {33}, rpe),
+      entry("g729d", "g729i", 6400, {8, 2}, celp),
+      entry("g729e", "g729i", 11800, {15, 2}, celp),
+      entry("g729i", "g729i", 8000, {15, 10, 8, 2}, celp, false, true),
+      entry("g729f", "g729f", 8000, {10}, celp),
+      entry("g729af", "g729af", 8000, {10}, celp),
+      // clang-format on
   };
   return entries;
 }

@@ -39,8 +39,12 @@ class Framing {
 
   // Appends what stands before the first frame.
   virtual void begin([[maybe_unused]] Bytes& stream) {}
+  // What the encoder tells of the payload that comes next, beside its octets (flagsOf in registry.h)
+  virtual void announce([[maybe_unused]] unsigned flags) {}
   // Appends a payload. samples: how many of its samples belong to the speech; below 0, all.
   virtual void append(std::span<const std::uint8_t> payload, int samples, Bytes& stream) = 0;
+  // Whether the stream may end here; otherwise it needs another frame, of silence.
+  virtual bool mayEnd() const { return true; }
   // Appends what stands behind the last frame.
   virtual void end([[maybe_unused]] Bytes& stream) {}
 
