@@ -1,6 +1,7 @@
 // Short-term lattices: kernels of the SSE2 level.
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 
 #include "core/fixed_point.h"
 #include "gsmfr/kernels.h"
@@ -64,7 +65,7 @@ bool isWithin(const Zpp16s* memory, Zpp32s limit) {
 // belongs. quiet: outputs are compared with limit. Otherwise every other stage is compared with 2^14, which keeps the stages
 // between below 2^15.
 template <bool quiet>
-int synthesise(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* memory, Zpp32s limit) {
+[[gnu::noinline]] int synthesise(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* memory, Zpp32s limit) {
   const Zpp32s r0 = refl[0], r1 = refl[1], r2 = refl[2], r3 = refl[3], r4 = refl[4], r5 = refl[5], r6 = refl[6], r7 = refl[7];
   Zpp32s v0 = memory[0], v1 = memory[1], v2 = memory[2], v3 = memory[3], v4 = memory[4], v5 = memory[5], v6 = memory[6],
          v7 = memory[7];
@@ -72,11 +73,12 @@ int synthesise(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, int len, Zpp1
   const auto see = [&seen](Zpp32s x) {
     if constexpr (!quiet) seen |= static_cast<Zpp32u>(x) + 16384;
   };
-  int done = 0;
-  while (done < len) {
-    const int end = std::min(done + kBlock, len);
-    for (int n = done; n < end; ++n) {
-      Zpp32s s = minusRounded(src[n], r7, v7);
+  for (int done = 0; done < len;) {
+    const int count = std::min(kBlock, len - done);
+    const Zpp16s* const in = src + done + count;
+    Zpp16s* const out = dst + done + count;
+    for (std::ptrdiff_t n = -count; n < 0; ++n) {
+      Zpp32s s = minusRounded(in[n], r7, v7);
       s = minusRounded(s, r6, v6), v7 = plusRounded(v6, r6, s), see(s), see(v6);
       s = minusRounded(s, r5, v5), v6 = plusRounded(v5, r5, s);
       s = minusRounded(s, r4, v4), v5 = plusRounded(v4, r4, s), see(s), see(v4);
@@ -85,16 +87,16 @@ int synthesise(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, int len, Zpp1
       s = minusRounded(s, r1, v1), v2 = plusRounded(v1, r1, s);
       s = minusRounded(s, r0, v0), v1 = plusRounded(v0, r0, s), see(s), see(v0);
       if (quiet && static_cast<Zpp32u>(s + limit) > 2 * static_cast<Zpp32u>(limit)) return done;
-      dst[n] = low16(s);
+      out[n] = low16(s);
       v0 = s;
     }
     see(v2), see(v4), see(v6);
     if (seen > 32767) return done;
     const Zpp32s last[] = {v0, v1, v2, v3, v4, v5, v6, v7};
     for (int i = 0; i < kGsmFrOrder; ++i) memory[i] = low16(last[i]);
-    done = end;
+    done += count;
   }
-  return done;
+  return len;
 }
 
 // dst is not src.
