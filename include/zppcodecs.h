@@ -17,6 +17,9 @@
  *   gsm-fr                  33 octets, speech or silence descriptor: a signature of four bits, then the parameters (RFC 3551).
  *                           In discontinuous transmission every frame has a payload; a link leaves out those of a pause
  *                           behind the first descriptor, but for one in 24, and the decoder takes them as not sent
+ *   g729i                   8, 10 or 15 octets of speech at 6.4, 8 and 11.8 kbit/s (RFC 3551: G729D, G729, G729E), 2 of a
+ *                           silence descriptor
+ *   g729f, g729af           those of g729, g729a, in single precision
  *
  * In discontinuous transmission a frame for which nothing is sent has a payload of 0 octets.
  */

@@ -1,5 +1,6 @@
 // The names under which the program offers the codecs, and how their payloads may lie in files.
 #include "codecs/framing/framing.h"
+#include "codecs/framing/groups.h"
 #include "codecs/framing/octets.h"
 #include "codecs/framing/parameters.h"
 #include "codecs/framing/words.h"
@@ -9,15 +10,21 @@ namespace codecs::framing {
 namespace {
 
 Entry entry(std::string_view name, const char* codec, int bitRate, std::vector<int> octets, std::vector<Choice> framings,
-            bool dtx = false) {
+            bool dtx = false, bool everyRate = false) {
   return {.name = name,
           .codec = zppcFindCodec(codec),
           .options = {.bitRate = bitRate, .dtx = dtx, .variant = 0},
-          .everyRate = false,
+          .everyRate = everyRate,
           .octets = std::move(octets),
           .framings = std::move(framings),
           .encoderSwitch = {},
           .decoderSwitch = {}};
+}
+
+// The same with an option of the program that switches a part of the decoder off
+Entry decodingWithout(std::string_view decoderSwitch, Entry whole) {
+  whole.decoderSwitch = decoderSwitch;
+  return whole;
 }
 
 constexpr ParameterLayout kFullRate = {gsmfr::kSignatureBits, gsmfr::kSignature, gsmfr::kParameterBits};
@@ -33,18 +40,33 @@ const std::vector<Entry>& catalogue() {
   static const std::vector<Choice> octets = {{"octets", bareOctets}};
   static const std::vector<Choice> adpcm = {{"rfc3551", bareOctets}, {"aal2", bareOctets, 1}, {"codes", codePerByte}};
   static const std::vector<Choice> transform = {{"packed", packedWords}, {"rfc5577", bareOctets}, {"itu", serialBits}};
-  static const std::vector<Choice> celp = {{"rfc3551", octetsOrLength}, {"itu", serialBitsOrNone}};
+  static const std::vector<Choice> celp = {{"rfc3551", octetsOrLength}, {"itu", serialBitsOfG729}};
+  static const std::vector<Choice> lowDelay = {{"rfc3551", bareOctets}, {"words", codePerWord}, {"itu", serialGroups}};
   static const std::vector<Choice> rpe = {
       {"rfc3551", fullRate<SignedOctets>}, {"wav49", fullRate<PairedParameters>}, {"words", fullRate<ParameterWords>}};
   // name, row of the table, bit rate, octets of a payload, framings
   static const std::vector<Entry> entries = {
-      entry("g711-mulaw", "g711-mulaw", 64000, {}, octets), entry("g711-alaw", "g711-alaw", 64000, {}, octets),
-      entry("g726-16", "g726", 16000, {}, adpcm),           entry("g726-24", "g726", 24000, {}, adpcm),
-      entry("g726-32", "g726", 32000, {}, adpcm),           entry("g726-40", "g726", 40000, {}, adpcm),
-      entry("g722.1-24", "g722.1", 24000, {60}, transform), entry("g722.1-32", "g722.1", 32000, {80}, transform),
-      entry("g729", "g729", 8000, {10, 2}, celp),           entry("g729a", "g729a", 8000, {10, 2}, celp),
-      entry("g729b", "g729", 8000, {10, 2}, celp, true),    entry("g729ab", "g729a", 8000, {10, 2}, celp, true),
+      // clang-format off
+      entry("g711-mulaw", "g711-mulaw", 64000, {}, octets),
+      entry("g711-alaw", "g711-alaw", 64000, {}, octets),
+      entry("g726-16", "g726", 16000, {}, adpcm),
+      entry("g726-24", "g726", 24000, {}, adpcm),
+      entry("g726-32", "g726", 32000, {}, adpcm),
+      entry("g726-40", "g726", 40000, {}, adpcm),
+      entry("g722.1-24", "g722.1", 24000, {60}, transform),
+      entry("g722.1-32", "g722.1", 32000, {80}, transform),
+      decodingWithout("no-postfilter", entry("g728", "g728", 16000, {5}, lowDelay)),
+      entry("g729", "g729", 8000, {10, 2}, celp),
+      entry("g729a", "g729a", 8000, {10, 2}, celp),
+      entry("g729b", "g729", 8000, {10, 2}, celp, true),
+      entry("g729ab", "g729a", 8000, {10, 2}, celp, true),
       entry("gsm-fr", "gsm-fr", 13000, {33}, rpe),
+      entry("g729d", "g729i", 6400, {8, 2}, celp),
+      entry("g729e", "g729i", 11800, {15, 2}, celp),
+      entry("g729i", "g729i", 8000, {15, 10, 8, 2}, celp, false, true),
+      entry("g729f", "g729f", 8000, {10}, celp),
+      entry("g729af", "g729af", 8000, {10}, celp),
+      // clang-format on
   };
   return entries;
 }
