@@ -45,9 +45,8 @@ ZppStatus zppsHarmonicFilter_AMRWB_16s_I(Zpp16s gain, int lag, Zpp16s* srcDst, i
 
 namespace {
 
-// x - gamma * prev in Q15: of magnitude 2^31 at the most, and 2^31 itself only for x = prev = gamma = -32768 (reached from
-// below as well as from above)
-constexpr Zpp32s preemphasised(Zpp16s x, Zpp16s prev, Zpp16s gamma) { return sat32(Zpp64s{x} * 32768 - Zpp32s{gamma} * prev); }
+// x - gamma * prev in Q15: both products are of magnitude 2^30 at the most, and only negative ones reach it together.
+constexpr Zpp32s preemphasised(Zpp16s x, Zpp16s prev, Zpp16s gamma) { return x * 32768 - gamma * prev; }
 
 }  // namespace
 

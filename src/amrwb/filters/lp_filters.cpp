@@ -15,7 +15,7 @@ ZppStatus zppsSynthesisFilter_AMRWB_16s_I(const Zpp16s* lpc, Zpp16s* srcDst, int
   if (anyNull(lpc, srcDst, mem)) return zppStsNullPointer;
   if (len < 1) return zppStsBadSize;
   if (order != 16 && order != 20) return zppStsOutOfRange;
-  ownSynthesisFilter_AMRWB_16s_I(lpc, srcDst, len, order, mem);
+  synthesise(lpc, srcDst, len, order, mem);
   return zppStsOk;
 }
 

@@ -14,10 +14,9 @@ void ownResidualFilter_AMRWB_16s_PX(const Zpp16s* lpc, const Zpp16s* src, Zpp16s
   }
 }
 
-void ownSynthesisFilter_AMRWB_16s_I_PX(const Zpp16s* lpc, Zpp16s* srcDst, int len, int order, Zpp16s* mem) {
+void ownSynthesisFilter_AMRWB_16s_I_PX(const Zpp16s* lpc, int order, Zpp16s inputFactor, int shift, Zpp16s* srcDst, int len,
+                                       Zpp16s* mem) {
   constexpr int mostOrder = 20;
-  const int shift = norm16(lpc[0]) + 1;  // 3 for coefficients in Q12
-  const Zpp16s inputFactor = shr16(lpc[0], 1);
   Zpp16s start[2 * mostOrder];  // the past outputs and the first new ones
   std::memcpy(start, mem, static_cast<unsigned>(order) * sizeof(Zpp16s));
   // past[-1] is the latest output
