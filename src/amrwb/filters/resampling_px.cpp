@@ -5,6 +5,7 @@
 #include "amrwb/filters/tables.h"
 
 using namespace zpp;
+using namespace zpp::amrwb;
 
 namespace {
 

@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "amrwb/high_band/kernels.h"
-#include "amrwb/isf/kernels.h"
+#include "amrwb/lpc/kernels.h"
 #include "core/checks.h"
 
 using namespace zpp;
