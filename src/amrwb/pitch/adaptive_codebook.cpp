@@ -5,6 +5,7 @@
 #include "amrwb/pitch/lag_coding.h"
 #include "amrwb/pitch/tables.h"
 #include "core/checks.h"
+#include "lpc/kernels.h"
 
 using namespace zpp;
 using namespace zpp::amrwb;
@@ -81,6 +82,20 @@ void remove(const Zpp16s* x, const Zpp16s* y, Zpp16s gain, Zpp16s* dst) {
 }
 
 }  // namespace
+
+void ownConvolution_AMRWB_16s(const Zpp16s* src, const Zpp16s* impulse, Zpp16s* dst) {
+  if (!productsFit(ownDotProd_16s(src, src, kSubframe), ownDotProd_16s(impulse, impulse, kSubframe))) {
+    for (int n = 0; n < kSubframe; ++n) {
+      Zpp32s sum = 0;
+      for (int k = 0; k <= n; ++k) sum = macDbl(sum, src[k], impulse[n - k]);
+      dst[n] = roundHigh16(sum);
+    }
+    return;
+  }
+  Zpp32s sums[kSubframe];
+  ownConvPartial_16s32s(src, impulse, sums, kSubframe);
+  for (int n = 0; n < kSubframe; ++n) dst[n] = sat16((sums[n] + 0x4000) >> 15);
+}
 
 void ownAdaptiveCodebookSearch_AMRWB_16s(const Zpp16s* target, const Zpp16s* impulse, Zpp16s* excitation, Zpp16s* minLag,
                                          Zpp16s* lag, Zpp16s* fraction, Zpp16s* index, int openLoopLag, int subframe,

@@ -1,30 +1,21 @@
 // Normalised correlations, adaptive-codebook vector and its filters: portable kernels.
 #include "amrwb/pitch/kernels.h"
+#include "amrwb/pitch/pitch_correlation.h"
 #include "amrwb/pitch/tables.h"
 
 using namespace zpp;
 using namespace zpp::amrwb;
 
-void ownConvolution_AMRWB_16s_PX(const Zpp16s* src, const Zpp16s* impulse, Zpp16s* dst) {
-  for (int n = 0; n < kSubframe; ++n) {
-    Zpp32s sum = 0;
-    for (int k = 0; k <= n; ++k) sum = macDbl(sum, src[k], impulse[n - k]);
-    dst[n] = roundHigh16(sum);
-  }
-}
-
 void ownNormCorr_AMRWB_16s_PX(const Zpp16s* excitation, const Zpp16s* target, const Zpp16s* impulse, int minLag, int maxLag,
                               Zpp16s* corr) {
   const Zpp64s energyTarget = ownDotProd_16s(target, target, kSubframe);
-  const int targetScale = -((32 - norm32(sat32(1 + 2 * energyTarget))) >> 1);
+  const int targetScale = targetScaleOf(energyTarget);
   Zpp16s filtered[kSubframe];
-  ownConvolution_AMRWB_16s_PX(excitation - minLag, impulse, filtered);
+  ownConvolution_AMRWB_16s(excitation - minLag, impulse, filtered);
   for (int t = minLag;; ++t) {
     const Zpp64s energyFiltered = ownDotProd_16s(filtered, filtered, kSubframe);
-    const Floating c = normalised(dotProduct(target, filtered, kSubframe, 1, energyTarget, energyFiltered));
-    const Floating root = inverseSqrt(normalised(sat32(1 + 2 * energyFiltered)));
-    *corr++ =
-        roundHigh16(shlSat32(mulDbl(high16(c.mantissa), high16(root.mantissa)), c.exponent + root.exponent + targetScale));
+    const Zpp32s correlation = dotProduct(target, filtered, kSubframe, 1, energyTarget, energyFiltered);
+    *corr++ = normalisedCorrelation(correlation, energyFiltered, targetScale);
     if (t == maxLag) break;
     // One sample earlier: the response to the sample that enters, added to the old one delayed
     const Zpp16s entering = excitation[-t - 1];

@@ -1,0 +1,45 @@
+// The kernels of the algebraic codebook of AMR-WB and their processor variants.
+#pragma once
+
+#include "amrwb/rate.h"
+#include "core/variants.h"
+
+namespace zpp::amrwb {
+
+// What the search knows of the 64 positions, by track and position in the track: position 4 i + track is element
+// 16 track + i.
+struct PulseTarget {
+  Zpp16s corr[64];       // backward-filtered target with the pulse's sign
+  Zpp16s sign[64];       // 32767 or -32768
+  Zpp16s energy[64];     // of the response to a pulse
+  Zpp16s cross[4][256];  // [track t][16 i + j]: position i of track t with position j of track t + 1, signs included
+};
+
+// A pair of pulses in neighbouring tracks
+struct PulsePair {
+  Zpp16s first, second;  // positions in their tracks
+  Zpp16s energy;
+  bool operator==(const PulsePair&) const = default;
+};
+
+}  // namespace zpp::amrwb
+
+// ownPulseCorrelations_AMRWB_16s: energy and cross of a target with signs, for a response of 64 samples.
+// ownPulseGains_AMRWB_16s: gain[i] = the correlation of the filtered code with the response to position i of a track, signed,
+//   plus that position's energy.
+// ownSearchPulsePair_AMRWB_16s: the pair with the largest ratio of squared correlation to energy, the first of equals;
+//   corr, energy: of the pulses so far; gain[0], gain[1]: of both tracks; candidate[i]: position i of the first track takes
+//   part.
+#define ZPP_AMRWB_FIXED_CODEBOOK_KERNELS(KERNEL)
+
+ZPP_AMRWB_FIXED_CODEBOOK_KERNELS(ZPP_DECLARE_KERNEL)
+
+void ownPulseCorrelations_AMRWB_16s(const Zpp16s* impulse, zpp::amrwb::PulseTarget* target);
+void ownPulseGains_AMRWB_16s(const Zpp16s* impulse, const Zpp16s* filteredCode, const zpp::amrwb::PulseTarget* target,
+                             int track, Zpp16s* gain);
+zpp::amrwb::PulsePair ownSearchPulsePair_AMRWB_16s(const zpp::amrwb::PulseTarget* target, int track, Zpp16s corr, Zpp16s energy,
+                                                   const Zpp16s* gain, const Zpp16s* candidate);
+
+void ownAlgebraicCodebookSearch_AMRWB_16s(const Zpp16s* target, const Zpp16s* residualTarget, const Zpp16s* impulse,
+                                          Zpp16s* code, Zpp16s* filteredCode, Zpp16s* index, zpp::amrwb::Mode mode);
+void ownAlgebraicCodebookDecode_AMRWB_16s(const Zpp16s* index, Zpp16s* code, zpp::amrwb::Mode mode);
