@@ -11,9 +11,8 @@
 namespace test {
 namespace {
 
-using codecs::Bytes;
-using codecs::Codec;
-using codecs::Samples;
+using codecs::framing::Bytes;
+using codecs::framing::Samples;
 
 constexpr std::size_t frameSamples = 320;
 
@@ -46,7 +45,7 @@ TEST(G7221Codec, EncodesTheReferenceStreamsInEveryFraming) {
       EXPECT_TRUE(encoded(*codec, "packed", speech) == expected) << name << codec->name;
       EXPECT_TRUE(encoded(*codec, "rfc5577", speech) == swapped(expected)) << name << codec->name;
       EXPECT_TRUE(encoded(*codec, "itu", speech) == serial(expected, frameBytes(*codec))) << name << codec->name;
-      EXPECT_EQ(codec->framings.front(), "packed");
+      EXPECT_EQ(defaultFraming(*codec), "packed");
     }
 }
 
@@ -77,7 +76,7 @@ TEST(G7221Codec, RefusesSerialFramesOfAnotherSizeAndConcealsEmptyOnes) {
     Bytes other = stream;
     other[2] = static_cast<std::uint8_t>(bits);
     other[3] = static_cast<std::uint8_t>(bits >> 8);
-    EXPECT_THROW(decoded(codec, "itu", other), codecs::StreamError) << bits;
+    EXPECT_THROW(decoded(codec, "itu", other), codecs::framing::StreamError) << bits;
   }
   // A bit word that is neither 0 nor 1 marks the frame as lost: nothing has been heard yet, so silence is repeated.
   Bytes broken = stream;

@@ -6,16 +6,15 @@
 #include <random>
 #include <sstream>
 
+#include "codecs/g729/vad.h"
 #include "codecs/streams.h"
-#include "g729_vad.h"
 #include "support/golden.h"
 
 namespace test {
 namespace {
 
-using codecs::Bytes;
-using codecs::Codec;
-using codecs::Samples;
+using codecs::framing::Bytes;
+using codecs::framing::Samples;
 
 std::vector<Bytes> framesOf(const Bytes& file) {
   std::vector<Bytes> frames;
@@ -113,10 +112,12 @@ TEST(G729Codec, ConcealsWhatIsMarkedAsLost) {
 TEST(G729Codec, RefusesFramesOfAnotherSize) {
   for (const Codec* codec : codecsOfG729()) {
     for (const std::size_t octets : {1u, 3u, 8u, 11u, 15u})
-      EXPECT_THROW(decoded(*codec, "itu", serial({Bytes(octets)})), codecs::StreamError) << codec->name << ' ' << octets;
+      EXPECT_THROW(decoded(*codec, "itu", serial({Bytes(octets)})), codecs::framing::StreamError)
+          << codec->name << ' ' << octets;
     if (!pauses(*codec)) continue;
     for (const std::uint8_t length : {1, 3, 9, 11, 254})
-      EXPECT_THROW(decoded(*codec, "rfc3551", Bytes(300, length)), codecs::StreamError) << codec->name << ' ' << int{length};
+      EXPECT_THROW(decoded(*codec, "rfc3551", Bytes(300, length)), codecs::framing::StreamError)
+          << codec->name << ' ' << int{length};
   }
 }
 

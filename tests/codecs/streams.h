@@ -5,47 +5,61 @@
 #include <fstream>
 #include <iterator>
 
-#include "codec.h"
+#include "codecs/framing/stream.h"
 
 namespace test {
 
-inline codecs::Bytes fileBytes(const std::string& name) {
+inline codecs::framing::Bytes fileBytes(const std::string& name) {
   std::ifstream file(TEST_DATA_DIR "/" + name, std::ios::binary);
   if (!file) throw std::runtime_error("no vectors " + name);
-  return codecs::Bytes(std::istreambuf_iterator<char>(file), {});
+  return codecs::framing::Bytes(std::istreambuf_iterator<char>(file), {});
 }
 
-inline codecs::Samples filePcm(const std::string& name) {
-  const codecs::Bytes bytes = fileBytes(name);
-  codecs::Samples samples;
+inline codecs::framing::Samples filePcm(const std::string& name) {
+  const codecs::framing::Bytes bytes = fileBytes(name);
+  codecs::framing::Samples samples;
   for (std::size_t n = 0; n + 1 < bytes.size(); n += 2)
     samples.push_back(static_cast<std::int16_t>(bytes[n] | bytes[n + 1] << 8));
   return samples;
 }
 
-inline const codecs::Codec& codecNamed(std::string_view name) {
-  for (const codecs::Codec& codec : codecs::registry())
-    if (codec.name == name) return codec;
+// Codecs as the program names them, with the options that the names imply
+using Codec = codecs::framing::Entry;
+
+inline const Codec& codecNamed(std::string_view name) {
+  if (const Codec* codec = codecs::framing::findEntry(name)) return *codec;
   throw std::runtime_error("no codec " + std::string(name));
 }
 
-inline codecs::Bytes encoded(const codecs::Codec& codec, std::string_view framing, std::span<const std::int16_t> speech) {
-  codecs::Bytes stream;
-  codec.makeEncoder(framing)->encode(speech, stream);
+inline std::string_view defaultFraming(const Codec& codec) { return codec.framings.front().name; }
+
+inline codecs::framing::Bytes encoded(const codecs::framing::Format& format, std::span<const std::int16_t> speech,
+                                      std::vector<int> rates = {}) {
+  codecs::framing::Bytes stream;
+  codecs::framing::StreamEncoder encoder(format, std::move(rates));
+  encoder.add(speech, stream);
+  encoder.finish(stream);
   return stream;
+}
+inline codecs::framing::Bytes encoded(const Codec& codec, std::string_view framing, std::span<const std::int16_t> speech) {
+  return encoded({&codec, framing, codec.options}, speech);
 }
 
 // Decodes a stream that arrives in pieces of the given size, 0 for all at once.
-inline codecs::Samples decoded(const codecs::Codec& codec, std::string_view framing, std::span<const std::uint8_t> stream,
-                               std::size_t piece = 0) {
-  const auto decoder = codec.makeDecoder(framing);
-  codecs::Samples samples;
-  std::size_t used = 0, arrived = 0;
-  while (arrived < stream.size()) {
-    arrived = piece == 0 ? stream.size() : std::min(stream.size(), arrived + piece);
-    used += decoder->decode(stream.subspan(used, arrived - used), samples);
+inline codecs::framing::Samples decoded(const codecs::framing::Format& format, std::span<const std::uint8_t> stream,
+                                        std::size_t piece = 0, codecs::framing::Reception reception = {}) {
+  codecs::framing::StreamDecoder decoder(format, std::move(reception));
+  codecs::framing::Samples samples;
+  for (std::size_t at = 0; at < stream.size(); at += piece) {
+    if (piece == 0 || stream.size() - at < piece) piece = stream.size() - at;
+    decoder.add(stream.subspan(at, piece), samples);
   }
+  if (decoder.finish(samples) != 0) throw codecs::framing::StreamError("the stream ends within a frame");
   return samples;
+}
+inline codecs::framing::Samples decoded(const Codec& codec, std::string_view framing, std::span<const std::uint8_t> stream,
+                                        std::size_t piece = 0) {
+  return decoded({&codec, framing, codec.options}, stream, piece);
 }
 
 inline std::uint32_t crc32(std::span<const std::int16_t> samples) {
@@ -62,7 +76,7 @@ inline std::uint32_t crc32(std::span<const std::int16_t> samples) {
 }
 
 // A frame in the serial format of ITU-T G.192, the first bit in the highest place of the first octet
-inline void appendSerial(std::span<const std::uint8_t> octets, bool lost, codecs::Bytes& stream) {
+inline void appendSerial(std::span<const std::uint8_t> octets, bool lost, codecs::framing::Bytes& stream) {
   const auto put = [&stream](std::size_t word) {
     stream.push_back(static_cast<std::uint8_t>(word));
     stream.push_back(static_cast<std::uint8_t>(word >> 8));

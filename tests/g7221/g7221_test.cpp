@@ -6,8 +6,8 @@
 #include <cmath>
 #include <random>
 
+#include "codecs/g7221/tables.h"
 #include "g7221/tables.h"
-#include "g7221_tables.h"
 #include "zppsc.h"
 
 namespace {

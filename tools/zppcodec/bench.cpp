@@ -8,9 +8,9 @@
 #include "errors.h"
 #include "pcm.h"
 
-using codecs::Bytes;
-using codecs::Codec;
-using codecs::Samples;
+using codecs::framing::Bytes;
+using codecs::framing::Entry;
+using codecs::framing::Samples;
 
 namespace {
 
@@ -65,36 +65,36 @@ double secondsOf(Work work) {
   return *middle;
 }
 
-// Codes the signal in packets of 20 ms, or of one frame where frames are longer.
-void benchCodec(const Codec& codec, std::string_view framing, std::span<const std::int16_t> signal, bool tsv) {
-  const auto frame = static_cast<std::size_t>(codec.samplesPerFrame);
-  const std::size_t packet = std::max<std::size_t>(1, static_cast<std::size_t>(codec.sampleRate) / 50 / frame) * frame;
+// Codes the signal in packets of 20 ms, or of one frame where frames are longer, through the C API.
+void benchCodec(const codecs::framing::Format& format, std::span<const std::int16_t> signal, bool tsv) {
+  const ZppcCodec& codec = *format.entry->codec;
+  const bool sampleBased = (codec.features & ZPPC_FEATURE_SAMPLE_BASED) != 0;
+  const auto frame = static_cast<std::size_t>(codec.frameSamples);
+  const std::size_t packet =
+      sampleBased ? std::max<std::size_t>(1, static_cast<std::size_t>(codec.sampleRate) / 50 / frame) * frame : frame;
   const std::size_t packets = signal.size() / packet;
-  if (packets == 0) throw DataError("the speech is too short to time " + std::string(codec.name) + "; give a second or more");
-  Bytes stream;
-  std::vector<std::size_t> ends;  // of the packets in the stream
+  const std::string name(format.entry->name);
+  if (packets == 0) throw DataError("the speech is too short to time " + name + "; give a second or more");
+  const auto size = static_cast<int>(packet);
+  const std::size_t room = packet / frame * static_cast<std::size_t>(codec.maxPayload);
+  Bytes payloads(packets * room);
+  std::vector<int> octets(packets);
+  const auto require = [](auto* stream) { return stream != nullptr ? stream : throw std::bad_alloc(); };
   const double encoding = secondsOf([&] {
-    const auto encoder = codec.makeEncoder(framing);
-    stream.clear();
-    ends.clear();
-    for (std::size_t n = 0; n < packets; ++n) {
-      encoder->encode(signal.subspan(n * packet, packet), stream);
-      ends.push_back(stream.size());
-    }
+    ZppcEncoder* const encoder = require(zppcEncoderCreate(&codec, &format.options, nullptr));
+    for (std::size_t n = 0; n < packets; ++n)
+      octets[n] = zppcEncode(encoder, &signal[n * packet], size, &payloads[n * room], static_cast<int>(room));
+    zppcEncoderDestroy(encoder);
   });
-  Samples samples;
+  Samples samples(packet);
   const double decoding = secondsOf([&] {
-    const auto decoder = codec.makeDecoder(framing);
-    std::size_t at = 0;
-    for (const std::size_t end : ends) {
-      samples.clear();
-      decoder->decode(std::span(stream).subspan(at, end - at), samples);
-      at = end;
-    }
+    ZppcDecoder* const decoder = require(zppcDecoderCreate(&codec, &format.options, nullptr));
+    for (std::size_t n = 0; n < packets; ++n) zppcDecode(decoder, &payloads[n * room], octets[n], samples.data(), size);
+    zppcDecoderDestroy(decoder);
   });
   const double seconds = static_cast<double>(packets * packet) / codec.sampleRate;
-  std::printf(tsv ? "%s\t%.0f\t%.0f\t%.0f\n" : "%-11s  %10.0f  %10.0f  %10.0f\n", std::string(codec.name).c_str(),
-              seconds / encoding, seconds / decoding, seconds / (encoding + decoding));
+  std::printf(tsv ? "%s\t%.0f\t%.0f\t%.0f\n" : "%-13s  %10.0f  %10.0f  %10.0f\n", name.c_str(), seconds / encoding,
+              seconds / decoding, seconds / (encoding + decoding));
   std::fflush(stdout);
 }
 
@@ -107,15 +107,16 @@ void bench(const Job& job) {
   int speechRate = 0;
   if (!job.tsv) {
     std::printf("times real time on one core; channels: encoder and decoder of one call each\n");
-    std::printf("%-11s  %10s  %10s  %10s\n", "codec", "encode", "decode", "channels");
+    std::printf("%-13s  %10s  %10s  %10s\n", "codec", "encode", "decode", "channels");
   }
-  for (const Codec& codec : codecs::registry()) {
-    if (job.codec != nullptr && &codec != job.codec) continue;
+  for (const Entry& entry : codecs::framing::catalogue()) {
+    if (job.format.entry != nullptr && &entry != job.format.entry) continue;
+    const ZppcCodec& codec = *entry.codec;
     if (speechRate != codec.sampleRate) {
       if (in && speechRate != 0) continue;  // the given speech serves the codecs of one rate
       speech = in ? readAllPcm(*in, job.raw, codec.sampleRate) : babble(codec.sampleRate);
       speechRate = codec.sampleRate;
     }
-    benchCodec(codec, job.codec != nullptr ? job.framing : codec.framings.front(), speech, job.tsv);
+    benchCodec(job.format.entry != nullptr ? job.format : codecs::framing::defaultFormat(entry), speech, job.tsv);
   }
 }

@@ -5,14 +5,14 @@
 #include <string>
 #include <string_view>
 
-#include "codec.h"
+#include "codecs/framing/stream.h"
 
 struct Job {
-  const codecs::Codec* codec = nullptr;  // bench: null for all
-  std::string_view framing;
-  std::string in, out;  // "-": standard input, output
-  bool raw = false;     // PCM without a header
-  bool tsv = false;     // results as tab-separated values
+  codecs::framing::Format format = {};  // bench: no entry for all
+  std::string in, out;                  // "-": standard input, output
+  bool raw = false;                     // PCM without a header
+  bool tsv = false;                     // results as tab-separated values
+  std::string rates, lost, frameTypes;  // files with a number for each frame; empty: none
 };
 
 void encodeFile(const Job& job);

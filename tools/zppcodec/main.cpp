@@ -5,6 +5,7 @@
 #include <iostream>
 #include <optional>
 
+#include "codecs/registry.h"
 #include "commands.h"
 #include "errors.h"
 
@@ -17,30 +18,63 @@ std::string joined(const Names& names) {
   return text;
 }
 
-std::vector<std::string_view> codecNames() {
+using codecs::framing::Entry;
+
+template <class Rows>
+std::vector<std::string_view> namesOf(const Rows& rows) {
   std::vector<std::string_view> names;
-  for (const auto& codec : codecs::registry()) names.push_back(codec.name);
+  for (const auto& row : rows) names.push_back(row.name);
   return names;
 }
 
-const codecs::Codec& codecNamed(const std::string& name) {
-  const auto& rows = codecs::registry();
-  const auto row = std::ranges::find(rows, name, &codecs::Codec::name);
-  if (row == rows.end()) throw UsageError("there is no codec '" + name + "'; choose one of " + joined(codecNames()));
-  return *row;
+const Entry& entryNamed(const std::string& name) {
+  const Entry* const entry = codecs::framing::findEntry(name);
+  if (entry == nullptr)
+    throw UsageError("there is no codec '" + name + "'; choose one of " + joined(namesOf(codecs::framing::catalogue())));
+  return *entry;
 }
 
-std::string_view framingNamed(const codecs::Codec& codec, const std::optional<std::string>& name) {
-  if (!name) return codec.framings.front();
-  const auto framing = std::ranges::find(codec.framings, *name);
-  if (framing != codec.framings.end()) return *framing;
-  throw UsageError(std::string(codec.name) + " has no framing '" + *name + "'; choose one of " + joined(codec.framings));
+std::string_view framingNamed(const Entry& entry, const std::optional<std::string>& name) {
+  if (!name) return entry.framings.front().name;
+  if (const auto* framing = codecs::framing::findFraming(entry, *name)) return framing->name;
+  throw UsageError(std::string(entry.name) + " has no framing '" + *name + "'; choose one of " +
+                   joined(namesOf(entry.framings)));
+}
+
+// What the user says of the codec beside its name
+struct Wishes {
+  std::optional<std::string> codec, framing;
+  bool dtx = false;
+  int vad = 1;
+  bool noHighPass = false, noPostfilter = false;
+};
+
+codecs::framing::Format formatOf(const Wishes& wishes, const Job& job) {
+  const Entry& entry = entryNamed(*wishes.codec);
+  codecs::framing::Format format = {&entry, framingNamed(entry, wishes.framing), entry.options};
+  const auto lacks = [&entry](const std::string& what) { return UsageError(std::string(entry.name) + " has no " + what); };
+  if (wishes.dtx) {
+    if ((entry.codec->features & ZPPC_FEATURE_DTX) == 0) throw lacks("discontinuous transmission (--dtx)");
+    format.options.dtx = 1;
+  }
+  const auto choose = [&](std::string_view codecsSwitch, const std::string& option, bool wanted) {
+    if (!wanted) return;
+    if (codecsSwitch != option) throw lacks("option --" + option);
+    format.options.variant = 1;
+  };
+  choose(entry.encoderSwitch, "vad", wishes.vad == 2);
+  choose(entry.encoderSwitch, "no-highpass", wishes.noHighPass);
+  choose(entry.decoderSwitch, "no-postfilter", wishes.noPostfilter);
+  if (!job.rates.empty() && !entry.everyRate) throw lacks("rates to switch between (--rates)");
+  if (!job.frameTypes.empty() && !codecs::rowOf(entry.codec)->decoder.takesReceiveTypes)
+    throw lacks("receive types (--frame-types)");
+  return format;
 }
 
 std::string version() {
   const ZppLibraryVersion& library = *zppscGetLibVersion();
-  return "zppcodec " ZPPCODEC_VERSION ", " + std::string(library.Name) + " " + library.Version + ", level " +
-         std::string(library.targetCpu, 2);
+  return "zppcodec " ZPPCODEC_VERSION ", libzppcodecs " + std::string(zppcVersion()) + ", " + std::string(library.Name) + " " +
+         library.Version + ", level " + std::string(library.targetCpu, 2);
 }
 
 int run(int argc, char** argv) {
@@ -50,33 +84,43 @@ int run(int argc, char** argv) {
   app.footer("Exit status: 0 success, 1 wrong usage, 2 unusable data or failed input or output.");
 
   Job job;
-  std::optional<std::string> codec, framing;
+  Wishes wishes;
   const auto command = [&](const char* name, const char* description, void (*action)(const Job&)) {
     CLI::App* sub = app.add_subcommand(name, description);
     sub->callback([&, action] {
-      if (codec) {
-        job.codec = &codecNamed(*codec);
-        job.framing = framingNamed(*job.codec, framing);
-      }
+      if (wishes.codec) job.format = formatOf(wishes, job);
       action(job);
     });
     return sub;
   };
   const auto chooseCodec = [&](CLI::App* sub) {
-    sub->add_option("--framing", framing, "How the codes are packed; 'zppcodec list' names the choices");
-    return sub->add_option("-c,--codec", codec, "The codec: " + joined(codecNames()));
+    sub->add_option("--framing", wishes.framing, "How the codes are packed; 'zppcodec list' names the choices");
+    sub->add_flag("--dtx", wishes.dtx, "Discontinuous transmission: send little or nothing in pauses");
+    return sub->add_option("-c,--codec", wishes.codec, "The codec: " + joined(namesOf(codecs::framing::catalogue())));
+  };
+  const auto chooseEncoder = [&](CLI::App* sub) {
+    sub->add_option("--rates", job.rates, "File of 16-bit words, low byte first: for each frame the index of its bit rate");
+    sub->add_option("--vad", wishes.vad, "Voice activity detector of GSM-AMR, 1 or 2")->check(CLI::Range(1, 2));
+    sub->add_flag("--no-highpass", wishes.noHighPass, "Leave out the encoder's high-pass filter");
+  };
+  const auto chooseDecoder = [&](CLI::App* sub) {
+    sub->add_option("--lost", job.lost, "File of 16-bit words, low byte first: another one than 0 marks the frame as lost");
+    sub->add_option("--frame-types", job.frameTypes, "Text file of numbers: for each frame its receive type by the standard");
+    sub->add_flag("--no-postfilter", wishes.noPostfilter, "Leave out the decoder's postfilter");
   };
   const char* rawHelp = "PCM is raw 16-bit little-endian, without a header";
   const char* tsvHelp = "Print tab-separated values, without a heading";
 
   CLI::App* encode = command("encode", "Code speech to a bit stream", encodeFile);
   chooseCodec(encode)->required();
+  chooseEncoder(encode);
   encode->add_flag("--raw", job.raw, rawHelp);
   encode->add_option("IN", job.in, "Speech: WAV or what else libsndfile reads, one channel; - for standard input")->required();
   encode->add_option("OUT", job.out, "Bit stream; - for standard output")->required();
 
   CLI::App* decode = command("decode", "Decode a bit stream to speech", decodeFile);
   chooseCodec(decode)->required();
+  chooseDecoder(decode);
   decode->add_flag("--raw", job.raw, rawHelp);
   decode->add_option("IN", job.in, "Bit stream; - for standard input")->required();
   decode->add_option("OUT", job.out, "Speech: .wav, .flac, .au or .aiff; - for standard output (WAV)")->required();

@@ -1,0 +1,61 @@
+// Fields of bits in octets, the most significant bit first.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace codecs {
+
+// Fills octets from their first bit; what goes beyond their end is dropped.
+class BitWriter {
+ public:
+  explicit BitWriter(std::span<std::uint8_t> octets) : octets_(octets) { std::ranges::fill(octets, std::uint8_t{0}); }
+
+  int left() const { return static_cast<int>(8 * octets_.size()) - position_; }
+
+  // The lowest `width` bits of value, width 0..32
+  void put(std::uint32_t value, int width) {
+    while (width > 0 && left() > 0) {
+      const int room = 8 - position_ % 8, part = std::min(room, width);
+      const std::uint32_t bits = value >> (width - part) & ((1u << part) - 1);
+      octets_[position_ / 8] |= static_cast<std::uint8_t>(bits << (room - part));
+      position_ += part;
+      width -= part;
+    }
+  }
+
+ private:
+  std::span<std::uint8_t> octets_;
+  int position_ = 0;
+};
+
+// Reads octets from their first bit. Beyond their end there are zeros; the caller watches left().
+class BitReader {
+ public:
+  explicit BitReader(std::span<const std::uint8_t> octets) : octets_(octets) {}
+
+  int left() const { return static_cast<int>(8 * octets_.size()) - position_; }
+
+  // The next 16 bits, which stay unread
+  unsigned peek16() const {
+    const auto at = static_cast<std::size_t>(position_ / 8);
+    unsigned window = 0;
+    for (std::size_t n = at; n < at + 3; ++n) window = window << 8 | (n < octets_.size() ? octets_[n] : 0u);
+    return window >> (8 - position_ % 8) & 0xffff;
+  }
+  void skip(int bits) { position_ += bits; }
+  // The next `width` bits, width 0..16
+  int bits(int width) {
+    const unsigned window = peek16();
+    skip(width);
+    return static_cast<int>(window >> (16 - width));
+  }
+
+ private:
+  std::span<const std::uint8_t> octets_;
+  int position_ = 0;
+};
+
+}  // namespace codecs

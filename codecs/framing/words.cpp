@@ -1,0 +1,73 @@
+#include "codecs/framing/words.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace codecs::framing {
+namespace {
+
+constexpr unsigned kGoodFrame = 0x6b21, kZero = 0x7f, kOne = 0x81;
+
+// Between the order of octets in the bit stream and that of words with the low octet first
+void swapOctets(std::span<std::uint8_t> octets) {
+  for (std::size_t n = 0; n + 1 < octets.size(); n += 2) std::swap(octets[n], octets[n + 1]);
+}
+
+}  // namespace
+
+void PackedWords::append(std::span<const std::uint8_t> payload, int, Bytes& stream) {
+  stream.insert(stream.end(), payload.begin(), payload.end());
+  swapOctets(std::span(stream).last(payload.size()));
+}
+
+std::optional<Frame> PackedWords::take(std::span<const std::uint8_t> stream, bool, bool) {
+  if (stream.size() < octets_) return std::nullopt;
+  const auto octets = stream.first(octets_);
+  Frame frame{.size = octets_, .payload = Bytes(octets.begin(), octets.end())};
+  swapOctets(frame.payload);
+  return frame;
+}
+
+void SerialBits::append(std::span<const std::uint8_t> payload, int, Bytes& stream) {
+  appendWord(kGoodFrame, stream);
+  appendWord(static_cast<unsigned>(8 * payload.size()), stream);
+  for (const unsigned octet : payload)
+    for (int bit = 7; bit >= 0; --bit) appendWord(octet >> bit & 1 ? kOne : kZero, stream);
+}
+
+std::optional<Frame> SerialBits::take(std::span<const std::uint8_t> stream, bool, bool) {
+  if (stream.size() < 4) return std::nullopt;
+  Frame frame;
+  const unsigned length = wordAt(stream, 1);
+  frame.lost = wordAt(stream, 0) != kGoodFrame;
+  const auto fits = [length](int octets) { return length == static_cast<unsigned>(8 * octets); };
+  if (std::ranges::none_of(sizes_, fits) && !(frame.lost && length == 0)) {
+    throw StreamError("a frame of " + std::to_string(length) + " bits where " + std::to_string(8 * sizes_.front()) +
+                      (sizes_.size() > 1 ? " or fewer are expected" : " are expected"));
+  }
+  if (stream.size() < 2 * (2 + length)) return std::nullopt;
+  frame.size = 2 * (2 + length);
+  frame.payload.resize(length / 8);
+  for (std::size_t n = 0; n < length; ++n) {
+    const unsigned word = wordAt(stream, 2 + n);
+    if (word == kOne) frame.payload[n / 8] |= static_cast<std::uint8_t>(0x80 >> n % 8);
+    if (word != kOne && word != kZero) frame.lost = true;
+  }
+  return frame;
+}
+
+std::unique_ptr<Framing> packedWords(const Entry& entry, const ZppcOptions&) {
+  return std::make_unique<PackedWords>(entry.octets.front());
+}
+
+std::unique_ptr<Framing> serialBits(const Entry& entry, const ZppcOptions&) {
+  return std::make_unique<SerialBits>(entry.octets);
+}
+
+std::unique_ptr<Framing> serialBitsOrNone(const Entry& entry, const ZppcOptions&) {
+  std::vector<int> sizes = entry.octets;
+  sizes.push_back(0);
+  return std::make_unique<SerialBits>(std::move(sizes));
+}
+
+}  // namespace codecs::framing

@@ -1,0 +1,36 @@
+// Framings of 16-bit words, the low octet first.
+#pragma once
+
+#include "codecs/framing/framing.h"
+
+namespace codecs::framing {
+
+// The octets of payloads of one size as words, the first bit in the highest bit of the first word
+class PackedWords : public Framing {
+ public:
+  explicit PackedWords(int octets) : octets_(static_cast<std::size_t>(octets)) {}
+  void append(std::span<const std::uint8_t> payload, int samples, Bytes& stream) override;
+  std::optional<Frame> take(std::span<const std::uint8_t> stream, bool ended, bool single) override;
+
+ private:
+  std::size_t octets_;
+};
+
+// The serial format of ITU-T G.192: for each frame a synchronisation word, the number of bits, then a word a bit. A frame may
+// be marked as lost, by another first word or a bit that is neither 0 nor 1.
+class SerialBits : public Framing {
+ public:
+  explicit SerialBits(std::vector<int> sizes) : sizes_(std::move(sizes)) {}
+  void append(std::span<const std::uint8_t> payload, int samples, Bytes& stream) override;
+  std::optional<Frame> take(std::span<const std::uint8_t> stream, bool ended, bool single) override;
+
+ private:
+  std::vector<int> sizes_;  // octets that a frame may have
+};
+
+std::unique_ptr<Framing> packedWords(const Entry& entry, const ZppcOptions& options);
+std::unique_ptr<Framing> serialBits(const Entry& entry, const ZppcOptions& options);
+// Of codecs with discontinuous transmission: frames without bits are those for which nothing was sent.
+std::unique_ptr<Framing> serialBitsOrNone(const Entry& entry, const ZppcOptions& options);
+
+}  // namespace codecs::framing
