@@ -92,6 +92,16 @@ void rankPositions(const Zpp16s* merit, Zpp16s* rank) {
     }
 }
 
+// Signs, signed correlations and ranks of all positions. Out of line, like the two-pulse search: the scratch space of the steps
+// must not add up.
+[[gnu::noinline]] void weighPositions(const Zpp16s* target, const Zpp16s* residualTarget, const Zpp16s* impulse, Zpp16s weight,
+                                      PulseTarget& t, Zpp16s* rank) {
+  Zpp16s corr[kSubframe], merit[kSubframe];
+  backwardFilter(target, impulse, corr);
+  chooseSigns(residualTarget, weight, corr, t, merit);
+  rankPositions(merit, rank);
+}
+
 // The response with zeros before, and negated: added at any position it costs no test.
 struct SignedResponse {
   Zpp16s positive[2 * kSubframe] = {}, negative[2 * kSubframe] = {};
@@ -108,7 +118,8 @@ struct SignedResponse {
 };
 
 // Two pulses, one at an even and one at an odd position (6.60 kbit/s)
-void searchTwoPulses(const PulseTarget& t, const SignedResponse& response, Zpp16s* code, Zpp16s* filteredCode, Zpp16s* index) {
+[[gnu::noinline]] void searchTwoPulses(const PulseTarget& t, const SignedResponse& response, Zpp16s* code, Zpp16s* filteredCode,
+                                       Zpp16s* index) {
   const Zpp16s* h = response.impulse();
   Zpp16s energy[kSubframe];
   Zpp32s sum = 0x10000;
@@ -222,10 +233,9 @@ ZppStatus zppsAlgebraicCodebookSearch_AMRWB_16s(const Zpp16s* target, const Zpp1
 void ownAlgebraicCodebookSearch_AMRWB_16s(const Zpp16s* target, const Zpp16s* residualTarget, const Zpp16s* impulse,
                                           Zpp16s* code, Zpp16s* filteredCode, Zpp16s* index, Mode mode) {
   const Plan& plan = kPlans[mode];
-  Zpp16s corr[kSubframe], merit[kSubframe], rank[kSubframe];
   PulseTarget t;
-  backwardFilter(target, impulse, corr);
-  chooseSigns(residualTarget, plan.targetWeight, corr, t, merit);
+  Zpp16s rank[kSubframe];
+  weighPositions(target, residualTarget, impulse, plan.targetWeight, t, rank);
   // With many pulses a strong response is halved, so that their sum has room; the code then is in Q8.
   const int halved = plan.pulses >= 12 && high16(energy(impulse, kSubframe)) > 1024 ? 1 : 0;
   const SignedResponse response(impulse, halved);
@@ -233,7 +243,6 @@ void ownAlgebraicCodebookSearch_AMRWB_16s(const Zpp16s* target, const Zpp16s* re
   std::fill_n(code, kSubframe, Zpp16s{0});
   if (mode == mode660) return searchTwoPulses(t, response, code, filteredCode, index);
 
-  rankPositions(merit, rank);
   int bestOfTrack[kTracks];
   for (int track = 0; track < kTracks; ++track)
     bestOfTrack[track] = static_cast<int>(std::find(rank + 16 * track, rank + 16 * (track + 1), 0) - (rank + 16 * track));
