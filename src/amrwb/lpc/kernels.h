@@ -10,6 +10,3 @@ void ownISPToISF_AMRWB_16s(const Zpp16s* isp, Zpp16s* isf, int order);
 void ownISFToISP_AMRWB_16s(const Zpp16s* isf, Zpp16s* isp, int order);
 void ownISPToLPC_AMRWB_16s(const Zpp16s* isp, Zpp16s* lpc, int order, bool scaling);
 void ownInterpolateISP_AMRWB_16s(const Zpp16s* prevIsp, const Zpp16s* isp, Zpp16s* lpc);
-void ownResidualFilter_AMRWB_16s(const Zpp16s* lpc, const Zpp16s* src, Zpp16s* dst, int len);
-void ownSynthesisFilter_AMRWB_16s_I(const Zpp16s* lpc, Zpp16s* srcDst, int len, int order, Zpp16s* mem);
-void ownSynthesisFilter_AMRWB_16s32s(const Zpp16s* lpc, const Zpp16s* src, Zpp32s* dst, int len, int scale);

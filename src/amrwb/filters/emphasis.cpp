@@ -1,0 +1,94 @@
+// Pre-emphasis and de-emphasis by 1 - gamma z^-1 and the filter that emphasises the pitch harmonics (3GPP TS 26.190 clauses
+// 5.1, 5.8 and 6.1).
+#include "amrwb/filters/kernels.h"
+#include "core/checks.h"
+#include "lpc/kernels.h"
+
+using namespace zpp;
+
+ZppStatus zppsPreemphasisScale_AMRWB_16s(const Zpp16s* src, int len, Zpp16s gamma, Zpp16s prev, int* shift) {
+  if (anyNull(src, shift)) return zppStsNullPointer;
+  if (len < 1) return zppStsBadSize;
+  *shift = ownPreemphasisScale_AMRWB_16s(src, len, gamma, prev);
+  return zppStsOk;
+}
+
+ZppStatus zppsPreemphasize_AMRWB_16s_I(Zpp16s* srcDst, int len, Zpp16s gamma, int shift, Zpp16s* mem) {
+  if (anyNull(srcDst, mem)) return zppStsNullPointer;
+  if (len < 1) return zppStsBadSize;
+  if (outside(shift, 0, 15)) return zppStsBadScale;
+  ownPreemphasize_AMRWB_16s_I(srcDst, len, gamma, shift, mem);
+  return zppStsOk;
+}
+
+ZppStatus zppsDeemphasize_AMRWB_16s_I(Zpp16s* srcDst, int len, Zpp16s gamma, Zpp16s* mem) {
+  if (anyNull(srcDst, mem)) return zppStsNullPointer;
+  if (len < 1) return zppStsBadSize;
+  ownDeemphasize_AMRWB_16s_I(srcDst, len, gamma, mem);
+  return zppStsOk;
+}
+
+ZppStatus zppsDeemphasize_AMRWB_32s16s(const Zpp32s* src, Zpp16s* dst, int len, Zpp16s gamma, Zpp16s* mem) {
+  if (anyNull(src, dst, mem)) return zppStsNullPointer;
+  if (len < 1) return zppStsBadSize;
+  ownDeemphasize_AMRWB_32s16s(src, dst, len, gamma, mem);
+  return zppStsOk;
+}
+
+ZppStatus zppsHarmonicFilter_AMRWB_16s_I(Zpp16s gain, int lag, Zpp16s* srcDst, int len) {
+  if (anyNull(srcDst)) return zppStsNullPointer;
+  if (len < 1) return zppStsBadSize;
+  if (lag < 1) return zppStsOutOfRange;
+  ownHarmonicFilter_AMRWB_16s_I(gain, lag, srcDst, len);
+  return zppStsOk;
+}
+
+namespace {
+
+// x - gamma * prev in Q15: both products are of magnitude 2^30 at the most, and only negative ones reach it together.
+constexpr Zpp32s preemphasised(Zpp16s x, Zpp16s prev, Zpp16s gamma) { return x * 32768 - gamma * prev; }
+
+}  // namespace
+
+int ownPreemphasisScale_AMRWB_16s(const Zpp16s* src, int len, Zpp16s gamma, Zpp16s prev) {
+  Zpp32s largest = 0;
+  for (int n = 0; n < len; ++n) {
+    const Zpp32s magnitude = absSat32(preemphasised(src[n], prev, gamma));
+    if (magnitude > largest) largest = magnitude;
+    prev = src[n];
+  }
+  const Zpp16s upper = high16(largest);
+  if (upper == 0) return 8;
+  const int shift = norm16(upper) - 1;
+  return shift < 0 ? 0 : shift > 8 ? 8 : shift;
+}
+
+void ownPreemphasize_AMRWB_16s_I(Zpp16s* srcDst, int len, Zpp16s gamma, int shift, Zpp16s* mem) {
+  Zpp16s prev = *mem;
+  for (int n = 0; n < len; ++n) {
+    const Zpp16s x = srcDst[n];
+    srcDst[n] = roundHigh16(shlSat32(preemphasised(x, prev, gamma), shift));
+    prev = x;
+  }
+  *mem = prev;
+}
+
+void ownDeemphasize_AMRWB_16s_I(Zpp16s* srcDst, int len, Zpp16s gamma, Zpp16s* mem) {
+  Zpp16s y = *mem;
+  for (int n = 0; n < len; ++n) srcDst[n] = y = roundHigh16(macDbl(Zpp32s{srcDst[n]} * 32768, y, gamma));
+  *mem = y;
+}
+
+void ownDeemphasize_AMRWB_32s16s(const Zpp32s* src, Zpp16s* dst, int len, Zpp16s gamma, Zpp16s* mem) {
+  const Zpp16s halfGamma = shr16(gamma, 1);
+  Zpp16s y = *mem;
+  for (int n = 0; n < len; ++n) {
+    const Zpp32s x = shlSat32(shlSat32(src[n], 4), 3);  // the 28 bits of the synthesis
+    dst[n] = y = roundHigh16(shlSat32(macDbl(x, y, halfGamma), 1));
+  }
+  *mem = y;
+}
+
+void ownHarmonicFilter_AMRWB_16s_I(Zpp16s gain, int lag, Zpp16s* srcDst, int len) {
+  for (int n = lag; n < len; ++n) srcDst[n] = roundHigh16(macDbl(fromHigh16(srcDst[n]), srcDst[n - lag], gain));
+}
