@@ -1,8 +1,8 @@
-#include "amrwb/payload.h"
+#include "codecs/amrwb/payload.h"
 
 #include <algorithm>
 
-#include "amrwb/payload_tables.h"
+#include "codecs/amrwb/payload_tables.h"
 
 namespace codecs::amrwb {
 

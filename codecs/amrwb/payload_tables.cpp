@@ -1,4 +1,4 @@
-#include "amrwb/payload_tables.h"
+#include "codecs/amrwb/payload_tables.h"
 
 namespace codecs::amrwb {
 
