@@ -42,7 +42,7 @@ class NoiseReceiver {
   Sound last_ = Sound::speech;
   // Of this frame: carries comfort-noise parameters; these are valid; a hangover went before, so the history tells the noise
   bool hasParameters_ = false, isUpdate_ = false, hangoverAdded_ = false;
-  bool updated_ = false;                          // an update or a hangover has given the noise its parameters
+  bool updated_ = false;                           // an update or a hangover has given the noise its parameters
   Zpp16s sinceUpdate_ = 0, periodInverse_ = 8192;  // frames; Q15
   Zpp16s hangover_ = 7, elapsed_ = 32767;          // the encoder's counters as far as they can be told
   Zpp16s inactiveFrames_ = 0;                      // frames of speech since the VAD flag was last set

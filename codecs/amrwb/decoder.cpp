@@ -160,14 +160,15 @@ void SpeechDecoder::decodeSpeech(ReceiveType type, int mode, const Zpp8u* bits, 
     std::copy_n(excitation, kSubframe, vector);
     std::copy_n(excitation, kSubframe, enhanced);
     require(zppsExcitation_AMRWB_16s_I(code, excitation, scaledGain, gainPitch));
-    Zpp16s largest = 0;
-    require(zppsMaxAbs_16s(excitation, &largest, kSubframe));
+    Zpp16s largest = 1;
+    for (int n = 0; n < kSubframe; ++n) largest = std::max(largest, absSat16(excitation[n]));
     std::copy_backward(subframeScales_, subframeScales_ + kSubframes - 1, subframeScales_ + kSubframes);
-    subframeScales_[0] = static_cast<Zpp16s>(norm16(std::max<Zpp16s>(largest, 1)) + scaling - 1);
+    subframeScales_[0] = static_cast<Zpp16s>(norm16(largest) + scaling - 1);
 
     // What is heard: dispersed, smoothed in noise, sharpened at the low rates
     require(zppsPhaseDispersion_AMRWB_16s_I(code, high16(gainCode), gainPitch, dispersion_, rate));
-    require(zppsExcitationEnhance_AMRWB_16s_I(code, enhanced, gainPitch, gainCode, stability, voicing, scaling, &smoothedGain_));
+    require(
+        zppsExcitationEnhance_AMRWB_16s_I(code, enhanced, gainPitch, gainCode, stability, voicing, scaling, &smoothedGain_));
     if (isLowRate(mode)) require(zppsPitchSharpening_AMRWB_16s_I(vector, enhanced, gainPitch));
 
     const bool highest = mode == kHighestMode;
@@ -191,7 +192,8 @@ void SpeechDecoder::decodeSpeech(ReceiveType type, int mode, const Zpp8u* bits, 
   noise_.learn(isf_, logEnergy);
 }
 
-// --- Frames and homing -----------------------------------------------------------------------------------------------------------
+// --- Frames and homing
+// -----------------------------------------------------------------------------------------------------------
 
 bool Decoder::isPayloadSize(int octets) const {
   for (int type = 0; type <= frameNoData; ++type)

@@ -28,7 +28,7 @@ class SpeechDecoder {
   Zpp8u lagState_[24];
   Zpp16s gainMem_[22] = {-14336, -14336, -14336, -14336};
   Zpp16s codeSeed_ = 21845;
-  int state_ = 0;            // of the concealment: 0 good .. 6
+  int state_ = 0;  // of the concealment: 0 good .. 6
   bool previousBad_ = false;
   Zpp16s inactiveFrames_ = 0;  // frames of speech since the VAD flag was last set
 

@@ -2,6 +2,8 @@
 // 6.3).
 #pragma once
 
+#include <algorithm>
+
 #include "codecs/amrwb/common.h"
 
 namespace codecs::amrwb {
