@@ -1,6 +1,8 @@
 // The table of codecs. A codec moves in with one row.
 #include "codecs/registry.h"
 
+#include "codecs/amrwb/decoder.h"
+#include "codecs/amrwb/encoder.h"
 #include "codecs/g711/g711.h"
 #include "codecs/g7221/g7221.h"
 #include "codecs/g726/g726.h"
@@ -15,6 +17,7 @@ constexpr int k64000[] = {64000};
 constexpr int kG726[] = {16000, 24000, 32000, 40000};
 constexpr int kG7221[] = {24000, 32000};
 constexpr int k8000[] = {8000};
+constexpr int kAmrWb[] = {6600, 8850, 12650, 14250, 15850, 18250, 19850, 23050, 23850};
 
 template <std::size_t count>
 constexpr ZppcCodec about(const char* name, const char* standard, const char* rtpEncoding, int sampleRate, int delaySamples,
@@ -46,6 +49,8 @@ constexpr CodecRow kRows[] = {
         about("g729", "ITU-T G.729", "G729", 8000, 40, k8000, 8000, kDtx | kConcealment)),
     codecRow<g729::Encoder<g729::AnnexAEncoder>, g729::Decoder<g729::AnnexAPostfilter>, 80, 10>(
         about("g729a", "ITU-T G.729 Annex A", "G729", 8000, 40, k8000, 8000, kDtx | kConcealment)),
+    codecRow<amrwb::Encoder, amrwb::Decoder, amrwb::kInputFrame, amrwb::kMaxPayload>(
+        about("amr-wb", "3GPP TS 26.171 (AMR-WB, ITU-T G.722.2)", "AMR-WB", 16000, 80, kAmrWb, 12650, kDtx | kConcealment)),
 };
 
 constexpr auto kPublic = [] {

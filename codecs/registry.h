@@ -18,6 +18,7 @@ struct EncoderRow {
   int (*encode)(void* encoder, const Zpp16s* pcm, int samples, Zpp8u* payload);
   int (*capacityFor)(const void* encoder, int samples);  // octets of these samples at most
   void (*setBitRate)(void* encoder, int bitRate);        // null: the rate stays
+  int (*unsent)(const void* encoder, Zpp8u* payload);    // null: unknown
 };
 
 struct DecoderRow {
@@ -43,6 +44,10 @@ const CodecRow* rowOf(const ZppcCodec* codec);
 
 // zppcDecode with a receive type of the codec's standard instead of the payload's own, for those who read files that hold it
 int decodeAs(ZppcDecoder* decoder, int receiveType, const Zpp8u* payload, int octets, Zpp16s* pcm, int capacity);
+
+// After a frame for which nothing was sent: the payload that would have been, where the standard's files hold it. Returns its
+// octets, 0 where the codec does not tell.
+int unsentPayload(ZppcEncoder* encoder, Zpp8u* payload);
 
 // A codec of which a call takes any number of whole frames
 template <class Encoder>
@@ -77,6 +82,8 @@ constexpr EncoderRow encoderRow() {
   }
   if constexpr (requires(Encoder & e) { e.setBitRate(0); })
     row.setBitRate = [](void* encoder, int bitRate) { static_cast<Encoder*>(encoder)->setBitRate(bitRate); };
+  if constexpr (requires(const Encoder& e, Zpp8u* payload) { e.unsent(payload); })
+    row.unsent = [](const void* encoder, Zpp8u* payload) { return static_cast<const Encoder*>(encoder)->unsent(payload); };
   return row;
 }
 

@@ -210,13 +210,13 @@ bool Decoder::decode(const Zpp8u* payload, int octets, Zpp16s* pcm) {
 bool Decoder::decodeAs(int receiveType, const Zpp8u* payload, int octets, Zpp16s* pcm) {
   Frame frame;
   if (octets > 0 && !unpack(payload, octets, frame)) return false;
-  if (receiveType > noData) return false;
-  ReceiveType type = receiveType < 0 ? receiveTypeOf(frame) : static_cast<ReceiveType>(receiveType);
+  if (receiveType > withMode(noData, kHighestMode)) return false;
+  ReceiveType type = receiveType < 0 ? receiveTypeOf(frame) : static_cast<ReceiveType>(receiveType % 8);
   // Without a speech frame's bits there is nothing to decode speech from.
   if (frame.type >= kModes && (type == speechGood || type == speechDegraded || type == speechBad)) type = speechLost;
   if (!isUnusable(type)) {
     if (frame.type < kModes) mode_ = frame.mode;
-    if (frame.type == frameNoise && noiseTellsMode_ && frame.mode < kModes) mode_ = frame.mode;
+    if (receiveType > noData) mode_ = receiveType / 8 - 1;
   }
   std::copy_n(frame.bits.bit, frame.bits.count, bits_);
   decodeFrame(type, pcm);

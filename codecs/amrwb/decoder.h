@@ -41,11 +41,11 @@ class SpeechDecoder {
 
 class Decoder {
  public:
-  // Variant 1: the mode that comes with comfort noise holds; otherwise that of the last frame does.
-  explicit Decoder(const Options& options) : noiseTellsMode_(options.variant == 1) {}
+  explicit Decoder(const Options&) {}
 
   bool isPayloadSize(int octets) const;
   bool decode(const Zpp8u* payload, int octets, Zpp16s* pcm);
+  // receiveType: a ReceiveType, alone or with the mode of the frame. Without it comfort noise has the mode of the last frame.
   bool decodeAs(int receiveType, const Zpp8u* payload, int octets, Zpp16s* pcm);
   void conceal(Zpp16s* pcm);
 
@@ -53,7 +53,6 @@ class Decoder {
   void decodeFrame(ReceiveType type, Zpp16s* pcm);
 
   SpeechDecoder decoder_;
-  bool noiseTellsMode_;
   bool home_ = true;  // the last frame was a homing frame, or there was none
   int mode_ = 0;
   // The bits of the last frame. Those of a shorter one replace only the beginning, and the test for a homing frame sees it all.

@@ -212,40 +212,35 @@ void Encoder::setBitRate(int bitRate) {
   mode_ = static_cast<int>(std::ranges::find(bitRates, bitRate) - bitRates);
 }
 
-void Encoder::codeFrame(const Zpp16s* pcm, Frame& frame) {
+int Encoder::encode(const Zpp16s* pcm, Zpp8u* payload) {
   Zpp16s samples[kInputFrame];
   for (int n = 0; n < kInputFrame; ++n) samples[n] = static_cast<Zpp16s>(pcm[n] & ~3);
-  const bool speech = coder_.encode(samples, mode_, dtx_, frame.bits);
+  Frame frame;
   frame.mode = mode_;
-  if (speech) {
-    frame.type = mode_;
-    schedule_.speech();
-  } else {
-    const NoiseSchedule::Sent sent = schedule_.noise();
-    frame.type = sent == NoiseSchedule::Sent::nothing ? frameNoData : frameNoise;
-    frame.update = sent == NoiseSchedule::Sent::update;
-  }
+  const bool speech = coder_.encode(samples, mode_, dtx_, frame.bits);
   if (std::all_of(pcm, pcm + kInputFrame, [](Zpp16s x) { return x == kHomingSample; }))
     std::construct_at(&coder_);  // in place: a copy would not fit the stack
-}
-
-int Encoder::encode(const Zpp16s* pcm, Zpp8u* payload) {
-  Frame frame;
-  codeFrame(pcm, frame);
-  if (frame.type == frameNoData) return 0;
+  if (speech) {
+    schedule_.speech();
+    frame.type = mode_;
+    return pack(frame, payload);
+  }
+  noiseBits_ = frame.bits;
+  const NoiseSchedule::Sent sent = schedule_.noise();
+  if (sent == NoiseSchedule::Sent::nothing) return 0;
+  frame.type = frameNoise;
+  frame.update = sent == NoiseSchedule::Sent::update;
   // The first frame of comfort noise only says that speech has ended.
-  if (frame.type == frameNoise && !frame.update) std::fill_n(frame.bits.bit, kNoiseBits, Zpp8u{0});
+  if (!frame.update) std::fill_n(frame.bits.bit, kNoiseBits, Zpp8u{0});
   return pack(frame, payload);
 }
 
-int Encoder::encodeWhole(const Zpp16s* pcm, Zpp8u* payload) {
+int Encoder::unsent(Zpp8u* payload) const {
   Frame frame;
-  codeFrame(pcm, frame);
-  const int type = frame.type;
-  if (type == frameNoData) frame.type = frameNoise;
-  const int octets = pack(frame, payload);
-  if (type == frameNoData) payload[0] = static_cast<Zpp8u>(8 * frameNoData + 4);
-  return octets;
+  frame.type = frameNoise;
+  frame.mode = mode_;
+  frame.bits = noiseBits_;
+  return pack(frame, payload);
 }
 
 }  // namespace codecs::amrwb

@@ -73,17 +73,15 @@ class Encoder {
 
   void setBitRate(int bitRate);
   int encode(const Zpp16s* pcm, Zpp8u* payload);
-  // The payload with the bits of comfort noise in every frame, whether it is sent or not: a frame of which nothing is sent has
-  // the type octet of that, and bits as if it were an update.
-  int encodeWhole(const Zpp16s* pcm, Zpp8u* payload);
+  // After a frame of comfort noise that is not sent, or of which only that it is noise: a payload with its bits
+  int unsent(Zpp8u* payload) const;
 
  private:
-  void codeFrame(const Zpp16s* pcm, Frame& frame);
-
   int mode_ = 0;
   bool dtx_;
   FrameEncoder coder_;
   NoiseSchedule schedule_;
+  FrameBits noiseBits_ = {};  // of the last frame of comfort noise
 };
 
 }  // namespace codecs::amrwb

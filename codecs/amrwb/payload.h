@@ -63,6 +63,8 @@ bool unpack(const Zpp8u* payload, int octets, Frame& frame);
 // The standard's receive types
 enum ReceiveType { speechGood, speechDegraded, speechLost, speechBad, noiseFirst, noiseUpdate, noiseBad, noData };
 ReceiveType receiveTypeOf(const Frame& frame);
+// A receive type and the mode of the frame in one number, for files that tell both
+constexpr int withMode(ReceiveType type, int mode) { return type + 8 * (mode + 1); }
 
 // Widths of the fields of a speech frame
 struct FieldWidths {

@@ -253,9 +253,10 @@ void ownAlgebraicCodebookSearch_AMRWB_16s(const Zpp16s* target, const Zpp16s* re
     placeFirst(p, plan, mode, iteration, bestOfTrack, t, response);
     placePairs(p, plan, mode, iteration, rank, t, response);
     const Zpp16s square = mulQ15(p.corr, p.corr);
-    if (!isBetter(square, p.energy, bestSquare, bestEnergy) && iteration > 0) continue;
-    bestSquare = square, bestEnergy = p.energy;
-    best = p;
+    const bool better = isBetter(square, p.energy, bestSquare, bestEnergy);
+    if (better) bestSquare = square, bestEnergy = p.energy;
+    // Rounding may leave an energy below 0, which passes no test; the first iteration's pulses stand for such a case.
+    if (better || iteration == 0) best = p;
   }
   for (int n = 0; n < kSubframe; ++n) filteredCode[n] = static_cast<Zpp16s>((best.filtered[n] + 4) >> 3);
   writeCode(best, t, static_cast<Zpp16s>(kPulse >> halved), code, index, mode);
