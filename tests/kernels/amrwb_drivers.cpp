@@ -1,7 +1,102 @@
+#include "amrwb/filters/kernels.h"
+#include "amrwb/pitch/kernels.h"
+
+#include "amrwb/filters/tables.h"
 #include "kernels/rig.h"
 
 namespace test {
 
-void runAmrWbKernels(const Options&, Tally&) {}
+ZPP_AMRWB_FILTER_KERNELS(ZPP_KERNEL_TYPE)
+ZPP_AMRWB_PITCH_KERNELS(ZPP_KERNEL_TYPE)
+
+void runAmrWbKernels(const Options& options, Tally& tally) {
+  ZPP_AMRWB_FILTER_KERNELS(ZPP_RUN_KERNEL)
+  ZPP_AMRWB_PITCH_KERNELS(ZPP_RUN_KERNEL)
+}
+
+namespace {
+
+// Levels at both sides of where the faster paths end, one a call
+template <class Rig>
+Zpp16s level(Rig& rig) {
+  constexpr Zpp16s levels[] = {300, 3000, 6750, 8200, 12000, 17500, 28910, 30083, 32767};
+  return levels[rig.scalar(0, 8)];
+}
+template <class Rig>
+const Zpp16s* within(Rig& rig, int n, Zpp16s most, int history = 0) {
+  return rig.template in<Zpp16s>(n, static_cast<Zpp16s>(-most), most, history);
+}
+
+// LP coefficients 1.0 and a decaying rest; now and then ones that saturate
+template <class Rig>
+const Zpp16s* filter(Rig& rig, int order) {
+  const bool wild = rig.scalar(0, 5) == 0;
+  const auto unit = static_cast<Zpp16s>(4096 >> rig.scalar(0, 4));
+  return rig.template made<Zpp16s>(order + 1, [&](Zpp16s* a) {
+    a[0] = unit;
+    for (int j = 1; j <= order; ++j)
+      a[j] = static_cast<Zpp16s>(wild ? rig.scalar(-32768, 32767) : rig.scalar(-unit, unit) * 2 / (j + 1));
+  });
+}
+
+// An impulse response that decays
+template <class Rig>
+const Zpp16s* response(Rig& rig, int start) {
+  return rig.template made<Zpp16s>(64, [&](Zpp16s* h) {
+    for (int n = 0; n < 64; ++n) h[n] = static_cast<Zpp16s>(rig.scalar(-start, start) * 8 / (n + 8));
+  });
+}
+
+}  // namespace
+
+DRIVE(ownDownSampling_AMRWB_16s, {{5, 10, 15, 80, 320}, {320}}) {
+  auto* mem = rig.inOut<Zpp16s>(30);
+  rig.run(rig.in<Zpp16s>(n), rig.out<Zpp16s>(n * 4 / 5), n, mem);
+}
+DRIVE(ownUpSampling_AMRWB_16s, {{4, 8, 64, 256}, {64}}) {
+  const Zpp16s most = level(rig);
+  auto* mem = rig.inOut<Zpp16s>(24, static_cast<Zpp16s>(-most), most);
+  rig.run(within(rig, n, most), rig.out<Zpp16s>(n * 5 / 4), n, mem);
+}
+DRIVE(ownHighBandFilter_AMRWB_16s_I, {{1, 3, 4, 79, 80, 81, 200}, {80}}) {
+  const Zpp16s most = level(rig);
+  auto* mem = rig.inOut<Zpp16s>(30, static_cast<Zpp16s>(-most), most);
+  const bool low = rig.scalar(0, 1) == 1;
+  auto* samples = rig.inOut<Zpp16s>(n, static_cast<Zpp16s>(-most), most);
+  rig.run(low ? lowPass7kHz : bandPass6To7kHz, samples, n, low ? 0 : 2, mem);
+}
+DRIVE(ownResidualFilter_AMRWB_16s, {{1, 7, 8, 9, 16, 31, 64, 256}, {64, 256}}) {
+  rig.run(filter(rig, 16), within(rig, n, level(rig), 16), rig.out<Zpp16s>(n), n);
+}
+DRIVE(ownSynthesisFilter_AMRWB_16s_I, {{1, 3, 4, 5, 15, 16, 17, 23, 64, 80}, {64, 80}}) {
+  const int order = rig.scalar(0, 2) == 0 ? 20 : 16;
+  const Zpp16s most = level(rig), past = level(rig);
+  auto* mem = rig.inOut<Zpp16s>(order, static_cast<Zpp16s>(-past), past);
+  const Zpp16s* const lpc = filter(rig, order);
+  auto* samples = rig.inOut<Zpp16s>(n, static_cast<Zpp16s>(-most), most);
+  const bool response = rig.scalar(0, 3) == 0;
+  rig.run(lpc, order, static_cast<Zpp16s>(response ? 16384 : lpc[0] >> 1), response ? 3 : zpp::norm16(lpc[0]) + 1, samples, n,
+          mem);
+}
+DRIVE(ownSynthesisFilter_AMRWB_16s32s, {{1, 3, 4, 5, 16, 23, 64}, {64}}) {
+  const Zpp32s most = rig.scalar(0, 3) == 0 ? (1 << 27) - 1 : 1 << 22;
+  auto* dst = rig.inOut<Zpp32s>(n, -most, most, 16);
+  rig.run(filter(rig, 16), within(rig, n, level(rig)), dst, n, rig.scalar(0, 8));
+}
+
+DRIVE(ownNormCorr_AMRWB_16s, only({1, 9, 24})) {
+  const int minLag = rig.scalar(30, 235 - n), maxLag = minLag + n - 1;
+  const auto* excitation = within(rig, 64, level(rig), maxLag);
+  rig.run(excitation, within(rig, 64, level(rig)), response(rig, rig.scalar(100, 32767)), minLag, maxLag, rig.out<Zpp16s>(n));
+}
+DRIVE(ownPredLt_AMRWB_16s_I, {{17, 22, 23, 24, 33, 34, 40, 64, 130, 231}, {34, 130}}) {
+  const Zpp16s most = level(rig);
+  auto* excitation = rig.inOut<Zpp16s>(65, static_cast<Zpp16s>(-most), most, 248);
+  rig.run(excitation, n, rig.scalar(0, 3));
+}
+// The source ends one element behind the last output.
+DRIVE(ownAdaptiveCodebookLowPass_AMRWB_16s, upTo(40, {64})) {
+  rig.run(rig.in<Zpp16s>(n + 1, -32768, 32767, 1), rig.out<Zpp16s>(n), n);
+}
 
 }  // namespace test

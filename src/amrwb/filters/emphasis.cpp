@@ -73,18 +73,30 @@ void ownPreemphasize_AMRWB_16s_I(Zpp16s* srcDst, int len, Zpp16s gamma, int shif
   *mem = prev;
 }
 
+namespace {
+
+// The exact sum in, the output in 16 bits out: saturated once, which no order of saturation before could change, since the sum
+// has two terms. The branch is hardly ever taken, and keeps saturation off the way from one output to the next.
+Zpp16s limited(Zpp64s output) {
+  if (output != static_cast<Zpp16s>(output)) [[unlikely]]
+    return sat16(sat32(output));
+  return static_cast<Zpp16s>(output);
+}
+
+}  // namespace
+
 void ownDeemphasize_AMRWB_16s_I(Zpp16s* srcDst, int len, Zpp16s gamma, Zpp16s* mem) {
   Zpp16s y = *mem;
-  for (int n = 0; n < len; ++n) srcDst[n] = y = roundHigh16(macDbl(Zpp32s{srcDst[n]} * 32768, y, gamma));
+  for (int n = 0; n < len; ++n) srcDst[n] = y = limited((Zpp64s{srcDst[n]} * 16384 + Zpp32s{y} * gamma + 0x4000) >> 15);
   *mem = y;
 }
 
 void ownDeemphasize_AMRWB_32s16s(const Zpp32s* src, Zpp16s* dst, int len, Zpp16s gamma, Zpp16s* mem) {
-  const Zpp16s halfGamma = shr16(gamma, 1);
+  const Zpp32s halfGamma = gamma >> 1;
   Zpp16s y = *mem;
   for (int n = 0; n < len; ++n) {
-    const Zpp32s x = shlSat32(shlSat32(src[n], 4), 3);  // the 28 bits of the synthesis
-    dst[n] = y = roundHigh16(shlSat32(macDbl(x, y, halfGamma), 1));
+    const Zpp32s x = shlSat32(src[n], 7);  // the 28 bits of the synthesis
+    dst[n] = y = limited((Zpp64s{x} + 2 * y * halfGamma + 0x4000) >> 15);
   }
   *mem = y;
 }

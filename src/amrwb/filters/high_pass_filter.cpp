@@ -23,6 +23,8 @@ static_assert(sizeof(HighPassState) == kHighPassStateSize);
 
 constexpr int magnitude(Zpp16s x) { return x < 0 ? -x : x; }
 
+constexpr Zpp32s mulWrap32(Zpp32s a, Zpp32s b) { return static_cast<Zpp32s>(static_cast<Zpp32u>(a) * static_cast<Zpp32u>(b)); }
+
 // Step by step, as the standard does it
 [[gnu::noinline]] Zpp32s saturatingSum(const HighPassState& s, int order, Zpp16s x0, const Zpp32s* x, const Zpp32s* y) {
   Zpp32s acc = 16384;
@@ -51,8 +53,11 @@ Zpp32s harmlessOutput(const HighPassState& s, int order, int largestInput) {
   return upperWord > kMax16 ? kMax32 : upperWord * 65536;
 }
 
-template <int order>
-void filter(Zpp16s* srcDst, int len, int shift, HighPassState& s) {
+// The filter's pace is the way from one output to the next: all else is kept off it. Both words of a past output are multiplied
+// at once: (y / 2) * a >> 14 is the sum of the upper word's doubled product and of the lower word's, which the standard scales
+// by itself.
+template <int order, int shift>
+void filter(Zpp16s* srcDst, int len, HighPassState& s) {
   int largest = ownMaxAbs_16s(srcDst, len) + 1;
   Zpp32s x[order], y[order], a[order], b[order + 1];
   b[0] = s.b[0];
@@ -61,22 +66,28 @@ void filter(Zpp16s* srcDst, int len, int shift, HighPassState& s) {
     largest = std::max(largest, magnitude(s.x[k]));
   }
   const Zpp32s harmless = harmlessOutput(s, order, largest);
+  const auto isHarmless = [harmless](Zpp32s out) { return out >= -harmless && out <= harmless; };
+  int stepwise = order;  // samples that take the standard's way, because of a past output that may make it saturate
+  if (std::all_of(y, y + order, isHarmless)) stepwise = 0;
   for (int n = 0; n < len; ++n) {
     const Zpp32s x0 = srcDst[n];
-    Zpp32s lower = 8192, upper = x0 * b[0];
-    bool isHarmless = true;
+    Zpp32s inputs = mulWrap32(x0, b[0]);
+    Zpp64s past = 8192;
     for (int k = 0; k < order; ++k) {
-      lower = addWrap32(lower, ((y[k] >> 1) & 0x7fff) * a[k]);
-      upper = addWrap32(upper, addWrap32((y[k] >> 16) * a[k], x[k] * b[k + 1]));
-      isHarmless = isHarmless && y[k] >= -harmless && y[k] <= harmless;
+      inputs = addWrap32(inputs, mulWrap32(x[k], b[k + 1]));
+      past += Zpp64s{y[k] >> 1} * a[k];
     }
-    Zpp32s acc = (lower >> 14) + shlWrap32(upper, 1);
-    if (!isHarmless) [[unlikely]]
+    Zpp32s acc = addWrap32(wrap32(past >> 14), shlWrap32(inputs, 1));
+    if (stepwise > 0) [[unlikely]] {
       acc = saturatingSum(s, order, low16(x0), x, y);
-    acc = shlSat32(acc, shift);
-    srcDst[n] = roundHigh16(shlSat32(acc, shift - 1));
+      --stepwise;
+    }
+    const Zpp32s out = shlSat32(acc, shift);
+    srcDst[n] = roundHigh16(shlSat32(out, shift - 1));
     for (int k = order - 1; k > 0; --k) x[k] = x[k - 1], y[k] = y[k - 1];
-    x[0] = x0, y[0] = acc & ~1;  // the state has no lowest bit
+    x[0] = x0, y[0] = out & ~1;  // the state has no lowest bit
+    if (!isHarmless(out)) [[unlikely]]
+      stepwise = order;
   }
   for (int k = 0; k < order; ++k) s.x[k] = low16(x[k]), s.y[k] = toDpf(y[k]);
 }
@@ -117,9 +128,9 @@ void ownHighPassFilter_AMRWB_16s_I(Zpp16s* srcDst, int len, int shift, void* sta
   HighPassState s;
   std::memcpy(&s, state, sizeof s);
   if (s.order == kMostOrder)
-    filter<3>(srcDst, len, shift, s);
+    shift == 1 ? filter<3, 1>(srcDst, len, s) : filter<3, 2>(srcDst, len, s);
   else
-    filter<2>(srcDst, len, shift, s);
+    shift == 1 ? filter<2, 1>(srcDst, len, s) : filter<2, 2>(srcDst, len, s);
   std::memcpy(state, &s, sizeof s);
 }
 

@@ -76,9 +76,9 @@ Zpp16s codebookGain(const Zpp16s* target, const Zpp16s* filtered, bool clip, Zpp
   return std::min<Zpp16s>(gain, clip ? 15565 : 19661);  // 0.95, 1.2
 }
 
-// dst = x - gain * y, gain Q14
+// dst = x - gain * y, gain Q14, 0..1.2: the exact difference, saturated once
 void remove(const Zpp16s* x, const Zpp16s* y, Zpp16s gain, Zpp16s* dst) {
-  for (int n = 0; n < kSubframe; ++n) dst[n] = high16(shlSat32(msuDbl(Zpp32s{x[n]} * 32768, y[n], gain), 1));
+  for (int n = 0; n < kSubframe; ++n) dst[n] = sat16((x[n] * 16384 - y[n] * gain) >> 14);
 }
 
 }  // namespace
