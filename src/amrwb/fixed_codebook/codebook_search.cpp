@@ -105,12 +105,14 @@ void rankPositions(const Zpp16s* merit, Zpp16s* rank) {
 // The response with zeros before, and negated: added at any position it costs no test.
 struct SignedResponse {
   Zpp16s positive[2 * kSubframe] = {}, negative[2 * kSubframe] = {};
+  Zpp64s energy;
 
   SignedResponse(const Zpp16s* impulse, int shift) {
     for (int n = 0; n < kSubframe; ++n) {
       positive[kSubframe + n] = static_cast<Zpp16s>(impulse[n] >> shift);
       negative[kSubframe + n] = negSat16(positive[kSubframe + n]);
     }
+    energy = ownDotProd_16s(positive + kSubframe, positive + kSubframe, kSubframe);
   }
   const Zpp16s* impulse() const { return positive + kSubframe; }
   // of a pulse at a position, from sample 0 on
@@ -183,10 +185,13 @@ void placeFirst(Placement& p, const Plan& plan, Mode mode, int iteration, const 
 
 void placePairs(Placement& p, const Plan& plan, Mode mode, int iteration, const Zpp16s* rank, const PulseTarget& t,
                 const SignedResponse& response) {
+  // The filtered code has at most as many times the response's norm as it has pulses. By Cauchy and Schwarz:
+  const bool fits = response.energy * plan.pulses < 1 << 30;
   for (int pair = 0; p.count < plan.pulses; ++pair) {
     const int track = trackOf(mode, iteration, p.count), next = (track + 1) % kTracks;
     Zpp16s gain[2 * kTrackPositions], candidate[kTrackPositions];
-    ownPulseGains_AMRWB_16s(response.impulse(), p.filtered, &t, track, gain);
+    ownPulseGains_AMRWB_16s(response.impulse(), p.filtered, &t, track, gain,
+                            fits || productsFit(response.energy, ownDotProd_16s(p.filtered, p.filtered, kSubframe)));
     for (int i = 0; i < kTrackPositions; ++i) candidate[i] = rank[16 * track + i] < plan.candidates[pair] ? -1 : 0;
     const PulsePair best = ownSearchPulsePair_AMRWB_16s(&t, track, p.corr, p.energy, gain, candidate);
     p.corr = addSat16(p.corr, addSat16(t.corr[16 * track + best.first], t.corr[16 * next + best.second]));

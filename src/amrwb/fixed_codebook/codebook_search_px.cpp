@@ -28,10 +28,11 @@ void ownPulseCorrelations_AMRWB_16s_PX(const Zpp16s* impulse, PulseTarget* targe
 }
 
 void ownPulseGains_AMRWB_16s_PX(const Zpp16s* impulse, const Zpp16s* filteredCode, const PulseTarget* target, int track,
-                                Zpp16s* gain) {
+                                Zpp16s* gain, bool exact) {
   for (int n = 0; n < 32; ++n) {
     const int position = 4 * (n % 16) + (track + n / 16) % 4, place = placeOf(position);
-    const Zpp32s sum = dotProductStepwise(impulse, filteredCode + position, kSubframe - position, 0);
+    const Zpp32s sum = exact ? 2 * static_cast<Zpp32s>(ownDotProd_16s(impulse, filteredCode + position, kSubframe - position))
+                             : dotProductStepwise(impulse, filteredCode + position, kSubframe - position, 0);
     gain[n] = addSat16(mulQ15(roundHigh16(shlSat32(sum, 1)), target->sign[place]), target->energy[place]);
   }
 }

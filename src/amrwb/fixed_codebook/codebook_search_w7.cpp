@@ -109,9 +109,8 @@ void ownPulseCorrelations_AMRWB_16s_W7(const Zpp16s* impulse, PulseTarget* targe
 }
 
 void ownPulseGains_AMRWB_16s_W7(const Zpp16s* impulse, const Zpp16s* filteredCode, const PulseTarget* target, int track,
-                                Zpp16s* gain) {
-  if (!productsFit(ownDotProd_16s(impulse, impulse, kSubframe), ownDotProd_16s(filteredCode, filteredCode, kSubframe)))
-    return ownPulseGains_AMRWB_16s_PX(impulse, filteredCode, target, track, gain);
+                                Zpp16s* gain, bool exact) {
+  if (!exact) return ownPulseGains_AMRWB_16s_PX(impulse, filteredCode, target, track, gain, exact);
   alignas(16) Zpp16s code[2 * kSubframe];  // silence follows
   for (int n = 0; n < kSubframe; n += 8) {
     store(code + n, load(filteredCode + n));
