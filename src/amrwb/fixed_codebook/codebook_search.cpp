@@ -159,7 +159,7 @@ struct Placement {
   void place(int at, const PulseTarget& t, const SignedResponse& response) {
     const Zpp16s* added = response.at(at, t.sign[placeOf(at)] < 0);
     position[count++] = static_cast<Zpp8u>(at);
-    for (int n = 0; n < kSubframe; ++n) filtered[n] = addSat16(filtered[n], added[n]);
+    ownAdd_16s(filtered, added, filtered, kSubframe);
   }
 };
 
@@ -187,7 +187,6 @@ void placePairs(Placement& p, const Plan& plan, Mode mode, int iteration, const 
     const int track = trackOf(mode, iteration, p.count), next = (track + 1) % kTracks;
     Zpp16s gain[2 * kTrackPositions], candidate[kTrackPositions];
     ownPulseGains_AMRWB_16s(response.impulse(), p.filtered, &t, track, gain);
-    ownPulseGains_AMRWB_16s(response.impulse(), p.filtered, &t, next, gain + kTrackPositions);
     for (int i = 0; i < kTrackPositions; ++i) candidate[i] = rank[16 * track + i] < plan.candidates[pair] ? -1 : 0;
     const PulsePair best = ownSearchPulsePair_AMRWB_16s(&t, track, p.corr, p.energy, gain, candidate);
     p.corr = addSat16(p.corr, addSat16(t.corr[16 * track + best.first], t.corr[16 * next + best.second]));
@@ -196,7 +195,9 @@ void placePairs(Placement& p, const Plan& plan, Mode mode, int iteration, const 
     const int x = kTracks * best.first + track, y = kTracks * best.second + next;
     const Zpp16s *first = response.at(x, t.sign[16 * track + best.first] < 0),
                  *second = response.at(y, t.sign[16 * next + best.second] < 0);
-    for (int n = 0; n < kSubframe; ++n) p.filtered[n] = addSat16(p.filtered[n], addSat16(first[n], second[n]));
+    Zpp16s both[kSubframe];
+    ownAdd_16s(first, second, both, kSubframe);
+    ownAdd_16s(p.filtered, both, p.filtered, kSubframe);
     p.position[p.count++] = static_cast<Zpp8u>(x);
     p.position[p.count++] = static_cast<Zpp8u>(y);
   }

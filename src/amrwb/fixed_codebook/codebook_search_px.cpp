@@ -6,7 +6,7 @@
 using namespace zpp;
 using namespace zpp::amrwb;
 
-void ownPulseCorrelations_AMRWB_16s(const Zpp16s* impulse, PulseTarget* target) {
+void ownPulseCorrelations_AMRWB_16s_PX(const Zpp16s* impulse, PulseTarget* target) {
   // A response that starts at x ends after 63 - x samples: the sums over the samples that two responses share are the partial
   // sums of one autocorrelation lag.
   Zpp32s sum = 0x8000;
@@ -27,17 +27,17 @@ void ownPulseCorrelations_AMRWB_16s(const Zpp16s* impulse, PulseTarget* target) 
   }
 }
 
-void ownPulseGains_AMRWB_16s(const Zpp16s* impulse, const Zpp16s* filteredCode, const PulseTarget* target, int track,
-                             Zpp16s* gain) {
-  for (int i = 0; i < 16; ++i) {
-    const int position = 4 * i + track, place = 16 * track + i;
+void ownPulseGains_AMRWB_16s_PX(const Zpp16s* impulse, const Zpp16s* filteredCode, const PulseTarget* target, int track,
+                                Zpp16s* gain) {
+  for (int n = 0; n < 32; ++n) {
+    const int position = 4 * (n % 16) + (track + n / 16) % 4, place = placeOf(position);
     const Zpp32s sum = dotProductStepwise(impulse, filteredCode + position, kSubframe - position, 0);
-    gain[i] = addSat16(mulQ15(roundHigh16(shlSat32(sum, 1)), target->sign[place]), target->energy[place]);
+    gain[n] = addSat16(mulQ15(roundHigh16(shlSat32(sum, 1)), target->sign[place]), target->energy[place]);
   }
 }
 
-PulsePair ownSearchPulsePair_AMRWB_16s(const PulseTarget* target, int track, Zpp16s corr, Zpp16s energy, const Zpp16s* gain,
-                                       const Zpp16s* candidate) {
+PulsePair ownSearchPulsePair_AMRWB_16s_PX(const PulseTarget* target, int track, Zpp16s corr, Zpp16s energy, const Zpp16s* gain,
+                                          const Zpp16s* candidate) {
   const Zpp16s *corr1 = target->corr + 16 * track, *corr2 = target->corr + 16 * ((track + 1) % 4);
   const Zpp16s* gain2 = gain + 16;
   PulsePair best = {0, 0, 1};

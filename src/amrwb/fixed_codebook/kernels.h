@@ -9,10 +9,12 @@ namespace zpp::amrwb {
 // What the search knows of the 64 positions, by track and position in the track: position 4 i + track is element
 // 16 track + i.
 struct PulseTarget {
-  Zpp16s corr[64];       // backward-filtered target with the pulse's sign
-  Zpp16s sign[64];       // 32767 or -32768
-  Zpp16s energy[64];     // of the response to a pulse
-  Zpp16s cross[4][256];  // [track t][16 i + j]: position i of track t with position j of track t + 1, signs included
+  Zpp16s corr[64];    // backward-filtered target with the pulse's sign
+  Zpp16s sign[64];    // 32767 or -32768
+  Zpp16s energy[64];  // of the response to a pulse
+  // [track t][16 i + j]: position i of track t with position j of track t + 1, signs included. Kernels read, and ignore, up to
+  // 16 elements before it.
+  Zpp16s cross[4][256];
 };
 
 // A pair of pulses in neighbouring tracks
@@ -24,21 +26,22 @@ struct PulsePair {
 
 }  // namespace zpp::amrwb
 
-// ownPulseCorrelations_AMRWB_16s: energy and cross of a target with signs, for a response of 64 samples.
-// ownPulseGains_AMRWB_16s: gain[i] = the correlation of the filtered code with the response to position i of a track, signed,
-//   plus that position's energy.
-// ownSearchPulsePair_AMRWB_16s: the pair with the largest ratio of squared correlation to energy, the first of equals;
-//   corr, energy: of the pulses so far; gain[0], gain[1]: of both tracks; candidate[i]: position i of the first track takes
-//   part.
-#define ZPP_AMRWB_FIXED_CODEBOOK_KERNELS(KERNEL)
+// ownPulseCorrelations_AMRWB_16s: energy and cross of a target whose signs are known, for a response of 64 samples.
+// ownPulseGains_AMRWB_16s: gain[16 k + i] = the correlation of the filtered code with the response to position i of track + k,
+//   k = 0 and 1, signed, plus that position's energy.
+// ownSearchPulsePair_AMRWB_16s: of the pairs in track and the next one, that with the largest ratio of squared correlation to
+//   energy, the first of equals; positions 0 and energy 1 where none passes. corr, energy: of the pulses so far. candidate: not
+//   0 for the positions of the first track that take part.
+#define ZPP_AMRWB_FIXED_CODEBOOK_KERNELS(KERNEL)                                                                               \
+  KERNEL(ownPulseCorrelations_AMRWB_16s, W7, void(const Zpp16s* impulse, zpp::amrwb::PulseTarget* target))                     \
+  KERNEL(                                                                                                                      \
+      ownPulseGains_AMRWB_16s, W7,                                                                                             \
+      void(const Zpp16s* impulse, const Zpp16s* filteredCode, const zpp::amrwb::PulseTarget* target, int track, Zpp16s* gain)) \
+  KERNEL(ownSearchPulsePair_AMRWB_16s, W7,                                                                                     \
+         zpp::amrwb::PulsePair(const zpp::amrwb::PulseTarget* target, int track, Zpp16s corr, Zpp16s energy,                   \
+                               const Zpp16s* gain, const Zpp16s* candidate))
 
 ZPP_AMRWB_FIXED_CODEBOOK_KERNELS(ZPP_DECLARE_KERNEL)
-
-void ownPulseCorrelations_AMRWB_16s(const Zpp16s* impulse, zpp::amrwb::PulseTarget* target);
-void ownPulseGains_AMRWB_16s(const Zpp16s* impulse, const Zpp16s* filteredCode, const zpp::amrwb::PulseTarget* target,
-                             int track, Zpp16s* gain);
-zpp::amrwb::PulsePair ownSearchPulsePair_AMRWB_16s(const zpp::amrwb::PulseTarget* target, int track, Zpp16s corr, Zpp16s energy,
-                                                   const Zpp16s* gain, const Zpp16s* candidate);
 
 void ownAlgebraicCodebookSearch_AMRWB_16s(const Zpp16s* target, const Zpp16s* residualTarget, const Zpp16s* impulse,
                                           Zpp16s* code, Zpp16s* filteredCode, Zpp16s* index, zpp::amrwb::Mode mode);

@@ -8,15 +8,16 @@
 namespace zpp::amrwb {
 
 struct Codebook {
-  const Zpp16s* vectors;
+  const Zpp16s* components;       // by component, then by entry
   int first, dimension, entries;  // ISFs first .. first + dimension - 1; entries: a power of two
 
-  const Zpp16s* operator[](int index) const { return vectors + dimension * (index & (entries - 1)); }
+  // ISF first + i of an entry; the index counts by its low bits.
+  Zpp16s component(int index, int i) const { return components[entries * i + (index & (entries - 1))]; }
 };
 
 template <int entries, int dimension>
-constexpr Codebook codebook(const Zpp16s (&vectors)[entries][dimension], int first) {
-  return {vectors[0], first, dimension, entries};
+constexpr Codebook codebook(const Zpp16s (&components)[dimension][entries], int first) {
+  return {components[0], first, dimension, entries};
 }
 
 // First stage: two codebooks

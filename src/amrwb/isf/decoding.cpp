@@ -37,13 +37,14 @@ ZppStatus zppsISFDecode_AMRWB_16s(const Zpp16s* index, Zpp16s* pastResidual, con
 
 void ownISFReconstruct_AMRWB_16s(const Zpp16s* index, Zpp16s* pastResidual, Zpp16s* isf, Zpp16s* unordered, Mode mode) {
   Zpp16s residual[kOrder];
-  std::copy_n(kStage1Low[index[0]], kStage1Low.dimension, residual);
-  std::copy_n(kStage1High[index[1]], kStage1High.dimension, residual + kStage1High.first);
+  for (int i = 0; i < kOrder; ++i)
+    residual[i] =
+        i < kStage1High.first ? kStage1Low.component(index[0], i) : kStage1High.component(index[1], i - kStage1High.first);
   const SecondStage stage2 = secondStage(mode);
   for (int part = 0; part < stage2.count; ++part) {
     const Codebook& book = stage2.parts[part];
-    const Zpp16s* vector = book[index[2 + part]];
-    for (int i = 0; i < book.dimension; ++i) residual[book.first + i] = addSat16(residual[book.first + i], vector[i]);
+    for (int i = 0; i < book.dimension; ++i)
+      residual[book.first + i] = addSat16(residual[book.first + i], book.component(index[2 + part], i));
   }
   for (int i = 0; i < kOrder; ++i) {
     isf[i] = addSat16(addSat16(residual[i], meanIsf[i]), mulQ15(kPrediction, pastResidual[i]));

@@ -11,7 +11,15 @@ struct NearestEntry {
   bool operator==(const NearestEntry&) const = default;
 };
 
-NearestEntry ownNearestIsf_AMRWB_16s(const Zpp16s* target, const Zpp16s* vectors, int dimension, int entries);
+// components: those of 32, 64, 128 or 256 entries, by component, at most 2300 in magnitude. target: `dimension` components.
+// ownIsfDistances_AMRWB_16s: the doubled squared distances of all entries, saturated.
+#define ZPP_AMRWB_ISF_KERNELS(KERNEL)                                                                        \
+  KERNEL(ownIsfDistances_AMRWB_16s, W7,                                                                      \
+         void(const Zpp16s* target, const Zpp16s* components, int dimension, int entries, Zpp32s* distance)) \
+  KERNEL(ownNearestIsf_AMRWB_16s, W7, NearestEntry(const Zpp16s* target, const Zpp16s* components, int dimension, int entries))
+
+ZPP_AMRWB_ISF_KERNELS(ZPP_DECLARE_KERNEL)
+
 void ownISFQuant_AMRWB_16s(const Zpp16s* isf, Zpp16s* pastResidual, Zpp16s* quantIsf, Zpp16s* index, zpp::amrwb::Mode mode);
 // The ISFs of a good frame; unordered, unless null, receives them before they are put in order.
 void ownISFReconstruct_AMRWB_16s(const Zpp16s* index, Zpp16s* pastResidual, Zpp16s* isf, Zpp16s* unordered,

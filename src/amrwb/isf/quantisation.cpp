@@ -10,24 +10,16 @@ using namespace zpp::amrwb;
 
 namespace {
 
-constexpr int kSurvivors = 4, kMaxDimension = 9;
-
-// No term of a distance is negative: saturating the total is saturating every step.
-Zpp32s distance(const Zpp16s* x, const Zpp16s* vector, int dimension) {
-  Zpp64s sum = 0;
-  for (int i = 0; i < dimension; ++i) {
-    const Zpp16s d = subSat16(x[i], vector[i]);
-    sum += Zpp32s{d} * d;
-  }
-  return sat32(2 * sum);
-}
+constexpr int kSurvivors = 4, kMaxDimension = 9, kMaxEntries = 256;
 
 // The entries nearest to x, nearest first, earlier ones before later ones of the same distance (VQ_stage1)
 void nearestFour(const Zpp16s* x, const Codebook& book, int (&survivor)[kSurvivors]) {
   Zpp32s least[kSurvivors];
   for (int k = 0; k < kSurvivors; ++k) least[k] = kMax32, survivor[k] = k;
+  alignas(16) Zpp32s distance[kMaxEntries];
+  ownIsfDistances_AMRWB_16s(x, book.components, book.dimension, book.entries, distance);
   for (int entry = 0; entry < book.entries; ++entry) {
-    const Zpp32s d = distance(x, book[entry], book.dimension);
+    const Zpp32s d = distance[entry];
     if (d >= least[kSurvivors - 1]) continue;
     int k = kSurvivors - 1;
     for (; k > 0 && d < least[k - 1]; --k) least[k] = least[k - 1], survivor[k] = survivor[k - 1];
@@ -43,15 +35,14 @@ void quantise(const Zpp16s* x, const Codebook& stage1, const Codebook* parts, in
   nearestFour(x + stage1.first, stage1, survivor);
   Zpp32s least = kMax32;
   for (int k = 0; k < kSurvivors; ++k) {
-    const Zpp16s* vector = stage1[survivor[k]];
     Zpp16s rest[kMaxDimension];
-    for (int i = 0; i < stage1.dimension; ++i) rest[i] = subSat16(x[stage1.first + i], vector[i]);
+    for (int i = 0; i < stage1.dimension; ++i) rest[i] = subSat16(x[stage1.first + i], stage1.component(survivor[k], i));
     Zpp32s total = 0;
     int index[3];
     for (int part = 0; part < count; ++part) {
       const Codebook& book = parts[part];
       const NearestEntry nearest =
-          ownNearestIsf_AMRWB_16s(rest + book.first - stage1.first, book.vectors, book.dimension, book.entries);
+          ownNearestIsf_AMRWB_16s(rest + book.first - stage1.first, book.components, book.dimension, book.entries);
       index[part] = nearest.index;
       total = addSat32(total, nearest.distance);
     }
@@ -69,15 +60,6 @@ ZppStatus zppsISFQuant_AMRWB_16s(const Zpp16s* isf, Zpp16s* pastResidual, Zpp16s
   if (!isSpeechRate(rate)) return zppStsOutOfRange;
   ownISFQuant_AMRWB_16s(isf, pastResidual, quantIsf, index, modeOf(rate));
   return zppStsOk;
-}
-
-NearestEntry ownNearestIsf_AMRWB_16s(const Zpp16s* target, const Zpp16s* vectors, int dimension, int entries) {
-  NearestEntry nearest = {0, kMax32};
-  for (int entry = 0; entry < entries; ++entry) {
-    const Zpp32s d = distance(target, vectors + dimension * entry, dimension);
-    if (d < nearest.distance) nearest = {entry, d};
-  }
-  return nearest;
 }
 
 void ownISFQuant_AMRWB_16s(const Zpp16s* isf, Zpp16s* pastResidual, Zpp16s* quantIsf, Zpp16s* index, Mode mode) {

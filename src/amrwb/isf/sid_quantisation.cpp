@@ -24,7 +24,7 @@ void ownSIDQuant_AMRWB_16s(const Zpp16s* isf, Zpp16s* quantIsf, Zpp16s* index) {
   for (int part = 0; part < 5; ++part) {
     const Codebook& book = kNoise[part];
     index[part] =
-        static_cast<Zpp16s>(ownNearestIsf_AMRWB_16s(x + book.first, book.vectors, book.dimension, book.entries).index);
+        static_cast<Zpp16s>(ownNearestIsf_AMRWB_16s(x + book.first, book.components, book.dimension, book.entries).index);
   }
   ownSIDDecode_AMRWB_16s(index, quantIsf);
 }
@@ -32,8 +32,8 @@ void ownSIDQuant_AMRWB_16s(const Zpp16s* isf, Zpp16s* quantIsf, Zpp16s* index) {
 void ownSIDDecode_AMRWB_16s(const Zpp16s* index, Zpp16s* isf) {
   for (int part = 0; part < 5; ++part) {
     const Codebook& book = kNoise[part];
-    const Zpp16s* vector = book[index[part]];
-    for (int i = 0; i < book.dimension; ++i) isf[book.first + i] = addSat16(vector[i], meanIsfNoise[book.first + i]);
+    for (int i = 0; i < book.dimension; ++i)
+      isf[book.first + i] = addSat16(book.component(index[part], i), meanIsfNoise[book.first + i]);
   }
   separate(isf);
 }
