@@ -65,6 +65,11 @@ DRIVE(ownHighBandFilter_AMRWB_16s_I, {{1, 3, 4, 79, 80, 81, 200}, {80}}) {
   auto* samples = rig.inOut<Zpp16s>(n, static_cast<Zpp16s>(-most), most);
   rig.run(low ? lowPass7kHz : bandPass6To7kHz, samples, n, low ? 0 : 2, mem);
 }
+DRIVE(ownPreemphasize_AMRWB_16s_I, {{1, 7, 8, 9, 64, 268}, {64, 268}}) {
+  auto* mem = rig.inOut<Zpp16s>(1);
+  const auto gamma = static_cast<Zpp16s>(rig.scalar(0, 3) == 0 ? -32768 + rig.scalar(0, 1) : rig.scalar(-32768, 32767));
+  rig.run(rig.inOut<Zpp16s>(n), n, gamma, rig.scalar(0, 15), mem);
+}
 DRIVE(ownResidualFilter_AMRWB_16s, {{1, 7, 8, 9, 16, 31, 64, 256}, {64, 256}}) {
   rig.run(filter(rig, 16), within(rig, n, level(rig), 16), rig.out<Zpp16s>(n), n);
 }

@@ -1,10 +1,12 @@
 // Pre-emphasis and de-emphasis by 1 - gamma z^-1 and the filter that emphasises the pitch harmonics (3GPP TS 26.190 clauses
 // 5.1, 5.8 and 6.1).
+#include "amrwb/filters/emphasis.h"
 #include "amrwb/filters/kernels.h"
 #include "core/checks.h"
 #include "lpc/kernels.h"
 
 using namespace zpp;
+using namespace zpp::amrwb;
 
 ZppStatus zppsPreemphasisScale_AMRWB_16s(const Zpp16s* src, int len, Zpp16s gamma, Zpp16s prev, int* shift) {
   if (anyNull(src, shift)) return zppStsNullPointer;
@@ -43,13 +45,6 @@ ZppStatus zppsHarmonicFilter_AMRWB_16s_I(Zpp16s gain, int lag, Zpp16s* srcDst, i
   return zppStsOk;
 }
 
-namespace {
-
-// x - gamma * prev in Q15: both products are of magnitude 2^30 at the most, and only negative ones reach it together.
-constexpr Zpp32s preemphasised(Zpp16s x, Zpp16s prev, Zpp16s gamma) { return x * 32768 - gamma * prev; }
-
-}  // namespace
-
 int ownPreemphasisScale_AMRWB_16s(const Zpp16s* src, int len, Zpp16s gamma, Zpp16s prev) {
   Zpp32s largest = 0;
   for (int n = 0; n < len; ++n) {
@@ -61,16 +56,6 @@ int ownPreemphasisScale_AMRWB_16s(const Zpp16s* src, int len, Zpp16s gamma, Zpp1
   if (upper == 0) return 8;
   const int shift = norm16(upper) - 1;
   return shift < 0 ? 0 : shift > 8 ? 8 : shift;
-}
-
-void ownPreemphasize_AMRWB_16s_I(Zpp16s* srcDst, int len, Zpp16s gamma, int shift, Zpp16s* mem) {
-  Zpp16s prev = *mem;
-  for (int n = 0; n < len; ++n) {
-    const Zpp16s x = srcDst[n];
-    srcDst[n] = roundHigh16(shlSat32(preemphasised(x, prev, gamma), shift));
-    prev = x;
-  }
-  *mem = prev;
 }
 
 namespace {

@@ -23,17 +23,18 @@ static_assert(sizeof(HighPassState) == kHighPassStateSize);
 
 constexpr int magnitude(Zpp16s x) { return x < 0 ? -x : x; }
 
-constexpr Zpp32s mulWrap32(Zpp32s a, Zpp32s b) { return static_cast<Zpp32s>(static_cast<Zpp32u>(a) * static_cast<Zpp32u>(b)); }
-
-// Step by step, as the standard does it
-[[gnu::noinline]] Zpp32s saturatingSum(const HighPassState& s, int order, Zpp16s x0, const Zpp32s* x, const Zpp32s* y) {
+// One sample step by step, as the standard does it. y: the past outputs, newest first; the new one enters.
+template <int order, int shift>
+[[gnu::noinline]] Zpp16s saturatingStep(const HighPassState& s, const Zpp16s* x, Zpp32s* y) {
   Zpp32s acc = 16384;
   for (int k = 0; k < order; ++k) acc = macDbl(acc, toDpf(y[k]).lo, s.a[k]);
   acc >>= 15;
   for (int k = 0; k < order; ++k) acc = macDbl(acc, toDpf(y[k]).hi, s.a[k]);
-  acc = macDbl(acc, x0, s.b[0]);
-  for (int k = 0; k < order; ++k) acc = macDbl(acc, low16(x[k]), s.b[k + 1]);
-  return acc;
+  for (int k = 0; k <= order; ++k) acc = macDbl(acc, x[-k], s.b[k]);
+  acc = shlSat32(acc, shift);
+  for (int k = order - 1; k > 0; --k) y[k] = y[k - 1];
+  y[0] = acc & ~1;  // the state has no lowest bit
+  return roundHigh16(shlSat32(acc, shift - 1));
 }
 
 // With past outputs within +- the result no sum of the filter saturates; below 0 where it may all the same. Lower words are not
@@ -53,43 +54,63 @@ Zpp32s harmlessOutput(const HighPassState& s, int order, int largestInput) {
   return upperWord > kMax16 ? kMax32 : upperWord * 65536;
 }
 
-// The filter's pace is the way from one output to the next: all else is kept off it. Both words of a past output are multiplied
-// at once: (y / 2) * a >> 14 is the sum of the upper word's doubled product and of the lower word's, which the standard scales
-// by itself.
+// The samples until the end or the first output beyond +-limit, which keeps it from saturating; returns their number. The
+// filter's pace is the way from one output to the next: all else is kept off it. Both words of a past output are multiplied at
+// once: (y / 2) * a >> 14 is the sum of the upper word's doubled product and of the lower word's, which the standard scales by
+// itself. inputs: the inputs' share of the sums.
+template <int order, int shift>
+int recursion(const HighPassState& s, const Zpp32s* inputs, Zpp16s* dst, int len, Zpp32s limit, Zpp32s* y) {
+  constexpr Zpp32s half = 0x8000 >> (shift - 1);
+  const Zpp32s accLimit = limit >> shift;
+  const Zpp64s a1 = s.a[0], a2 = s.a[1], a3 = order == 3 ? s.a[2] : 0;
+  Zpp32s y1 = y[0] >> 1, y2 = y[1] >> 1, y3 = order == 3 ? y[2] >> 1 : 0;
+  int n = 0;
+  for (; n < len; ++n) {
+    Zpp64s past = y2 * a2 + 8192;
+    if constexpr (order == 3) past += y3 * a3;
+    const Zpp32s acc = addWrap32(wrap32((past + y1 * a1) >> 14), inputs[n]);
+    if (acc > accLimit || acc < -accLimit) [[unlikely]]
+      break;
+    const Zpp32s out = acc * (1 << shift);
+    dst[n] = static_cast<Zpp16s>((out + half) >> (17 - shift));
+    y3 = y2, y2 = y1, y1 = out >> 1;
+  }
+  y[0] = y1 * 2, y[1] = y2 * 2;
+  if constexpr (order == 3) y[2] = y3 * 2;
+  return n;
+}
+
 template <int order, int shift>
 void filter(Zpp16s* srcDst, int len, HighPassState& s) {
-  int largest = ownMaxAbs_16s(srcDst, len) + 1;
-  Zpp32s x[order], y[order], a[order], b[order + 1];
-  b[0] = s.b[0];
-  for (int k = 0; k < order; ++k) {
-    x[k] = s.x[k], y[k] = fromDpf(s.y[k]), a[k] = s.a[k], b[k + 1] = s.b[k + 1];
-    largest = std::max(largest, magnitude(s.x[k]));
-  }
-  const Zpp32s harmless = harmlessOutput(s, order, largest);
-  const auto isHarmless = [harmless](Zpp32s out) { return out >= -harmless && out <= harmless; };
-  int stepwise = order;  // samples that take the standard's way, because of a past output that may make it saturate
-  if (std::all_of(y, y + order, isHarmless)) stepwise = 0;
-  for (int n = 0; n < len; ++n) {
-    const Zpp32s x0 = srcDst[n];
-    Zpp32s inputs = mulWrap32(x0, b[0]);
-    Zpp64s past = 8192;
-    for (int k = 0; k < order; ++k) {
-      inputs = addWrap32(inputs, mulWrap32(x[k], b[k + 1]));
-      past += Zpp64s{y[k] >> 1} * a[k];
+  constexpr int block = 64;
+  [[maybe_unused]] const Zpp32s b0 = s.b[0], b1 = s.b[1], b2 = s.b[2], b3 = s.b[3];
+  Zpp16s signal[kMostOrder + block];
+  Zpp32s inputs[block], y[order];
+  for (int k = 0; k < order; ++k) signal[kMostOrder - 1 - k] = s.x[k], y[k] = fromDpf(s.y[k]);
+  while (len > 0) {
+    const int count = len < block ? len : block;
+    Zpp16s* const x = signal + kMostOrder;
+    std::copy_n(srcDst, count, x);
+    for (int n = 0; n < count; ++n) {
+      Zpp32s sum = addWrap32(x[n] * b0, addWrap32(x[n - 1] * b1, x[n - 2] * b2));
+      if constexpr (order == 3) sum = addWrap32(sum, x[n - 3] * b3);
+      inputs[n] = addWrap32(sum, sum);
     }
-    Zpp32s acc = addWrap32(wrap32(past >> 14), shlWrap32(inputs, 1));
-    if (stepwise > 0) [[unlikely]] {
-      acc = saturatingSum(s, order, low16(x0), x, y);
-      --stepwise;
+    const int largest = ownMaxAbs_16s(x - order, count + order) + 1;
+    const Zpp32s harmless = std::min(harmlessOutput(s, order, largest), kMax32 >> (shift - 1) & ~0xffff);
+    const auto isHarmless = [harmless](Zpp32s out) { return out >= -harmless && out <= harmless; };
+    for (int n = 0; n < count;) {
+      if (std::all_of(y, y + order, isHarmless))
+        n += recursion<order, shift>(s, inputs + n, srcDst + n, count - n, harmless, y);
+      if (n == count) break;
+      srcDst[n] = saturatingStep<order, shift>(s, x + n, y);
+      ++n;
     }
-    const Zpp32s out = shlSat32(acc, shift);
-    srcDst[n] = roundHigh16(shlSat32(out, shift - 1));
-    for (int k = order - 1; k > 0; --k) x[k] = x[k - 1], y[k] = y[k - 1];
-    x[0] = x0, y[0] = out & ~1;  // the state has no lowest bit
-    if (!isHarmless(out)) [[unlikely]]
-      stepwise = order;
+    for (int k = order; k > 0; --k) x[-k] = x[count - k];
+    srcDst += count;
+    len -= count;
   }
-  for (int k = 0; k < order; ++k) s.x[k] = low16(x[k]), s.y[k] = toDpf(y[k]);
+  for (int k = 0; k < order; ++k) s.x[k] = signal[kMostOrder - 1 - k], s.y[k] = toDpf(y[k]);
 }
 
 }  // namespace

@@ -19,6 +19,7 @@ inline constexpr int kHighPassStateSize = 40;
   KERNEL(ownDownSampling_AMRWB_16s, W7, void(const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* mem))                         \
   KERNEL(ownUpSampling_AMRWB_16s, W7, void(const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* mem))                           \
   KERNEL(ownHighBandFilter_AMRWB_16s_I, W7, void(const Zpp16s* coef, Zpp16s* srcDst, int len, int inputShift, Zpp16s* mem)) \
+  KERNEL(ownPreemphasize_AMRWB_16s_I, W7, void(Zpp16s * srcDst, int len, Zpp16s gamma, int shift, Zpp16s* mem))             \
   KERNEL(ownResidualFilter_AMRWB_16s, W7, void(const Zpp16s* lpc, const Zpp16s* src, Zpp16s* dst, int len))                 \
   KERNEL(ownSynthesisFilter_AMRWB_16s_I, W7,                                                                                \
          void(const Zpp16s* lpc, int order, Zpp16s inputFactor, int shift, Zpp16s* srcDst, int len, Zpp16s* mem))           \
@@ -35,7 +36,6 @@ void ownHighPassFilterInit_AMRWB_16s(const Zpp16s* coef, int order, void* state)
 void ownHighPassFilter_AMRWB_16s_I(Zpp16s* srcDst, int len, int shift, void* state);
 void ownHighPassFilterScale_AMRWB_16s(int shift, void* state);
 int ownPreemphasisScale_AMRWB_16s(const Zpp16s* src, int len, Zpp16s gamma, Zpp16s prev);
-void ownPreemphasize_AMRWB_16s_I(Zpp16s* srcDst, int len, Zpp16s gamma, int shift, Zpp16s* mem);
 void ownDeemphasize_AMRWB_16s_I(Zpp16s* srcDst, int len, Zpp16s gamma, Zpp16s* mem);
 void ownDeemphasize_AMRWB_32s16s(const Zpp32s* src, Zpp16s* dst, int len, Zpp16s gamma, Zpp16s* mem);
 void ownDecimateBy2_AMRWB_16s_I(Zpp16s* srcDst, int len, Zpp16s* mem);

@@ -49,15 +49,20 @@ void ownDownSampling_AMRWB_16s_W7(const Zpp16s* src, Zpp16s* dst, int len, Zpp16
 void ownUpSampling_AMRWB_16s_W7(const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* mem) {
   // The magnitudes of a filter's taps add up to 37140 at the most.
   constexpr int largest = ((1 << 30) - 1) / 37140;
-  if (ownMaxAbs_16s(src, len) > largest || ownMaxAbs_16s(mem, kUpSamplingMemory) > largest)
-    return ownUpSampling_AMRWB_16s_PX(src, dst, len, mem);
-  Zpp16s signal[kUpSamplingMemory + 256];
+  Zpp16s signal[kUpSamplingMemory + 256 + 8];
   std::memcpy(signal, mem, kUpSamplingMemory * sizeof(Zpp16s));
   std::memcpy(signal + kUpSamplingMemory, src, static_cast<unsigned>(len) * sizeof(Zpp16s));
   std::memcpy(mem, signal + len, kUpSamplingMemory * sizeof(Zpp16s));
+  const bool loud = ownMaxAbs_16s(signal, kUpSamplingMemory + len) > largest;
   const Zpp16s* x = signal + 1;
   for (int n = 0; n < len; n += 4, x += 4, dst += 5) {
     dst[0] = x[11];  // the filter of fraction 0 is a delay
+    if (loud && ownMaxAbs_16s(x, kUpSamplingMemory + 3) > largest) {
+      for (int f = 1; f < 5; ++f)
+        dst[f] = roundHigh16(
+            shlSat32(amrwb::dotProductStepwise(x + 4 * f / 5, upSamplingTaps[(4 * f) % 5], kUpSamplingMemory, 0), 1));
+      continue;
+    }
     V sum[4];
     for (int f = 1; f < 5; ++f) {
       const Zpp16s* const taps = upSamplingTaps[(4 * f) % 5];
