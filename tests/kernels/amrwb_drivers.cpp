@@ -1,3 +1,4 @@
+#include "amrwb/excitation/kernels.h"
 #include "amrwb/filters/kernels.h"
 #include "amrwb/pitch/kernels.h"
 
@@ -6,10 +7,12 @@
 
 namespace test {
 
+ZPP_AMRWB_EXCITATION_KERNELS(ZPP_KERNEL_TYPE)
 ZPP_AMRWB_FILTER_KERNELS(ZPP_KERNEL_TYPE)
 ZPP_AMRWB_PITCH_KERNELS(ZPP_KERNEL_TYPE)
 
 void runAmrWbKernels(const Options& options, Tally& tally) {
+  ZPP_AMRWB_EXCITATION_KERNELS(ZPP_RUN_KERNEL)
   ZPP_AMRWB_FILTER_KERNELS(ZPP_RUN_KERNEL)
   ZPP_AMRWB_PITCH_KERNELS(ZPP_RUN_KERNEL)
 }
@@ -65,6 +68,9 @@ DRIVE(ownHighBandFilter_AMRWB_16s_I, {{1, 3, 4, 79, 80, 81, 200}, {80}}) {
   auto* samples = rig.inOut<Zpp16s>(n, static_cast<Zpp16s>(-most), most);
   rig.run(low ? lowPass7kHz : bandPass6To7kHz, samples, n, low ? 0 : 2, mem);
 }
+DRIVE(ownHighPassInputs_16s32s, {{1, 7, 8, 9, 64}, {64}}) {
+  rig.run(rig.in<Zpp16s>(4), rig.in<Zpp16s>(n, -32768, 32767, 3), rig.out<Zpp32s>(n), n);
+}
 DRIVE(ownPreemphasize_AMRWB_16s_I, {{1, 7, 8, 9, 64, 268}, {64, 268}}) {
   auto* mem = rig.inOut<Zpp16s>(1);
   const auto gamma = static_cast<Zpp16s>(rig.scalar(0, 3) == 0 ? -32768 + rig.scalar(0, 1) : rig.scalar(-32768, 32767));
@@ -102,6 +108,13 @@ DRIVE(ownPredLt_AMRWB_16s_I, {{17, 22, 23, 24, 33, 34, 40, 64, 130, 231}, {34, 1
 // The source ends one element behind the last output.
 DRIVE(ownAdaptiveCodebookLowPass_AMRWB_16s, upTo(40, {64})) {
   rig.run(rig.in<Zpp16s>(n + 1, -32768, 32767, 1), rig.out<Zpp16s>(n), n);
+}
+
+DRIVE(ownExcitation_AMRWB_16s_I, only({1})) {
+  const Zpp16s most = level(rig);
+  auto* vector = rig.inOut<Zpp16s>(64);
+  const auto gain = rig.scalar(0, 2) == 0 ? rig.scalar(-32768, 32767) : rig.scalar(0, (1 << 24) / most - 1);
+  rig.run(within(rig, 64, most), vector, static_cast<Zpp16s>(gain), static_cast<Zpp16s>(rig.scalar(-32768, 32767)));
 }
 
 }  // namespace test
