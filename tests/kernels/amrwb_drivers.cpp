@@ -1,3 +1,4 @@
+#include "amrwb/excitation/kernels.h"
 #include "amrwb/filters/kernels.h"
 #include "amrwb/fixed_codebook/kernels.h"
 #include "amrwb/isf/kernels.h"
@@ -10,12 +11,14 @@
 
 namespace test {
 
+ZPP_AMRWB_EXCITATION_KERNELS(ZPP_KERNEL_TYPE)
 ZPP_AMRWB_FILTER_KERNELS(ZPP_KERNEL_TYPE)
 ZPP_AMRWB_FIXED_CODEBOOK_KERNELS(ZPP_KERNEL_TYPE)
 ZPP_AMRWB_ISF_KERNELS(ZPP_KERNEL_TYPE)
 ZPP_AMRWB_PITCH_KERNELS(ZPP_KERNEL_TYPE)
 
 void runAmrWbKernels(const Options& options, Tally& tally) {
+  ZPP_AMRWB_EXCITATION_KERNELS(ZPP_RUN_KERNEL)
   ZPP_AMRWB_FILTER_KERNELS(ZPP_RUN_KERNEL)
   ZPP_AMRWB_FIXED_CODEBOOK_KERNELS(ZPP_RUN_KERNEL)
   ZPP_AMRWB_ISF_KERNELS(ZPP_RUN_KERNEL)
@@ -72,6 +75,9 @@ DRIVE(ownHighBandFilter_AMRWB_16s_I, {{1, 3, 4, 79, 80, 81, 200}, {80}}) {
   const bool low = rig.scalar(0, 1) == 1;
   auto* samples = rig.inOut<Zpp16s>(n, static_cast<Zpp16s>(-most), most);
   rig.run(low ? lowPass7kHz : bandPass6To7kHz, samples, n, low ? 0 : 2, mem);
+}
+DRIVE(ownHighPassInputs_16s32s, {{1, 7, 8, 9, 64}, {64}}) {
+  rig.run(rig.in<Zpp16s>(4), rig.in<Zpp16s>(n, -32768, 32767, 3), rig.out<Zpp32s>(n), n);
 }
 DRIVE(ownPreemphasize_AMRWB_16s_I, {{1, 7, 8, 9, 64, 268}, {64, 268}}) {
   auto* mem = rig.inOut<Zpp16s>(1);
@@ -137,6 +143,17 @@ zpp::amrwb::PulseTarget* pulseTarget(Rig& rig, Zpp16s most) {
 }
 
 }  // namespace
+
+// n: bits of the correlations
+DRIVE(ownChooseSigns_AMRWB_16s, only({3, 12, 24, 32})) {
+  repeat(rig, [&] {
+    const auto most = static_cast<Zpp32s>((Zpp64s{1} << (n - 1)) - 1);
+    const auto* sums = rig.template in<Zpp32s>(64, -most - 1, most);
+    const auto* residualTarget = within(rig, 64, level(rig));
+    rig.run(sums, residualTarget, static_cast<Zpp16s>(rig.scalar(2048, 8192)), pulseTarget(rig, 32767),
+            rig.template out<Zpp16s>(64));
+  });
+}
 
 // 5792: the level at which the energy of 64 equal samples begins to saturate
 DRIVE(ownPulseCorrelations_AMRWB_16s, only({300, 4096, 5791, 5793, 32767})) {
@@ -223,6 +240,13 @@ DRIVE(ownNearestIsf_AMRWB_16s, only({2, 3, 4, 5, 7})) {
     const Book book = bookOf(n);
     rig.run(isfTarget(rig, n), book.components, n, book.entries);
   });
+}
+
+DRIVE(ownExcitation_AMRWB_16s_I, only({1})) {
+  const Zpp16s most = level(rig);
+  auto* vector = rig.inOut<Zpp16s>(64);
+  const auto gain = rig.scalar(0, 2) == 0 ? rig.scalar(-32768, 32767) : rig.scalar(0, (1 << 24) / most - 1);
+  rig.run(within(rig, 64, most), vector, static_cast<Zpp16s>(gain), static_cast<Zpp16s>(rig.scalar(-32768, 32767)));
 }
 
 }  // namespace test

@@ -18,7 +18,16 @@ Zpp32s smoothedGain(Zpp32s gain, Zpp32s last) {
 
 // The code vector high-passed, the more the more voiced the speech is
 void emphasise(const Zpp16s* code, Zpp16s voiceFactor, Zpp16s* dst) {
-  const Zpp16s c = addSat16(voiceFactor >> 3, 4096);
+  const Zpp16s c = addSat16(voiceFactor >> 3, 4096);  // 0..8191
+  if (ownMaxAbs_16s(code, kSubframe) < 8192) {        // no sum leaves 30 bits
+    const auto without = [c](Zpp16s x, Zpp32s neighbours) {
+      return static_cast<Zpp16s>(x + ((0x4000 - neighbours * c) >> 15));
+    };
+    dst[0] = without(code[0], code[1]);
+    for (int n = 1; n < kSubframe - 1; ++n) dst[n] = without(code[n], code[n - 1] + code[n + 1]);
+    dst[kSubframe - 1] = without(code[kSubframe - 1], code[kSubframe - 2]);
+    return;
+  }
   for (int n = 0; n < kSubframe; ++n) {
     Zpp32s acc = fromHigh16(code[n]);
     if (n + 1 < kSubframe) acc = msuDbl(acc, code[n + 1], c);

@@ -83,19 +83,14 @@ int recursion(const HighPassState& s, const Zpp32s* inputs, Zpp16s* dst, int len
 template <int order, int shift>
 void filter(Zpp16s* srcDst, int len, HighPassState& s) {
   constexpr int block = 64;
-  [[maybe_unused]] const Zpp32s b0 = s.b[0], b1 = s.b[1], b2 = s.b[2], b3 = s.b[3];
-  Zpp16s signal[kMostOrder + block];
+  Zpp16s signal[kMostOrder + block] = {};
   Zpp32s inputs[block], y[order];
   for (int k = 0; k < order; ++k) signal[kMostOrder - 1 - k] = s.x[k], y[k] = fromDpf(s.y[k]);
   while (len > 0) {
     const int count = len < block ? len : block;
     Zpp16s* const x = signal + kMostOrder;
     std::copy_n(srcDst, count, x);
-    for (int n = 0; n < count; ++n) {
-      Zpp32s sum = addWrap32(x[n] * b0, addWrap32(x[n - 1] * b1, x[n - 2] * b2));
-      if constexpr (order == 3) sum = addWrap32(sum, x[n - 3] * b3);
-      inputs[n] = addWrap32(sum, sum);
-    }
+    ownHighPassInputs_16s32s(s.b, x, inputs, count);
     const int largest = ownMaxAbs_16s(x - order, count + order) + 1;
     const Zpp32s harmless = std::min(harmlessOutput(s, order, largest), kMax32 >> (shift - 1) & ~0xffff);
     const auto isHarmless = [harmless](Zpp32s out) { return out >= -harmless && out <= harmless; };

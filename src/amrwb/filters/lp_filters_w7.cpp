@@ -14,9 +14,14 @@ using amrwb::kOrder;
 
 namespace {
 
+// The sum of the magnitudes of 16 coefficients or more
 int magnitudesOf(const Zpp16s* coef, int count) {
-  int sum = 0;
-  for (int i = 0; i < count; ++i) sum += std::abs(coef[i]);
+  const auto magnitudes = [](V a) {
+    const V sign = _mm_srai_epi16(a, 15);
+    return _mm_madd_epi16(a, _mm_or_si128(sign, _mm_set1_epi16(1)));
+  };
+  int sum = sumLanes32(_mm_add_epi32(magnitudes(load(coef)), magnitudes(load(coef + 8))));
+  for (int i = 16; i < count; ++i) sum += std::abs(coef[i]);
   return sum;
 }
 
@@ -74,7 +79,7 @@ struct PairFactors {
   explicit PairFactors(const Zpp16s* lpc) {
     Zpp16s padded[order + 5] = {};
     std::copy_n(lpc, order + 1, padded);
-    for (int p = 0; p < pairs; ++p) factor[p] = _mm_unpacklo_epi16(load4(padded + 4 + 2 * p), load4(padded + 3 + 2 * p));
+    unrolled<pairs>([&](auto p) { factor[p] = _mm_unpacklo_epi16(load4(padded + 4 + 2 * p), load4(padded + 3 + 2 * p)); });
   }
 };
 
@@ -96,14 +101,17 @@ int synthesis(const Zpp16s* lpc, Zpp16s inputFactor, int shift, int harmless, Zp
           limit = _mm_set1_epi32(harmless);
 
   V pair[pairs];
-  for (int p = 0; p < pairs; ++p) pair[p] = pairOf(mem[order - 4 - 2 * p], mem[order - 3 - 2 * p]);
+  unrolled<pairs>([&](auto p) { pair[p] = pairOf(mem[order - 4 - 2 * p], mem[order - 3 - 2 * p]); });
   Zpp32s y2 = mem[order - 2], y1 = mem[order - 1];
 
   int n = 0;
   for (; n + 4 <= len; n += 4) {
     const V x = load4(srcDst + n);
     V acc = _mm_add_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(x, x), input), half);
-    for (int p = pairs - 1; p >= 0; --p) acc = _mm_sub_epi32(acc, _mm_madd_epi16(pair[p], factors.factor[p]));
+    unrolled<pairs>([&](auto i) {
+      constexpr int p = pairs - 1 - i;
+      acc = _mm_sub_epi32(acc, _mm_madd_epi16(pair[p], factors.factor[p]));
+    });
     alignas(16) Zpp32s sum[4];
     store(sum, acc);
     // Outputs that turn out not to be harmless are not used: their sums may wrap.
@@ -118,7 +126,7 @@ int synthesis(const Zpp16s* lpc, Zpp16s inputFactor, int shift, int harmless, Zp
     const V sign = _mm_srai_epi32(z, 31);
     if (_mm_movemask_epi8(_mm_cmpgt_epi32(_mm_xor_si128(z, sign), limit)) != 0) [[unlikely]]
       break;
-    for (int p = pairs - 1; p >= 2; --p) pair[p] = pair[p - 2];
+    unrolled<pairs - 2>([&](auto i) { pair[pairs - 1 - i] = pair[pairs - 3 - i]; });
     pair[1] = pairOf(y2, y1);
     const V words = _mm_packs_epi32(z, z);
     pair[0] = _mm_shuffle_epi32(words, _MM_SHUFFLE(0, 0, 0, 0));
@@ -169,19 +177,20 @@ void ownSynthesisFilter_AMRWB_16s32s_W7(const Zpp16s* lpc, const Zpp16s* src, Zp
     // Pairs of the lower and of the upper words of past outputs
     V lower[pairs], upper[pairs];
     const auto wordsOf = [lowMask](V y) { return _mm_packs_epi32(_mm_and_si128(y, lowMask), _mm_srai_epi32(y, 12)); };
-    for (int p = 0; p < pairs; ++p) {
+    unrolled<pairs>([&](auto p) {
       const V words = wordsOf(load4(dst - 4 - 2 * p));
       lower[p] = _mm_shuffle_epi32(words, _MM_SHUFFLE(0, 0, 0, 0));
       upper[p] = _mm_shuffle_epi32(words, _MM_SHUFFLE(2, 2, 2, 2));
-    }
+    });
     Zpp64s y2 = dst[-2], y1 = dst[-1];
     for (; n + 4 <= len; n += 4) {
       const V x = load4(src + n);
       V high = _mm_madd_epi16(_mm_unpacklo_epi16(x, x), input), low = _mm_setzero_si128();
-      for (int p = pairs - 1; p >= 0; --p) {
+      unrolled<pairs>([&](auto i) {
+        constexpr int p = pairs - 1 - i;
         high = _mm_sub_epi32(high, _mm_madd_epi16(upper[p], factors.factor[p]));
         low = _mm_sub_epi32(low, _mm_madd_epi16(lower[p], factors.factor[p]));
-      }
+      });
       alignas(16) Zpp32s highSum[4], lowSum[4];
       store(highSum, _mm_slli_epi32(high, 1));
       store(lowSum, low);
@@ -204,7 +213,10 @@ void ownSynthesisFilter_AMRWB_16s32s_W7(const Zpp16s* lpc, const Zpp16s* src, Zp
       dst[n + 1] = wrap32(z1);
       dst[n + 2] = wrap32(z2);
       dst[n + 3] = wrap32(z3);
-      for (int p = pairs - 1; p >= 2; --p) lower[p] = lower[p - 2], upper[p] = upper[p - 2];
+      unrolled<pairs - 2>([&](auto i) {
+        constexpr int p = pairs - 1 - i;
+        lower[p] = lower[p - 2], upper[p] = upper[p - 2];
+      });
       const V before = wordsOf(load4(dst + n - 2)), now = wordsOf(load4(dst + n));
       lower[1] = _mm_shuffle_epi32(before, _MM_SHUFFLE(0, 0, 0, 0));
       upper[1] = _mm_shuffle_epi32(before, _MM_SHUFFLE(2, 2, 2, 2));

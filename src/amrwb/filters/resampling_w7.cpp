@@ -7,19 +7,12 @@
 
 #include "amrwb/filters/kernels.h"
 #include "amrwb/filters/tables.h"
-#include "core/simd_w7.h"
+#include "amrwb/simd_w7.h"
 
 using namespace zpp;
+using namespace zpp::amrwb;
 
 namespace {
-
-// The products of 8 * vectors taps with as many samples, added in pairs to four sums
-template <int vectors>
-V windowSums(const Zpp16s* x, const V* taps) {
-  V sum = _mm_madd_epi16(load(x), taps[0]);
-  for (int i = 1; i < vectors; ++i) sum = _mm_add_epi32(sum, _mm_madd_epi16(load(x + 8 * i), taps[i]));
-  return sum;
-}
 
 // (sum + half) >> shift, saturated to 16 bits, of four sums
 V rounded(V sums, int shift) { return _mm_srai_epi32(_mm_add_epi32(sums, _mm_set1_epi32(1 << (shift - 1))), shift); }
@@ -37,11 +30,11 @@ void ownDownSampling_AMRWB_16s_W7(const Zpp16s* src, Zpp16s* dst, int len, Zpp16
   const Zpp16s* x = signal + 1;
   for (int n = 0; n < len; n += 5, x += 5, dst += 4) {
     V sum[4];
-    for (int f = 0; f < 4; ++f) {
-      const V taps[4] = {load(downSamplingTaps[5 * f % 4]), load(downSamplingTaps[5 * f % 4] + 8),
-                         load(downSamplingTaps[5 * f % 4] + 16), load(downSamplingTaps[5 * f % 4] + 24)};
-      sum[f] = windowSums<4>(x + 5 * f / 4, taps);
-    }
+    unrolled<4>([&](auto f) {
+      const Zpp16s* const taps = downSamplingTaps[5 * f % 4];
+      const V t[4] = {load(taps), load(taps + 8), load(taps + 16), load(taps + 24)};
+      sum[f] = windowSums<4>(x + 5 * f / 4, t);
+    });
     storeFour(dst, rounded(sumsOfLanes32(sum[0], sum[1], sum[2], sum[3]), 14));
   }
 }
@@ -59,16 +52,16 @@ void ownUpSampling_AMRWB_16s_W7(const Zpp16s* src, Zpp16s* dst, int len, Zpp16s*
     dst[0] = x[11];  // the filter of fraction 0 is a delay
     if (loud && ownMaxAbs_16s(x, kUpSamplingMemory + 3) > largest) {
       for (int f = 1; f < 5; ++f)
-        dst[f] = roundHigh16(
-            shlSat32(amrwb::dotProductStepwise(x + 4 * f / 5, upSamplingTaps[(4 * f) % 5], kUpSamplingMemory, 0), 1));
+        dst[f] = roundHigh16(shlSat32(dotProductStepwise(x + 4 * f / 5, upSamplingTaps[(4 * f) % 5], kUpSamplingMemory, 0), 1));
       continue;
     }
     V sum[4];
-    for (int f = 1; f < 5; ++f) {
+    unrolled<4>([&](auto i) {
+      constexpr int f = i + 1;
       const Zpp16s* const taps = upSamplingTaps[(4 * f) % 5];
       const V t[3] = {load(taps), load(taps + 8), load(taps + 16)};
-      sum[f - 1] = windowSums<3>(x + 4 * f / 5, t);
-    }
+      sum[i] = windowSums<3>(x + 4 * f / 5, t);
+    });
     storeFour(dst + 1, rounded(sumsOfLanes32(sum[0], sum[1], sum[2], sum[3]), 14));
   }
 }

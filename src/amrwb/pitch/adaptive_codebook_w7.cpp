@@ -2,7 +2,7 @@
 #include "amrwb/pitch/kernels.h"
 #include "amrwb/pitch/pitch_correlation.h"
 #include "amrwb/pitch/tables.h"
-#include "core/simd_w7.h"
+#include "amrwb/simd_w7.h"
 
 using namespace zpp;
 using namespace zpp::amrwb;
@@ -13,7 +13,7 @@ void ownNormCorr_AMRWB_16s_W7(const Zpp16s* excitation, const Zpp16s* target, co
   alignas(16) Zpp16s filtered[kSubframe];
   ownConvolution_AMRWB_16s(excitation - minLag, impulse, filtered);
   V f[vectors];
-  for (int i = 0; i < vectors; ++i) f[i] = load(filtered + 8 * i);
+  unrolled<vectors>([&](auto i) { f[i] = load(filtered + 8 * i); });
 
   // Sixteen squares of magnitudes up to 11585 fit 32 bits. Beyond, or where a sum with the target may saturate, all is computed
   // step by step.
@@ -24,12 +24,12 @@ void ownNormCorr_AMRWB_16s_W7(const Zpp16s* excitation, const Zpp16s* target, co
   Zpp16s* const first = corr;
   for (int lag = minLag;; ++lag) {
     V squares = _mm_setzero_si128(), products = squares;
-    for (int i = 0; i < vectors; ++i) {
+    unrolled<vectors>([&](auto i) {
       largest = _mm_max_epi16(largest, f[i]);
       smallest = _mm_min_epi16(smallest, f[i]);
       squares = _mm_add_epi32(squares, _mm_madd_epi16(f[i], f[i]));
       products = _mm_add_epi32(products, _mm_madd_epi16(f[i], load(target + 8 * i)));
-    }
+    });
     const Zpp64s energyFiltered = sumLanes64(addWide64(_mm_setzero_si128(), squares));
     if (!productsFit(energyTarget, energyFiltered)) break;
     *corr++ = normalisedCorrelation(2 * sumLanes32(products) + 1, energyFiltered, targetScale);
@@ -41,10 +41,11 @@ void ownNormCorr_AMRWB_16s_W7(const Zpp16s* excitation, const Zpp16s* target, co
     }
     // One sample earlier: the response to the sample that enters, added to the old one delayed
     const V entering = _mm_set1_epi16(excitation[-lag - 1]);
-    for (int i = vectors - 1; i >= 0; --i) {
-      const V before = i > 0 ? _mm_srli_si128(f[i - 1], 14) : _mm_setzero_si128();
+    unrolled<vectors>([&](auto count) {
+      constexpr int i = vectors - 1 - count;
+      const V before = i > 0 ? _mm_srli_si128(f[i > 0 ? i - 1 : 0], 14) : _mm_setzero_si128();
       f[i] = _mm_adds_epi16(_mm_or_si128(_mm_slli_si128(f[i], 2), before), mulQ15(entering, load(impulse + 8 * i)));
-    }
+    });
   }
   ownNormCorr_AMRWB_16s_PX(excitation, target, impulse, minLag, maxLag, first);
 }
@@ -57,12 +58,7 @@ void ownPredLt_AMRWB_16s_I_W7(Zpp16s* excitation, int lag, int quarters) {
   if (quarters > 0) --past;
   const Zpp16s* const filter = excitationTaps[(4 - quarters) & 3];
   V t[vectors];
-  for (int i = 0; i < vectors; ++i) t[i] = load(filter + 8 * i);
-  const auto sums = [&](const Zpp16s* x) {
-    V sum = _mm_madd_epi16(load(x), t[0]);
-    for (int i = 1; i < vectors; ++i) sum = _mm_add_epi32(sum, _mm_madd_epi16(load(x + 8 * i), t[i]));
-    return sum;
-  };
+  unrolled<vectors>([&](auto i) { t[i] = load(filter + 8 * i); });
   const V half = _mm_set1_epi32(1 << 13);
   // Eight samples at a time need nothing that they write themselves when the newest tap lies eight samples back.
   const int reach = static_cast<int>(excitation - past) - taps;
@@ -71,11 +67,15 @@ void ownPredLt_AMRWB_16s_I_W7(Zpp16s* excitation, int lag, int quarters) {
   for (int n = 0; n < kSubframe; n += lanes) {
     const Zpp16s* const x = past + n;
     if (ownMaxAbs_16s(x + taps, lanes) > largest) return ownPredLt_AMRWB_16s_I_PX(excitation, lag, quarters);
-    const V low = _mm_add_epi32(sumsOfLanes32(sums(x), sums(x + 1), sums(x + 2), sums(x + 3)), half);
-    const V high = _mm_add_epi32(sumsOfLanes32(sums(x + 4), sums(x + 5), sums(x + 6), sums(x + 7)), half);
+    const V low = _mm_add_epi32(sumsOfLanes32(windowSums<vectors>(x, t), windowSums<vectors>(x + 1, t),
+                                              windowSums<vectors>(x + 2, t), windowSums<vectors>(x + 3, t)),
+                                half);
+    const V high = _mm_add_epi32(sumsOfLanes32(windowSums<vectors>(x + 4, t), windowSums<vectors>(x + 5, t),
+                                               windowSums<vectors>(x + 6, t), windowSums<vectors>(x + 7, t)),
+                                 half);
     store(excitation + n, _mm_packs_epi32(_mm_srai_epi32(low, 14), _mm_srai_epi32(high, 14)));
   }
-  const Zpp32s sum = sumLanes32(sums(past + kSubframe));
+  const Zpp32s sum = sumLanes32(windowSums<vectors>(past + kSubframe, t));
   excitation[kSubframe] = sat16((sum + (1 << 13)) >> 14);
 }
 
