@@ -36,9 +36,4 @@ std::optional<Frame> AmrStorage::take(std::span<const std::uint8_t> stream, bool
   return frame;
 }
 
-std::unique_ptr<Framing> amrStorage(const Entry&, const ZppcOptions&) {
-  static constexpr AmrStorage::Sizes sizes = {13, 14, 16, 18, 20, 21, 27, 32, 6, 1, 1, 1, 1, 1, 1, 1};
-  return std::make_unique<AmrStorage>("#!AMR\n", sizes);
-}
-
 }  // namespace codecs::framing

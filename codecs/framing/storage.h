@@ -24,7 +24,4 @@ class AmrStorage : public Framing {
   bool begun_ = false;
 };
 
-// Catalogue function of GSM-AMR
-std::unique_ptr<Framing> amrStorage(const Entry& entry, const ZppcOptions& options);
-
 }  // namespace codecs::framing

@@ -17,6 +17,52 @@ struct FourShapes {
   }
 };
 
+// The search over one shape in four, four at a time: gain and distortion of each, the smallest distortion by lane
+class LaneSearch {
+ public:
+  LaneSearch(const Zpp16s* target, V firstCodes)
+      : t01_(pairOf(target[0], target[1])), t23_(pairOf(target[2], target[3])), t4_(pairOf(target[4], 0)), codes_(firstCodes) {}
+
+  // Magnitudes of the correlations. Those of a shape vector add up to 47018 at most, so that all fits 32 bits.
+  void correlate(int group) {
+    const FourShapes f(group);
+    const V sum =
+        _mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(f.s01, t01_), _mm_madd_epi16(f.s23, t23_)), _mm_madd_epi16(f.s4, t4_));
+    const V sign = _mm_srai_epi32(sum, 31);
+    magnitude_ = _mm_sub_epi32(_mm_xor_si128(sum, sign), sign);
+    gain_ = _mm_andnot_si128(_mm_cmpgt_epi32(sum, _mm_setzero_si128()), _mm_set1_epi32(4));
+  }
+  V upper() const { return _mm_srli_epi32(magnitude_, 14); }
+
+  // energies: each with 0 behind it; pairs: each with the upper part of its correlation
+  void compare(V energies, V pairs) {
+    factors_ = pairOf(gainSquare[0], -gainDouble[0]);
+    raiseGain<0>(energies);
+    raiseGain<1>(energies);
+    raiseGain<2>(energies);
+    const V distortion = _mm_madd_epi16(pairs, factors_);
+    const V less = _mm_cmplt_epi32(distortion, smallest_);
+    smallest_ = select(less, distortion, smallest_);
+    best_ = select(less, _mm_add_epi32(codes_, gain_), best_);
+    codes_ = _mm_add_epi32(codes_, _mm_set1_epi32(64));
+  }
+  void store(Zpp32s* distortions, Zpp32s* codes) const { zpp::store(distortions, smallest_), zpp::store(codes, best_); }
+
+ private:
+  // Where the correlation exceeds the boundary behind gain g: the next gain, and its factors in the distortion
+  template <int g>
+  void raiseGain(V energies) {
+    const V above = _mm_cmpgt_epi32(magnitude_, _mm_madd_epi16(energies, pairOf(gainBoundary[g], 0)));
+    const V growth = pairOf(gainSquare[g + 1] - gainSquare[g], gainDouble[g] - gainDouble[g + 1]);
+    factors_ = _mm_add_epi16(factors_, _mm_and_si128(above, growth));
+    gain_ = _mm_sub_epi32(gain_, above);
+  }
+
+  V t01_, t23_, t4_, codes_;
+  V smallest_ = _mm_set1_epi32(kMax32), best_ = _mm_setzero_si128();
+  V magnitude_, gain_, factors_;
+};
+
 }  // namespace
 
 void ownShapeEnergy_G728_16s_W7(const Zpp16s* response, Zpp16s* energy) {
@@ -55,51 +101,19 @@ void ownShapeEnergy_G728_16s_W7(const Zpp16s* response, Zpp16s* energy) {
 }
 
 int ownCodebookSearch_G728_16s_W7(const Zpp16s* target, const Zpp16s* energy) {
-  const V t01 = pairOf(target[0], target[1]), t23 = pairOf(target[2], target[3]), t4 = pairOf(target[4], 0);
+  LaneSearch low(target, _mm_setr_epi32(0, 8, 16, 24)), high(target, _mm_setr_epi32(32, 40, 48, 56));
   const V zero = _mm_setzero_si128();
-  // Factors of energy and correlation in the distortion of the smallest gain, and how they grow from gain to gain
-  const V first = pairOf(gainSquare[0], -gainDouble[0]);
-  V boundary[3], growth[3];
-  for (int g = 0; g < 3; ++g) {
-    boundary[g] = pairOf(gainBoundary[g], 0);
-    growth[g] = pairOf(gainSquare[g + 1] - gainSquare[g], gainDouble[g] - gainDouble[g + 1]);
-  }
-  V smallest[2], best[2];
-  smallest[0] = smallest[1] = _mm_set1_epi32(kMax32);
-  best[0] = best[1] = zero;
-  V code[2] = {_mm_setr_epi32(0, 8, 16, 24), _mm_setr_epi32(32, 40, 48, 56)};
   for (int j = 0; j < kShapes; j += 8) {
-    // The magnitudes of a shape vector add up to 47018 at most: correlations fit 32 bits, and so does all that follows.
-    V correlation[2], negative[2];
-    for (int i = 0; i < 2; ++i) {
-      const FourShapes f(j / 4 + i);
-      const V sum =
-          _mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(f.s01, t01), _mm_madd_epi16(f.s23, t23)), _mm_madd_epi16(f.s4, t4));
-      const V sign = _mm_srai_epi32(sum, 31);
-      correlation[i] = _mm_sub_epi32(_mm_xor_si128(sum, sign), sign);
-      negative[i] = _mm_andnot_si128(_mm_cmpgt_epi32(sum, zero), _mm_set1_epi32(4));
-    }
-    const V energies = load(energy + j);
-    const V upper = _mm_packs_epi32(_mm_srli_epi32(correlation[0], 14), _mm_srli_epi32(correlation[1], 14));
-    for (int i = 0; i < 2; ++i) {
-      const V alone = i == 0 ? _mm_unpacklo_epi16(energies, zero) : _mm_unpackhi_epi16(energies, zero);
-      const V pairs = i == 0 ? _mm_unpacklo_epi16(energies, upper) : _mm_unpackhi_epi16(energies, upper);
-      V factors = first, gain = negative[i];
-      for (int g = 0; g < 3; ++g) {
-        const V above = _mm_cmpgt_epi32(correlation[i], _mm_madd_epi16(alone, boundary[g]));
-        factors = _mm_add_epi16(factors, _mm_and_si128(above, growth[g]));
-        gain = _mm_sub_epi32(gain, above);
-      }
-      const V distortion = _mm_madd_epi16(pairs, factors);
-      const V less = _mm_cmplt_epi32(distortion, smallest[i]);
-      smallest[i] = select(less, distortion, smallest[i]);
-      best[i] = select(less, _mm_add_epi32(code[i], gain), best[i]);
-      code[i] = _mm_add_epi32(code[i], _mm_set1_epi32(64));
-    }
+    low.correlate(j / 4);
+    high.correlate(j / 4 + 1);
+    const V energies = load(energy + j), upper = _mm_packs_epi32(low.upper(), high.upper());
+    low.compare(_mm_unpacklo_epi16(energies, zero), _mm_unpacklo_epi16(energies, upper));
+    high.compare(_mm_unpackhi_epi16(energies, zero), _mm_unpackhi_epi16(energies, upper));
   }
   // Of equal distortions in several lanes that of the first shape
   Zpp32s distortions[8], codes[8];
-  for (int i = 0; i < 2; ++i) store(distortions + 4 * i, smallest[i]), store(codes + 4 * i, best[i]);
+  low.store(distortions, codes);
+  high.store(distortions + 4, codes + 4);
   int winner = 0;
   for (int lane = 1; lane < 8; ++lane)
     if (distortions[lane] < distortions[winner] || (distortions[lane] == distortions[winner] && codes[lane] < codes[winner]))

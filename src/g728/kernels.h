@@ -13,6 +13,13 @@
 // ownShapeEnergy_G728_16s, ownCodebookSearch_G728_16s: see the entries; target: c of the search, five backward-filtered words.
 // ownWindow_G728_16s: dst[n] = the upper half of src[n] * window[n] * 2^shift, rounded; shift, -1..14, brings src to 15 bits.
 // ownWindowBlock_G728_16s: the same for `vectors` vectors of five with a shift each, 1 or less, saturated.
+// ownPastSums_G728_16s: what a filter of order 10 knows of its next five outputs before the first of them. sums[n] = the sum
+// over k
+//   = 0..9 of coefZero[k] * x[n - 1 - k], less that of coefPole[k] * y[n - 1 - k] over the past outputs, n - 1 - k < 0, that is
+//   k = n..9. Reads x[-10..3] and y[-10..-1].
+// ownWeightLPC_G728_16s: dst[n] = the upper half of src[n] * weight[n] * 2^shift, rounded; false, with nothing written, when
+// one does
+//   not fit. shift 1..3; dst may be src.
 // ownFinishLags_G728_32s16s: lags 1..order of an analysis, see hybrid_window.h; leaving, newest: magnitudes below 2^31. Returns
 //   the last autocorrelation before rounding.
 namespace zpp::g728 {
@@ -28,6 +35,9 @@ struct LagShifts;
   KERNEL(ownWindow_G728_16s, W7, void(const Zpp16s* src, const Zpp16s* window, Zpp16s* dst, int len, int shift))           \
   KERNEL(ownWindowBlock_G728_16s, W7,                                                                                      \
          void(const Zpp16s* src, const Zpp16s* window, const Zpp16s* shift, Zpp16s* dst, int vectors))                     \
+  KERNEL(ownPastSums_G728_16s, W7,                                                                                         \
+         void(const Zpp16s* coefZero, const Zpp16s* coefPole, const Zpp16s* x, const Zpp16s* y, Zpp64s* sums))             \
+  KERNEL(ownWeightLPC_G728_16s, W7, bool(const Zpp16s* src, const Zpp16s* weight, Zpp16s* dst, int len, int shift))        \
   KERNEL(ownFinishLags_G728_32s16s, W7,                                                                                    \
          Zpp32s(const Zpp32s* leaving, const Zpp32s* newest, Zpp16s* sums, Zpp16s* dst, int order,                         \
                 const zpp::g728::LagShifts& shifts))

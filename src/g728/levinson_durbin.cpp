@@ -81,9 +81,6 @@ ZppStatus zppsWeightLPC_G728_16s_Sfs(const Zpp16s* src, const Zpp16s* weight, Zp
   if (anyNull(src, weight, dst)) return zppStsNullPointer;
   if (len < 1) return zppStsBadSize;
   if (outside(scale, 13, 15)) return zppStsBadScale;
-  const auto weighted = [=](int n) { return src[n] * weight[n] * (Zpp64s{1} << (16 - scale)); };
-  for (int n = 0; n < len; ++n)
-    if (weighted(n) != sat32(weighted(n))) return zppStsOverflowWarn;
-  for (int n = 0; n < len; ++n) dst[n] = rounded(weighted(n));
+  if (!ownWeightLPC_G728_16s(src, weight, dst, len, 16 - scale)) return zppStsOverflowWarn;
   return zppStsOk;
 }

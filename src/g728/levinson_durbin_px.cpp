@@ -24,3 +24,12 @@ int ownLevinsonDurbin_G728_16s_PX(const Zpp16s* r, int startOrder, int order, Zp
   }
   return order;
 }
+
+bool ownWeightLPC_G728_16s_PX(const Zpp16s* src, const Zpp16s* weight, Zpp16s* dst, int len, int shift) {
+  for (int n = 0; n < len; ++n) {
+    const Zpp32s product = src[n] * weight[n];
+    if (product != shlWrap32(product, shift) >> shift) return false;
+  }
+  for (int n = 0; n < len; ++n) dst[n] = roundHigh16(shlWrap32(src[n] * weight[n], shift));
+  return true;
+}

@@ -1,6 +1,7 @@
 // Adaptive postfilter with gain control (ITU-T G.728 clause 4.6, blocks 71 to 77, Annex G).
 #include "core/checks.h"
 #include "g728/arithmetic.h"
+#include "g728/kernels.h"
 #include "g728/pitch_range.h"
 
 using namespace zpp;
@@ -52,14 +53,18 @@ ZppStatus zppsPostFilter_G728_16s(const Zpp16s* ltp, const Zpp16s* coefZero, con
   if (outside(pitch, kMinPitch, kMaxPitch)) return zppStsOutOfRange;
   State s;
   std::memcpy(&s, state, sizeof s);
-  Zpp16s x[10 + kVector], y[10 + kVector], filtered[kVector];
+  Zpp16s x[10 + kVector], y[10 + kVector] = {}, filtered[kVector];
   std::copy_n(s.input, 10, x);
   std::copy_n(s.output, 10, y);
+  Zpp64s longTerm[kVector], sums[kVector];
   for (int n = 0; n < kVector; ++n) {
-    const Zpp64s longTerm = Zpp64s{ltp[0] * src[n]} + ltp[1] * history[n - pitch];
-    Zpp64s sum = longTerm;
-    for (int k = 0; k < 10; ++k) sum += coefZero[k] * x[9 + n - k] - Zpp64s{coefPole[k] * y[9 + n - k]};
-    x[10 + n] = rounded(4 * longTerm);
+    longTerm[n] = Zpp64s{ltp[0] * src[n]} + ltp[1] * history[n - pitch];
+    x[10 + n] = rounded(4 * longTerm[n]);
+  }
+  ownPastSums_G728_16s(coefZero, coefPole, x + 10, y + 10, sums);
+  for (int n = 0; n < kVector; ++n) {
+    Zpp64s sum = longTerm[n] + sums[n];
+    for (int k = 0; k < n; ++k) sum -= coefPole[k] * y[9 + n - k];
     y[10 + n] = sat16(sum >> 14);
     filtered[n] = sat16((sum + tilt * y[9 + n]) >> 14);
   }

@@ -3,6 +3,7 @@
 #include "core/checks.h"
 #include "core/kernels.h"
 #include "g728/arithmetic.h"
+#include "g728/kernels.h"
 #include "g728/pitch_range.h"
 #include "lpc/kernels.h"
 
@@ -40,15 +41,24 @@ static_assert(sizeof(State) <= kStateSize);
 
 Zpp32s product(const Zpp16s* x, const Zpp16s* y, int len) { return sat32(ownDotProd_16s(x, y, len)); }
 
-// Lag of the largest correlation of x with itself delayed by minLag..maxLag; the first wins a tie.
-LagMax bestLag(const Zpp16s* x, int len, int minLag, int maxLag) {
-  LagMax best{product(x, x - minLag, len), minLag};
-  for (int lag = minLag + 1; lag <= maxLag; ++lag) {
-    const Zpp32s c = product(x, x - lag, len);
-    if (c > best.value) best = {c, lag};
+// Lag of the largest correlation of x with itself delayed by minLag..maxLag; the first wins a tie. fits: no sum leaves 32 bits.
+LagMax bestLag(const Zpp16s* x, int len, int minLag, int maxLag, bool fits) {
+  LagMax best{kMin32, minLag};
+  const auto compare = [&best](Zpp32s sum, int lag) {
+    if (sum > best.value) best = {sum, lag};
+  };
+  if (fits) {
+    Zpp32s sums[kMaxDecimatedLag];
+    ownCorr_16s32s(x, x - maxLag, len, sums, maxLag - minLag + 1);
+    for (int lag = minLag; lag <= maxLag; ++lag) compare(sums[maxLag - lag], lag);
+  } else {
+    for (int lag = minLag; lag <= maxLag; ++lag) compare(product(x, x - lag, len), lag);
   }
   return best;
 }
+
+// Sums of so many products fit 32 bits when the samples are no larger.
+static_assert(Zpp64s{kDecimatedWindow} * 9268 * 9268 <= kMax32 && Zpp64s{kWindow} * 4634 * 4634 <= kMax32);
 
 // Lowpass of 1 kHz and decimation by 4
 void decimate(const Zpp16s* residual, State& s) {
@@ -69,14 +79,17 @@ void decimate(const Zpp16s* residual, State& s) {
 // Block 82. The best lag may be a multiple of the pitch period: a lag near the period before is preferred if its predictor tap
 // exceeds 0.4 times that of the best lag.
 int pitchPeriod(const Zpp16s* residual, const State& s) {
+  const bool fitsDecimated = ownMaxAbs_16s(s.decimated, kDecimated) <= 9268;
   const int coarse =
-      bestLag(s.decimated + kMaxDecimatedLag, kDecimatedWindow, kMinDecimatedLag, kMaxDecimatedLag).lag * kDecimation;
+      kDecimation *
+      bestLag(s.decimated + kMaxDecimatedLag, kDecimatedWindow, kMinDecimatedLag, kMaxDecimatedLag, fitsDecimated).lag;
   const Zpp16s* x = residual + kCycle - kWindow;
+  const bool fits = ownMaxAbs_16s(x - kMaxPitch, kWindow + kMaxPitch) <= 4634;
   const LagMax best =
-      bestLag(x, kWindow, std::max(coarse - kDecimation + 1, kMinPitch), std::min(coarse + kDecimation - 1, kMaxPitch));
+      bestLag(x, kWindow, std::max(coarse - kDecimation + 1, kMinPitch), std::min(coarse + kDecimation - 1, kMaxPitch), fits);
   const int previous = s.period;
   if (previous + 6 >= best.lag) return best.lag;
-  const LagMax near = bestLag(x, kWindow, std::max(previous - 6, kMinPitch), previous + 6);
+  const LagMax near = bestLag(x, kWindow, std::max(previous - 6, kMinPitch), previous + 6, fits);
   const Zpp32s bestEnergy = product(x - best.lag, x - best.lag, kWindow);
   const Zpp32s nearEnergy = product(x - near.lag, x - near.lag, kWindow);
   const int norm = normShift(std::max(bestEnergy, nearEnergy), 32);
@@ -115,11 +128,10 @@ ZppStatus zppsLPCInverseFilter_G728_16s(const Zpp16s* coef, const Zpp16s* src, Z
   Zpp16s x[10 + kVector];
   std::copy_n(s.input, 10, x);
   std::copy_n(src, kVector, x + 10);
-  for (int n = 0; n < kVector; ++n) {
-    Zpp64s sum = x[10 + n] * 8192;
-    for (int k = 0; k < 10; ++k) sum += coef[k] * x[9 + n - k];
-    dst[n] = rounded(4 * sum);
-  }
+  constexpr Zpp16s none[10] = {};
+  Zpp64s sums[kVector];
+  ownPastSums_G728_16s(coef, none, x + 10, x + 10, sums);
+  for (int n = 0; n < kVector; ++n) dst[n] = rounded(4 * (sums[n] + x[10 + n] * 8192));
   std::copy_n(x + kVector, 10, s.input);
   s.save(state);
   return zppStsOk;

@@ -10,26 +10,6 @@ const Zpp8u gainShift[8] = {
     3, 3, 2, 1, 3, 3, 2, 1,
 };
 
-const Zpp16s gainBoundary[3] = {
-    5808,
-    10164,
-    17787,
-};
-
-const Zpp16s gainSquare[4] = {
-    545,
-    1668,
-    5107,
-    15640,
-};
-
-const Zpp16s gainDouble[4] = {
-    4224,
-    7392,
-    12936,
-    22638,
-};
-
 const Zpp16s gainLevel[8] = {
     -11783, -1828, 8127, 18082, -11783, -1828, 8127, 18082,
 };

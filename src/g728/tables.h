@@ -19,9 +19,9 @@ extern const Zpp16s gainCodebook[8];
 // Left shift that keeps the product of a gain and a normalised mantissa accurate (Annex G)
 extern const Zpp8u gainShift[8];
 // Boundaries between the gain magnitudes, Q13 (GB, Annex B)
-extern const Zpp16s gainBoundary[3];
+inline constexpr Zpp16s gainBoundary[3] = {5808, 10164, 17787};
 // Squared gain magnitudes, Q11 (GSQ), and doubled ones, Q12 (G2, Annex B)
-extern const Zpp16s gainSquare[4], gainDouble[4];
+inline constexpr Zpp16s gainSquare[4] = {545, 1668, 5107, 15640}, gainDouble[4] = {4224, 7392, 12936, 22638};
 // Level of each gain, 20 log10, and of each shape vector, 10 log10 of its mean square, dB, Q11 (Annex G)
 extern const Zpp16s gainLevel[8], shapeLevel[kShapes];
 // Polynomial of 2^x, 0 <= x < 1, constant term first: term 0 Q14, the others Q15 (Annex G)

@@ -18,9 +18,11 @@ static_assert(sizeof(State) <= kStateSize);
 }  // namespace
 
 void ownWeightingFilter_G728_16s(const Zpp16s* coefZero, const Zpp16s* coefPole, const Zpp16s* x, Zpp16s* y) {
+  Zpp64s sums[kVector];
+  ownPastSums_G728_16s(coefZero, coefPole, x, y, sums);
   for (int n = 0; n < kVector; ++n) {
-    Zpp64s sum = x[n] * 16384;
-    for (int k = 0; k < 10; ++k) sum += coefZero[k] * x[n - 1 - k] - Zpp64s{coefPole[k] * y[n - 1 - k]};
+    Zpp64s sum = sums[n] + x[n] * 16384;
+    for (int k = 0; k < n; ++k) sum -= coefPole[k] * y[n - 1 - k];
     y[n] = sat16(sum >> 14);
   }
 }

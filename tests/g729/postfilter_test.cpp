@@ -77,20 +77,25 @@ TEST(LongTermPostfilter, OfAnnexBTakesDelaysTooShortAsTheShortest) {
 
 // The period of a pulse train of limited bandwidth is found to 1/8 sample, and the delayed signal falls on the current one.
 TEST(LongTermPostfilter, FindsFractionalPeriods) {
-  for (const int delay : {18, 19, 47, 90, 142, 143})
-    for (int eighths = -6; eighths <= 6; ++eighths) {
+  for (const int delay : {18, 19, 47, 90, 142, 143, 144})
+    for (int eighths = -6; eighths <= (delay == 144 ? 14 : 6); ++eighths) {
       const double period = delay + eighths / 8.0;
-      std::array<Zpp16s, 192> residual;
-      for (int n = 0; n < 192; ++n) {
+      std::array<Zpp16s, 193> residual;
+      for (int n = 0; n < 193; ++n) {
         double sum = 0;
-        for (int k = 1; k < 0.2 * period; ++k) sum += std::cos(2 * 3.14159265358979 * k * (n - 170) / period);
+        for (int k = 1; k < 0.2 * period; ++k) sum += std::cos(2 * 3.14159265358979 * k * (n - 171) / period);
         residual[static_cast<std::size_t>(n)] = static_cast<Zpp16s>(std::lround(40000 / period * sum));
       }
-      Subframe dst;
-      Zpp16s selected = 0;
-      ASSERT_EQ(zppsLongTermPostFilter_G729_16s(16384, delay, residual.data() + 152, dst.data(), &selected), zppStsOk);
+      Subframe dst, same;
+      Zpp16s selected = 0, sameSelected = 0;
+      const Zpp16s* current = residual.data() + 153;
+      ASSERT_EQ(zppsLongTermPostFilter_G729I_16s(16384, delay, current, dst.data(), &selected), zppStsOk);
       EXPECT_EQ(selected, std::ceil(period)) << period;
-      for (std::size_t n = 0; n < 40; ++n) EXPECT_NEAR(dst[n], residual[152 + n], 50) << period << ", sample " << n;
+      for (std::size_t n = 0; n < 40; ++n) EXPECT_NEAR(dst[n], current[n], 50) << period << ", sample " << n;
+      if (delay == 144) continue;
+      ASSERT_EQ(zppsLongTermPostFilter_G729_16s(16384, delay, current, same.data(), &sameSelected), zppStsOk);
+      EXPECT_EQ(sameSelected, selected) << period;
+      EXPECT_EQ(same, dst) << period;
     }
 }
 

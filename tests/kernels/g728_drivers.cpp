@@ -75,4 +75,19 @@ DRIVE(ownFinishLags_G728_32s16s, upTo(50, {10, 50})) {
   rig.run(leaving, newest, rig.inOut<Zpp16s>(n), rig.out<Zpp16s>(n), n, std::cref(shifts));
 }
 
+// The size is the number of bits of the coefficients.
+DRIVE(ownPastSums_G728_16s, upTo(16, {15})) {
+  const auto limit = static_cast<Zpp16s>((1 << (n - 1)) - 1), lowest = static_cast<Zpp16s>(-limit - 1);
+  const auto* zero = rig.in<Zpp16s>(10, lowest, limit);
+  const auto* pole = rig.in<Zpp16s>(10, lowest, limit);
+  rig.run(zero, pole, rig.history<Zpp16s>(4, 10), rig.history<Zpp16s>(0, 10), rig.out<Zpp64s>(5));
+}
+DRIVE(ownWeightLPC_G728_16s, upTo(60, {10, 50})) {
+  const int shift = rig.scalar(1, 3);
+  // With coefficients below 4 nothing is refused; some beyond, and the ends of the range
+  const auto limit = static_cast<Zpp16s>(rig.scalar(0, 1) == 0 ? 32767 : 8191);
+  const auto* src = rig.in<Zpp16s>(n, static_cast<Zpp16s>(-limit - 1), limit);
+  rig.run(src, rig.in<Zpp16s>(n, -16384, 16384), rig.out<Zpp16s>(n), n, shift);
+}
+
 }  // namespace test

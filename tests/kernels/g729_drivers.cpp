@@ -25,6 +25,28 @@ void runG729Kernels(const Options& options, Tally& tally) {
 // --- LP analysis and LSP quantisation -------------------------------------------------------------------------------------
 // Sizes only repeat the random draws: even ones over the whole range, odd ones in the range of speech.
 
+// Orders 1..30; multiples of three over the whole range, where sums saturate. The buffers end with the last value that is read.
+DRIVE(ownLevinsonSum_G729, upTo(30, {10, 30})) {
+  const int shift = rig.keep || n % 3 != 0 ? 3 : 0;
+  const auto values = [&](int downBy) {
+    return rig.made<zpp::Dpf>(n, [&](zpp::Dpf* dpf) {
+      for (int i = 0; i < n; ++i)
+        dpf[i] =
+            zpp::toDpf(downBy == 0 && rig.scalar(0, 3) == 0 ? INT32_MIN : rig.scalar<Zpp32s>(INT32_MIN, INT32_MAX) >> downBy);
+    });
+  };
+  const zpp::Dpf* r = values(shift);
+  rig.run(r, values(shift), n);
+}
+DRIVE(ownLevinsonUpdate_G729, upTo(30, {10, 30})) {
+  const int shift = rig.keep || n % 3 != 0 ? 3 : 0;
+  Zpp32s* values = rig.inOut<Zpp32s>(n);
+  for (int i = 0; i < n; ++i) reinterpret_cast<zpp::Dpf*>(values)[i] = zpp::toDpf(values[i] >> shift);
+  const Zpp32s reflection = rig.keep                              ? 0
+                            : shift == 0 && rig.scalar(0, 3) == 0 ? INT32_MIN
+                                                                  : rig.scalar<Zpp32s>(INT32_MIN, INT32_MAX);
+  rig.run(reinterpret_cast<zpp::Dpf*>(values), n, zpp::toDpf(reflection));
+}
 // Values around those whose distances from an entry add up to 2^32
 template <int columns>
 Zpp16s farFrom(RigBase& rig, const Zpp16s (&entry)[columns], int j, int distance) {

@@ -8,6 +8,7 @@ import math
 import os
 import pty
 import select
+import shutil
 import signal
 import struct
 import subprocess
@@ -16,6 +17,7 @@ import tempfile
 import time
 import unittest
 import wave
+import zlib
 
 PROGRAM = ""
 DATA = os.path.join(os.path.dirname(os.path.abspath(__file__)), "data")
@@ -177,6 +179,122 @@ class Streams(ProgramTest):
                     decoded = run("decode", *options, stdin=stream.stdout)
                     self.assertDone(decoded)
                     self.assertGreaterEqual(len(decoded.stdout), length)
+
+
+class G723(ProgramTest):
+    """The standard's streams, with the options that some of its runs need."""
+
+    @staticmethod
+    def vectors(name):
+        return data(os.path.join("..", "..", "vectors", "g723", "streams", name))
+
+    def test_streams_with_switched_rates_and_pauses(self):
+        speech, words = self.vectors("pauses.pcm"), struct.Struct("<H")
+        cases = self.vectors("decoded.cases").decode().splitlines()
+        rates = next(line for line in cases if line.startswith("out u8 rate")).split()[4:]
+        file = self.file("rates", b"".join(words.pack(int(rate)) for rate in rates))
+        mixed = run("encode", "-c", "g723.1", "--rates", file, "--dtx", "--raw", "-", "-", stdin=speech)
+        self.assertDone(mixed, self.vectors("pauses-mixed.bit"))
+        plain = run("encode", "-c", "g723.1-6.3", "--no-highpass", "--raw", "-", "-", stdin=self.vectors("codewords-6.3.pcm"))
+        self.assertDone(plain, self.vectors("codewords-6.3.bit"))
+        # A lost frame of speech: all before it stays.
+        lost = self.file("lost", words.pack(0) * 31 + words.pack(1))
+        options = ["-c", "g723.1", "--no-postfilter", "--raw", "-", "-"]
+        whole = run("decode", *options, stdin=mixed.stdout).stdout
+        holed = run("decode", "--lost", lost, *options, stdin=mixed.stdout).stdout
+        self.assertEqual((len(holed), holed[:14880] == whole[:14880]), (len(speech), True))
+        self.assertFalse(holed == whole)
+
+    def test_refusals(self):
+        rates = self.file("rates", bytes(2))
+        missing = run("encode", "-c", "g723.1-5.3", "--rates", rates, "--raw", "-", "-", stdin=bytes(960))
+        self.assertEqual(missing.returncode, 1)
+        cut = run("decode", "-c", "g723.1", "--raw", "-", "-", stdin=self.vectors("pauses-5.3.bit")[:30])
+        self.assertEqual(cut.returncode, 2)
+        self.assertIn(b"10 bytes that are no whole frame", cut.stderr)
+
+    @unittest.skipUnless(shutil.which("ffmpeg"), "no ffmpeg")
+    def test_another_decoder_hears_the_same(self):
+        speech = data("speech.pcm") * 6
+        for codec in "g723.1-5.3", "g723.1-6.3":
+            with self.subTest(codec=codec):
+                stream = run("encode", "-c", codec, "--raw", "-", "-", stdin=speech).stdout
+                ours = samples(run("decode", "-c", codec, "--raw", "-", "-", stdin=stream).stdout)
+                command = ["ffmpeg", "-v", "error", "-f", "g723_1", "-i", self.file("stream", stream), "-f", "s16le", "-"]
+                theirs = samples(subprocess.run(command, capture_output=True, timeout=120).stdout)
+                self.assertEqual(len(theirs), len(ours))
+                error = sum((a - b) ** 2 for a, b in zip(ours, theirs))
+                self.assertLess(error, 1e-3 * sum(a * a for a in ours))
+
+
+class GsmAmr(ProgramTest):
+    """Whole streams are compared in codecs_test; here what the program adds."""
+
+    @staticmethod
+    def vectors(name):
+        return data(os.path.join("..", "..", "vectors", "amr", "streams", name))
+
+    def test_rates_detectors_and_receive_types(self):
+        speech, modes = self.vectors("check.pcm"), self.vectors("check.modes")
+        rates = self.file("rates", b"".join(struct.pack("<H", mode) for mode in modes))
+        for detector, checksum in (("1", 0x4867a850), ("2", 0x0843ab3f)):
+            options = ["-c", "amr", "--framing", "words", "--rates", rates, "--dtx", "--vad", detector, "--raw", "-", "-"]
+            stream = run("encode", *options, stdin=speech)
+            self.assertDone(stream)
+            self.assertEqual(zlib.crc32(stream.stdout), checksum)
+        types = self.file("types", b"".join(b"%d\n" % kind for kind in self.vectors("types-random.types")))
+        heard = run("decode", "-c", "amr", "--frame-types", types, "--raw", "-", "-", stdin=self.vectors("types-random.amr"))
+        self.assertDone(heard)
+        self.assertEqual(zlib.crc32(heard.stdout), 0x9560aa61)
+        # A decoder takes the rate from the stream, whatever its name says.
+        stream = run("encode", "-c", "amr-5.15", "--raw", "-", "-", stdin=speech).stdout
+        heard = [run("decode", "-c", name, "--raw", "-", "-", stdin=stream).stdout for name in ("amr-12.2", "amr", "amr-5.15")]
+        self.assertTrue(heard[0] == heard[1] == heard[2])
+
+    def test_refusals(self):
+        stream = run("encode", "-c", "amr-4.75", "--raw", "-", "-", stdin=bytes(640)).stdout
+        decode = ["decode", "-c", "amr", "--raw", "-", "-"]
+        self.assertRefused(run(*decode, stdin=stream[6:]), 2, "#!AMR")
+        self.assertRefused(run(*decode, stdin=b"RIFF"), 2, "#!AMR")
+        self.assertRefused(run(*decode, stdin=stream[:-1]), 2, "12 bytes that are no whole frame")
+        rates = self.file("rates", bytes(2))
+        self.assertRefused(run("encode", "-c", "amr-4.75", "--rates", rates, "--raw", "-", "-", stdin=bytes(320)), 1, "--rates")
+        rates = self.file("rates", b"\x08\0")
+        self.assertRefused(run("encode", "-c", "amr", "--rates", rates, "--raw", "-", "-", stdin=bytes(320)), 2, "rate 8")
+
+    def assertSimilar(self, theirs, ours, limit):
+        theirs, ours = samples(theirs), samples(ours)
+        self.assertGreaterEqual(len(theirs), len(ours))
+        error = sum((a - b) ** 2 for a, b in zip(ours, theirs))
+        self.assertLess(error, limit * sum(a * a for a in ours))
+
+    @unittest.skipUnless(shutil.which("ffmpeg"), "no ffmpeg")
+    def test_another_decoder_hears_nearly_the_same(self):
+        for codec in "amr-4.75", "amr-7.95", "amr-12.2":
+            with self.subTest(codec=codec):
+                stream = run("encode", "-c", codec, "--raw", "-", "-", stdin=self.vectors("check.pcm")).stdout
+                ours = run("decode", "-c", codec, "--raw", "-", "-", stdin=stream).stdout
+                command = ["ffmpeg", "-v", "error", "-f", "amr", "-i", self.file("stream", stream), "-f", "s16le", "-"]
+                theirs = subprocess.run(command, capture_output=True, timeout=120).stdout
+                self.assertSimilar(theirs, ours, 0.05)
+
+    @unittest.skipUnless(shutil.which("sox") and b"amr-nb" in subprocess.run(["sox", "--help"], capture_output=True).stdout,
+                         "no sox that knows GSM-AMR")
+    def test_files_are_exchanged(self):
+        speech = self.file("speech.raw", self.vectors("check.pcm"))
+        pcm = ["-t", "raw", "-e", "signed", "-b", "16", "-r", "8000", "-c", "1"]
+        stream = self.path("theirs.amr-nb")
+        for mode, codec in enumerate(("amr-4.75", "amr-5.15", "amr-5.90", "amr-6.70", "amr-7.40", "amr-7.95", "amr-10.2", "amr-12.2")):
+            with self.subTest(codec=codec):
+                subprocess.run(["sox", *pcm, speech, "-C", str(mode), stream], check=True, timeout=120)
+                theirs = run("decode", "-c", codec, "--raw", stream, "-")
+                self.assertDone(theirs)
+                ours = run("encode", "-c", codec, "--raw", speech, self.path("ours.amr-nb"))
+                self.assertDone(ours)
+                own = run("decode", "-c", codec, "--raw", self.path("ours.amr-nb"), "-").stdout
+                heard = subprocess.run(["sox", self.path("ours.amr-nb"), *pcm, "-"], capture_output=True, timeout=120).stdout
+                self.assertSimilar(heard, own, 0.02)
+                self.assertSimilar(theirs.stdout, own, 0.5)
 
 
 class Measures(ProgramTest):
