@@ -9,8 +9,7 @@ inline constexpr int kComfortNoiseStateSize = 416;
 void ownDTXDecision_GSMAMR(bool active, Zpp16s* dtxMem, Zpp16s* silence, Zpp16s* newSid);
 void ownDTXHistory_GSMAMR_16s(const Zpp16s* speech, const Zpp16s* lsp, Zpp16s* lspHist, Zpp16s* logEnergyHist);
 void ownSIDQuant_GSMAMR_16s(const Zpp16s* lspHist, const Zpp16s* logEnergyHist, Zpp16s* gainMem, Zpp16s* sid);
-// Prediction memory of the code gain (8 words) for comfort noise of a log energy, Q10 of log2 / 2, less the offset of the
-// speech coder
+// The prediction memory of the code gain, 8 words, for comfort noise of this log energy: half of log2, Q10
 void ownNoiseGainMem_GSMAMR_16s(Zpp16s logEnergy, Zpp16s* gainMem);
 
 void ownComfortNoiseInit_GSMAMR(void* state);
