@@ -31,6 +31,12 @@ DRIVE(ownShortTermSynthesisFilter_GSMFR_16s, upTo(130, {13, 120})) {
   const auto* src = rig.in<Zpp16s>(n, static_cast<Zpp16s>(-level), level);
   rig.run(refl, src, rig.out<Zpp16s>(n), n, rig.inOut<Zpp16s>(kGsmFrOrder, static_cast<Zpp16s>(-level), level));
 }
+DRIVE(ownLTPCorrelation_GSMFR_16s, only({kGsmFrSubframe})) {
+  rig.run(rig.in<Zpp16s>(n, -512, 512), rig.in<Zpp16s>(kGsmFrHistory));
+}
+DRIVE(ownLTPPredict_GSMFR_16s, only({kGsmFrSubframe})) {
+  rig.run(rig.in<Zpp16s>(kGsmFrHistory), rig.out<Zpp16s>(n), rig.scalar(kGsmFrShortestLag, kGsmFrLongestLag), rig.scalar(0, 3));
+}
 DRIVE(ownWeightingFilter_GSMFR_16s, only({kGsmFrSubframe})) { rig.run(rig.in<Zpp16s>(n), rig.out<Zpp16s>(n)); }
 
 }  // namespace test
