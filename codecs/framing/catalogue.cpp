@@ -1,6 +1,8 @@
 // The names under which the program offers the codecs, and how their payloads may lie in files.
+#include "codecs/framing/amrwb_files.h"
 #include "codecs/framing/framing.h"
 #include "codecs/framing/groups.h"
+#include "codecs/framing/kinds.h"
 #include "codecs/framing/octets.h"
 #include "codecs/framing/parameters.h"
 #include "codecs/framing/words.h"
@@ -27,6 +29,15 @@ Entry decodingWithout(std::string_view decoderSwitch, Entry whole) {
   return whole;
 }
 
+// A name for a rate of G.723.1, 0 for both
+Entry g723(std::string_view name, int bitRate) {
+  static const std::vector<Choice> framings = {{"frames", kindsAndOctets}, {"rfc3551", kindsAndOctetsOfSpeech}};
+  Entry named = decodingWithout("no-postfilter", entry(name, "g723.1", bitRate, {24, 20, 4}, framings));
+  named.encoderSwitch = "no-highpass";
+  named.everyRate = bitRate == 0;
+  return named;
+}
+
 constexpr ParameterLayout kFullRate = {gsmfr::kSignatureBits, gsmfr::kSignature, gsmfr::kParameterBits};
 
 template <class AFraming>
@@ -44,6 +55,8 @@ const std::vector<Entry>& catalogue() {
   static const std::vector<Choice> lowDelay = {{"rfc3551", bareOctets}, {"words", codePerWord}, {"itu", serialGroups}};
   static const std::vector<Choice> rpe = {
       {"rfc3551", fullRate<SignedOctets>}, {"wav49", fullRate<PairedParameters>}, {"words", fullRate<ParameterWords>}};
+  static const std::vector<Choice> wideBand = {{"rfc4867", amrWbStorage}, {"words", amrWbWords}, {"itu", amrWbSerial}};
+  static const std::vector<int> wideBandOctets = {61, 59, 51, 47, 41, 37, 33, 24, 18, 6, 1};
   // name, row of the table, bit rate, octets of a payload, framings
   static const std::vector<Entry> entries = {
       // clang-format off
@@ -55,6 +68,9 @@ const std::vector<Entry>& catalogue() {
       entry("g726-40", "g726", 40000, {}, adpcm),
       entry("g722.1-24", "g722.1", 24000, {60}, transform),
       entry("g722.1-32", "g722.1", 32000, {80}, transform),
+      g723("g723.1-5.3", 5300),
+      g723("g723.1-6.3", 6300),
+      g723("g723.1", 0),
       decodingWithout("no-postfilter", entry("g728", "g728", 16000, {5}, lowDelay)),
       entry("g729", "g729", 8000, {10, 2}, celp),
       entry("g729a", "g729a", 8000, {10, 2}, celp),
@@ -66,6 +82,16 @@ const std::vector<Entry>& catalogue() {
       entry("g729i", "g729i", 8000, {15, 10, 8, 2}, celp, false, true),
       entry("g729f", "g729f", 8000, {10}, celp),
       entry("g729af", "g729af", 8000, {10}, celp),
+      entry("amr-wb-6.60", "amr-wb", 6600, wideBandOctets, wideBand),
+      entry("amr-wb-8.85", "amr-wb", 8850, wideBandOctets, wideBand),
+      entry("amr-wb-12.65", "amr-wb", 12650, wideBandOctets, wideBand),
+      entry("amr-wb-14.25", "amr-wb", 14250, wideBandOctets, wideBand),
+      entry("amr-wb-15.85", "amr-wb", 15850, wideBandOctets, wideBand),
+      entry("amr-wb-18.25", "amr-wb", 18250, wideBandOctets, wideBand),
+      entry("amr-wb-19.85", "amr-wb", 19850, wideBandOctets, wideBand),
+      entry("amr-wb-23.05", "amr-wb", 23050, wideBandOctets, wideBand),
+      entry("amr-wb-23.85", "amr-wb", 23850, wideBandOctets, wideBand),
+      entry("amr-wb", "amr-wb", 12650, wideBandOctets, wideBand, false, true),
       // clang-format on
   };
   return entries;
