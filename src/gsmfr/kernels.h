@@ -8,8 +8,7 @@ inline constexpr int kGsmFrFrame = 160, kGsmFrSubframe = 40, kGsmFrHistory = 120
 inline constexpr int kGsmFrShortestLag = 40, kGsmFrLongestLag = 120;
 
 // len is 1 or more; src may be dst.
-// ownLTPCorrelation: the largest of the target's correlations with the history, |target| up to 512, and the smallest of its
-// lags;
+// ownLTPCorrelation: the largest correlation of the target, |target| up to 512, with the history, and the smallest of its lags;
 //   {0, 40} where none is positive.
 #define ZPP_GSMFR_KERNELS(KERNEL)                                                                                       \
   KERNEL(ownPreemphasize_GSMFR_16s, W7, void(const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* memory))                  \
