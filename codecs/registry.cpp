@@ -5,6 +5,7 @@
 #include "codecs/amrwb/encoder.h"
 #include "codecs/g711/g711.h"
 #include "codecs/g7221/g7221.h"
+#include "codecs/g723/g723.h"
 #include "codecs/g726/g726.h"
 #include "codecs/g728/decoder.h"
 #include "codecs/g728/encoder.h"
@@ -20,6 +21,7 @@ constexpr unsigned kDtx = ZPPC_FEATURE_DTX, kConcealment = ZPPC_FEATURE_CONCEALM
 constexpr int k64000[] = {64000};
 constexpr int kG726[] = {16000, 24000, 32000, 40000};
 constexpr int kG7221[] = {24000, 32000};
+constexpr int kG723[] = {5300, 6300};
 constexpr int k16000[] = {16000};
 constexpr int k8000[] = {8000};
 constexpr int kAmrWb[] = {6600, 8850, 12650, 14250, 15850, 18250, 19850, 23050, 23850};
@@ -52,6 +54,8 @@ constexpr CodecRow kRows[] = {
         about("g726", "ITU-T G.726", "G726-32", 8000, 0, kG726, 32000, 0), 1),
     codecRow<g7221::Encoder, g7221::Decoder, 320, 80>(
         about("g722.1", "ITU-T G.722.1", "G7221", 16000, 320, kG7221, 24000, kConcealment)),
+    codecRow<g723::Encoder, g723::Decoder, g723::kFrame, g723::kMaxPayload>(
+        about("g723.1", "ITU-T G.723.1", "G723", 8000, 60, kG723, 6300, kDtx | kConcealment), 1),
     codecRow<g728::Encoder, g728::Decoder, g728::kCycle, g728::kPayload>(
         about("g728", "ITU-T G.728", "G728", 8000, 0, k16000, 16000, kConcealment), 1),
     codecRow<g729::Encoder, g729::Decoder, 80, 10>(

@@ -2,6 +2,7 @@
 #include "codecs/framing/amrwb_files.h"
 #include "codecs/framing/framing.h"
 #include "codecs/framing/groups.h"
+#include "codecs/framing/kinds.h"
 #include "codecs/framing/octets.h"
 #include "codecs/framing/parameters.h"
 #include "codecs/framing/words.h"
@@ -26,6 +27,15 @@ Entry entry(std::string_view name, const char* codec, int bitRate, std::vector<i
 Entry decodingWithout(std::string_view decoderSwitch, Entry whole) {
   whole.decoderSwitch = decoderSwitch;
   return whole;
+}
+
+// A name for a rate of G.723.1, 0 for both
+Entry g723(std::string_view name, int bitRate) {
+  static const std::vector<Choice> framings = {{"frames", kindsAndOctets}, {"rfc3551", kindsAndOctetsOfSpeech}};
+  Entry named = decodingWithout("no-postfilter", entry(name, "g723.1", bitRate, {24, 20, 4}, framings));
+  named.encoderSwitch = "no-highpass";
+  named.everyRate = bitRate == 0;
+  return named;
 }
 
 constexpr ParameterLayout kFullRate = {gsmfr::kSignatureBits, gsmfr::kSignature, gsmfr::kParameterBits};
@@ -58,6 +68,9 @@ const std::vector<Entry>& catalogue() {
       entry("g726-40", "g726", 40000, {}, adpcm),
       entry("g722.1-24", "g722.1", 24000, {60}, transform),
       entry("g722.1-32", "g722.1", 32000, {80}, transform),
+      g723("g723.1-5.3", 5300),
+      g723("g723.1-6.3", 6300),
+      g723("g723.1", 0),
       decodingWithout("no-postfilter", entry("g728", "g728", 16000, {5}, lowDelay)),
       entry("g729", "g729", 8000, {10, 2}, celp),
       entry("g729a", "g729a", 8000, {10, 2}, celp),

@@ -9,6 +9,8 @@ inline constexpr int kGsmFrFrame = 160, kGsmFrSubframe = 40, kGsmFrHistory = 120
 #define ZPP_GSMFR_KERNELS(KERNEL)                                                                                       \
   KERNEL(ownPreemphasize_GSMFR_16s, W7, void(const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* memory))                  \
   KERNEL(ownDeemphasize_GSMFR_16s_I, W7, void(Zpp16s * srcDst, int len, Zpp16s* memory))                                \
+  KERNEL(ownLARDecode_GSMFR_16s, W7, void(const Zpp16s* larCode, Zpp16s* lar))                                          \
+  KERNEL(ownLARToRefl_GSMFR_16s, W7, void(const Zpp16s* prevLar, const Zpp16s* lar, Zpp16s* refl))                      \
   KERNEL(ownShortTermAnalysisFilter_GSMFR_16s_I, W7, void(const Zpp16s* refl, Zpp16s* srcDst, int len, Zpp16s* memory)) \
   KERNEL(ownShortTermSynthesisFilter_GSMFR_16s, W7,                                                                     \
          void(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* memory))                             \
@@ -27,8 +29,6 @@ void ownSchur_GSMFR_32s16s(const Zpp32s* autoCorr, Zpp16s* refl, int order);
 void ownReflToLAR_GSMFR_16s(const Zpp16s* refl, Zpp16s* lar);
 
 void ownLARQuant_GSMFR_16s(const Zpp16s* lar, Zpp16s* larCode);
-void ownLARDecode_GSMFR_16s(const Zpp16s* larCode, Zpp16s* lar);
-void ownLARToRefl_GSMFR_16s(const Zpp16s* prevLar, const Zpp16s* lar, Zpp16s* refl);
 
 void ownLTPSearch_GSMFR_16s(const Zpp16s* src, const Zpp16s* history, Zpp16s* lag, Zpp16s* gain);
 void ownLTPPredict_GSMFR_16s(const Zpp16s* history, Zpp16s* dst, int lag, int gain);

@@ -18,10 +18,10 @@ const Zpp16s* reflection(RigBase& rig) {
 
 }  // namespace
 
-DRIVE(ownPreemphasize_GSMFR_16s, upTo(60, {160})) {
-  rig.run(rig.in<Zpp16s>(n), rig.out<Zpp16s>(n), n, rig.inOut<Zpp16s>(1));
-}
+DRIVE(ownPreemphasize_GSMFR_16s, upTo(60, {160})) { rig.run(rig.in<Zpp16s>(n), rig.out<Zpp16s>(n), n, rig.inOut<Zpp16s>(1)); }
 DRIVE(ownDeemphasize_GSMFR_16s_I, upTo(100, {160})) { rig.run(rig.inOut<Zpp16s>(n), n, rig.inOut<Zpp16s>(1)); }
+DRIVE(ownLARDecode_GSMFR_16s, only({kGsmFrOrder})) { rig.run(rig.in<Zpp16s>(n), rig.out<Zpp16s>(n)); }
+DRIVE(ownLARToRefl_GSMFR_16s, only({kGsmFrOrder})) { rig.run(rig.in<Zpp16s>(n), rig.in<Zpp16s>(n), rig.out<Zpp16s>(4 * n)); }
 DRIVE(ownShortTermAnalysisFilter_GSMFR_16s_I, upTo(60, {13, 120})) {
   rig.run(reflection(rig), rig.inOut<Zpp16s>(n), n, rig.inOut<Zpp16s>(kGsmFrOrder));
 }
