@@ -181,6 +181,11 @@ int zppcEncode(ZppcEncoder* encoder, const int16_t* pcm, int samples, uint8_t* p
   return row.encoder.encode(object, pcm, samples, payload);
 }
 
+int codecs::unsentPayload(ZppcEncoder* encoder, Zpp8u* payload) {
+  const EncoderRow& row = rowIn(encoder).encoder;
+  return row.unsent == nullptr ? 0 : row.unsent(objectIn(encoder, row), payload);
+}
+
 unsigned codecs::flagsOf(ZppcEncoder* encoder) {
   const EncoderRow& row = rowIn(encoder).encoder;
   return row.flags == nullptr ? 0 : row.flags(objectIn(encoder, row));

@@ -1,6 +1,8 @@
 // The table of codecs. A codec moves in with one row.
 #include "codecs/registry.h"
 
+#include "codecs/amrwb/decoder.h"
+#include "codecs/amrwb/encoder.h"
 #include "codecs/g711/g711.h"
 #include "codecs/g7221/g7221.h"
 #include "codecs/g723/g723.h"
@@ -8,8 +10,8 @@
 #include "codecs/g728/decoder.h"
 #include "codecs/g728/encoder.h"
 #include "codecs/g729/g729.h"
-#include "codecs/gsmfr/gsmfr.h"
 #include "codecs/g729f/g729f.h"
+#include "codecs/gsmfr/gsmfr.h"
 
 namespace codecs {
 namespace {
@@ -22,6 +24,7 @@ constexpr int kG7221[] = {24000, 32000};
 constexpr int kG723[] = {5300, 6300};
 constexpr int k16000[] = {16000};
 constexpr int k8000[] = {8000};
+constexpr int kAmrWb[] = {6600, 8850, 12650, 14250, 15850, 18250, 19850, 23050, 23850};
 constexpr int k13000[] = {13000};
 constexpr int kG729[] = {6400, 8000, 11800};
 
@@ -67,6 +70,8 @@ constexpr CodecRow kRows[] = {
         about("g729f", "ITU-T G.729 Annex C", "G729", 8000, 40, k8000, 8000, kConcealment)),
     codecRow<g729f::Encoder<g729f::AnnexAEncoder>, g729f::Decoder<g729f::AnnexAPostfilter>, 80, 10>(
         about("g729af", "ITU-T G.729 Annex C (Annex A)", "G729", 8000, 40, k8000, 8000, kConcealment)),
+    codecRow<amrwb::Encoder, amrwb::Decoder, amrwb::kInputFrame, amrwb::kMaxPayload>(
+        about("amr-wb", "3GPP TS 26.171 (AMR-WB, ITU-T G.722.2)", "AMR-WB", 16000, 80, kAmrWb, 12650, kDtx | kConcealment)),
 };
 
 constexpr auto kPublic = [] {

@@ -1,4 +1,5 @@
 // The names under which the program offers the codecs, and how their payloads may lie in files.
+#include "codecs/framing/amrwb_files.h"
 #include "codecs/framing/framing.h"
 #include "codecs/framing/groups.h"
 #include "codecs/framing/kinds.h"
@@ -54,6 +55,8 @@ const std::vector<Entry>& catalogue() {
   static const std::vector<Choice> lowDelay = {{"rfc3551", bareOctets}, {"words", codePerWord}, {"itu", serialGroups}};
   static const std::vector<Choice> rpe = {
       {"rfc3551", fullRate<SignedOctets>}, {"wav49", fullRate<PairedParameters>}, {"words", fullRate<ParameterWords>}};
+  static const std::vector<Choice> wideBand = {{"rfc4867", amrWbStorage}, {"words", amrWbWords}, {"itu", amrWbSerial}};
+  static const std::vector<int> wideBandOctets = {61, 59, 51, 47, 41, 37, 33, 24, 18, 6, 1};
   // name, row of the table, bit rate, octets of a payload, framings
   static const std::vector<Entry> entries = {
       // clang-format off
@@ -79,6 +82,16 @@ const std::vector<Entry>& catalogue() {
       entry("g729i", "g729i", 8000, {15, 10, 8, 2}, celp, false, true),
       entry("g729f", "g729f", 8000, {10}, celp),
       entry("g729af", "g729af", 8000, {10}, celp),
+      entry("amr-wb-6.60", "amr-wb", 6600, wideBandOctets, wideBand),
+      entry("amr-wb-8.85", "amr-wb", 8850, wideBandOctets, wideBand),
+      entry("amr-wb-12.65", "amr-wb", 12650, wideBandOctets, wideBand),
+      entry("amr-wb-14.25", "amr-wb", 14250, wideBandOctets, wideBand),
+      entry("amr-wb-15.85", "amr-wb", 15850, wideBandOctets, wideBand),
+      entry("amr-wb-18.25", "amr-wb", 18250, wideBandOctets, wideBand),
+      entry("amr-wb-19.85", "amr-wb", 19850, wideBandOctets, wideBand),
+      entry("amr-wb-23.05", "amr-wb", 23050, wideBandOctets, wideBand),
+      entry("amr-wb-23.85", "amr-wb", 23850, wideBandOctets, wideBand),
+      entry("amr-wb", "amr-wb", 12650, wideBandOctets, wideBand, false, true),
       // clang-format on
   };
   return entries;

@@ -75,6 +75,10 @@ void StreamEncoder::encode(std::span<const std::int16_t> frames, int count, Byte
                                 static_cast<int>(payload_.size()));
   if (octets < 0) throw std::logic_error(zppcErrorText(octets));
   framing_->announce(flagsOf(encoder_.get()));
+  if (!sampleBased(codec_) && framing_->holdsUnsent(std::span(payload_).first(static_cast<std::size_t>(octets)))) {
+    payload_.resize(static_cast<std::size_t>(unsentPayload(encoder_.get(), payload_.data())));
+    return framing_->appendUnsent(payload_, stream);
+  }
   framing_->append(std::span(payload_).first(static_cast<std::size_t>(octets)), count, stream);
 }
 

@@ -1,5 +1,8 @@
 #include "codecs/gsmfr/frame.h"
 
+#include <bit>
+#include <cstring>
+
 namespace codecs::gsmfr {
 
 namespace {
@@ -24,19 +27,22 @@ class Writer {
   Bits bits_ = 0;
 };
 
+// The bits of eight octets, without the first ones
 class Reader {
  public:
-  Reader(const Zpp8u* octets, int count) : left_(8 * count) {
-    for (int n = 0; n < count; ++n) bits_ = bits_ << 8 | octets[n];
+  Reader(const Zpp8u* octets, int skipped) {
+    std::memcpy(&bits_, octets, sizeof bits_);
+    if constexpr (std::endian::native == std::endian::little) bits_ = __builtin_bswap64(bits_);
+    bits_ <<= skipped;
   }
   Zpp16s take(int width) {
-    left_ -= width;
-    return static_cast<Zpp16s>(bits_ >> left_ & ((1u << width) - 1));
+    const auto field = static_cast<Zpp16s>(bits_ >> (64 - width));
+    bits_ <<= width;
+    return field;
   }
 
  private:
   Bits bits_ = 0;
-  int left_;
 };
 
 }  // namespace
@@ -44,6 +50,7 @@ class Reader {
 void pack(const Frame& frame, Zpp8u* payload) {
   Writer head;
   head.put(kSignature, kSignatureBits);
+#pragma GCC unroll 8
   for (int i = 0; i < kOrder; ++i) head.put(frame.larCode[i], kLarBits[i]);
   head.store(payload, kHeadOctets);
   payload += kHeadOctets;
@@ -53,6 +60,7 @@ void pack(const Frame& frame, Zpp8u* payload) {
     writer.put(s.gain, kGainBits);
     writer.put(s.grid, kGridBits);
     writer.put(s.amplitude, kAmplitudeBits);
+#pragma GCC unroll 13
     for (const Zpp16s pulse : s.pulses) writer.put(pulse, kPulseBits);
     writer.store(payload, kSubframeOctets);
     payload += kSubframeOctets;
@@ -60,16 +68,18 @@ void pack(const Frame& frame, Zpp8u* payload) {
 }
 
 bool unpack(const Zpp8u* payload, Frame& frame) {
-  Reader head(payload, kHeadOctets);
+  Reader head(payload, 0);
   if (head.take(kSignatureBits) != kSignature) return false;
+#pragma GCC unroll 8
   for (int i = 0; i < kOrder; ++i) frame.larCode[i] = head.take(kLarBits[i]);
   payload += kHeadOctets;
   for (Subframe& s : frame.subframe) {
-    Reader reader(payload, kSubframeOctets);
+    Reader reader(payload + kSubframeOctets - 8, 8);
     s.lag = reader.take(kLagBits);
     s.gain = reader.take(kGainBits);
     s.grid = reader.take(kGridBits);
     s.amplitude = reader.take(kAmplitudeBits);
+#pragma GCC unroll 13
     for (Zpp16s& pulse : s.pulses) pulse = reader.take(kPulseBits);
     payload += kSubframeOctets;
   }

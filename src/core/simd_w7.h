@@ -4,6 +4,7 @@
 #include <emmintrin.h>
 
 #include <cstring>
+#include <utility>
 
 #include "zppsc.h"
 
@@ -50,6 +51,14 @@ inline V mulWrapQ15(V a, V b) {
 inline V mulQ15(V a, V b) {
   const V product = mulWrapQ15(a, b);
   return _mm_xor_si128(product, _mm_cmpeq_epi16(product, _mm_set1_epi16(-32768)));
+}
+
+// body(0), body(1) .. body(count - 1), written out: compilers that optimise for size as well keep short loops, and with them
+// arrays of vectors in memory.
+template <int count, class Body>
+[[gnu::always_inline]] inline void unrolled(Body body) {
+  [&]<int... i>(std::integer_sequence<int, i...>) { (body(std::integral_constant<int, i>{}), ...); }
+  (std::make_integer_sequence<int, count>{});
 }
 
 // Sum of the four 32-bit lanes, modulo 2^32

@@ -1,8 +1,6 @@
 // SSE2 helpers of this room's kernels. Include it from *_w7.cpp files only.
 #pragma once
 
-#include <utility>
-
 #include "core/simd_w7.h"
 
 namespace zpp {
@@ -17,12 +15,6 @@ inline void interleave(const V (&rows)[8], V (&out)[8]) {
   out[5] = _mm_unpackhi_epi16(rows[2], rows[6]);
   out[6] = _mm_unpacklo_epi16(rows[3], rows[7]);
   out[7] = _mm_unpackhi_epi16(rows[3], rows[7]);
-}
-// Calls f(0) to f(count - 1), written out.
-template <int count, class Function>
-inline void unrolled(Function f) {
-  [&]<int... I>(std::integer_sequence<int, I...>) { (f(I), ...); }
-  (std::make_integer_sequence<int, count>());
 }
 // Transposes eight rows of eight 16-bit lanes.
 inline void transpose(V (&rows)[8]) {

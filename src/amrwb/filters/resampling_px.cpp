@@ -1,0 +1,54 @@
+// Sampling-rate conversion and filters of the high band: portable kernels.
+#include <cstring>
+
+#include "amrwb/filters/kernels.h"
+#include "amrwb/filters/tables.h"
+
+using namespace zpp;
+using namespace zpp::amrwb;
+
+namespace {
+
+template <int taps>
+Zpp16s resampled(const Zpp16s* x, const Zpp16s* coef) {
+  return roundHigh16(shlSat32(dotProductStepwise(x, coef, taps, 0), 1));
+}
+
+}  // namespace
+
+void ownDownSampling_AMRWB_16s_PX(const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* mem) {
+  Zpp16s signal[kDownSamplingMemory + 320];
+  std::memcpy(signal, mem, kDownSamplingMemory * sizeof(Zpp16s));
+  std::memcpy(signal + kDownSamplingMemory, src, static_cast<unsigned>(len) * sizeof(Zpp16s));
+  std::memcpy(mem, signal + len, kDownSamplingMemory * sizeof(Zpp16s));
+  for (int j = 0; j < len * 4 / 5; ++j) {
+    const int position = 5 * j;  // quarters of an input sample
+    dst[j] = resampled<kDownSamplingMemory>(signal + 1 + position / 4, downSamplingTaps[position % 4]);
+  }
+}
+
+void ownUpSampling_AMRWB_16s_PX(const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* mem) {
+  Zpp16s signal[kUpSamplingMemory + 256];
+  std::memcpy(signal, mem, kUpSamplingMemory * sizeof(Zpp16s));
+  std::memcpy(signal + kUpSamplingMemory, src, static_cast<unsigned>(len) * sizeof(Zpp16s));
+  std::memcpy(mem, signal + len, kUpSamplingMemory * sizeof(Zpp16s));
+  for (int j = 0; j < len * 5 / 4; ++j) {
+    const int position = 4 * j;  // fifths of an input sample
+    dst[j] = resampled<kUpSamplingMemory>(signal + 1 + position / 5, upSamplingTaps[position % 5]);
+  }
+}
+
+void ownHighBandFilter_AMRWB_16s_I_PX(const Zpp16s* coef, Zpp16s* srcDst, int len, int inputShift, Zpp16s* mem) {
+  constexpr int block = 80;
+  Zpp16s signal[kHighBandMemory + block];
+  std::memcpy(signal, mem, kHighBandMemory * sizeof(Zpp16s));
+  while (len > 0) {
+    const int count = len < block ? len : block;
+    for (int n = 0; n < count; ++n) signal[kHighBandMemory + n] = shr16(srcDst[n], inputShift);
+    for (int n = 0; n < count; ++n) srcDst[n] = roundHigh16(dotProductStepwise(signal + n, coef, kHighBandMemory + 1, 0));
+    std::memmove(signal, signal + count, kHighBandMemory * sizeof(Zpp16s));
+    srcDst += count;
+    len -= count;
+  }
+  std::memcpy(mem, signal, kHighBandMemory * sizeof(Zpp16s));
+}

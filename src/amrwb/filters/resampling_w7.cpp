@@ -1,0 +1,97 @@
+// Sampling-rate conversion and filters of the high band: SSE2 kernels.
+//
+// Four outputs a pass, each a sum of pmaddwd over its window. A sum whose partial sums stay below 2^30 is doubled without
+// saturation: the magnitudes of the taps times the largest input tell.
+#include <cstdlib>
+#include <cstring>
+
+#include "amrwb/filters/kernels.h"
+#include "amrwb/filters/tables.h"
+#include "amrwb/simd_w7.h"
+
+using namespace zpp;
+using namespace zpp::amrwb;
+
+namespace {
+
+// (sum + half) >> shift, saturated to 16 bits, of four sums
+V rounded(V sums, int shift) { return _mm_srai_epi32(_mm_add_epi32(sums, _mm_set1_epi32(1 << (shift - 1))), shift); }
+void storeFour(Zpp16s* dst, V values) { store4(dst, _mm_packs_epi32(values, values)); }
+
+}  // namespace
+
+void ownDownSampling_AMRWB_16s_W7(const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* mem) {
+  // The magnitudes of a filter's taps add up to 30851 at the most: no input saturates.
+  Zpp16s signal[kDownSamplingMemory + 320 + 8];
+  std::memcpy(signal, mem, kDownSamplingMemory * sizeof(Zpp16s));
+  std::memcpy(signal + kDownSamplingMemory, src, static_cast<unsigned>(len) * sizeof(Zpp16s));
+  std::memset(signal + kDownSamplingMemory + len, 0, 8 * sizeof(Zpp16s));
+  std::memcpy(mem, signal + len, kDownSamplingMemory * sizeof(Zpp16s));
+  const Zpp16s* x = signal + 1;
+  for (int n = 0; n < len; n += 5, x += 5, dst += 4) {
+    V sum[4];
+    unrolled<4>([&](auto f) {
+      const Zpp16s* const taps = downSamplingTaps[5 * f % 4];
+      const V t[4] = {load(taps), load(taps + 8), load(taps + 16), load(taps + 24)};
+      sum[f] = windowSums<4>(x + 5 * f / 4, t);
+    });
+    storeFour(dst, rounded(sumsOfLanes32(sum[0], sum[1], sum[2], sum[3]), 14));
+  }
+}
+
+void ownUpSampling_AMRWB_16s_W7(const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* mem) {
+  // The magnitudes of a filter's taps add up to 37140 at the most.
+  constexpr int largest = ((1 << 30) - 1) / 37140;
+  Zpp16s signal[kUpSamplingMemory + 256 + 8];
+  std::memcpy(signal, mem, kUpSamplingMemory * sizeof(Zpp16s));
+  std::memcpy(signal + kUpSamplingMemory, src, static_cast<unsigned>(len) * sizeof(Zpp16s));
+  std::memcpy(mem, signal + len, kUpSamplingMemory * sizeof(Zpp16s));
+  const bool loud = ownMaxAbs_16s(signal, kUpSamplingMemory + len) > largest;
+  const Zpp16s* x = signal + 1;
+  for (int n = 0; n < len; n += 4, x += 4, dst += 5) {
+    dst[0] = x[11];  // the filter of fraction 0 is a delay
+    if (loud && ownMaxAbs_16s(x, kUpSamplingMemory + 3) > largest) {
+      for (int f = 1; f < 5; ++f)
+        dst[f] = roundHigh16(shlSat32(dotProductStepwise(x + 4 * f / 5, upSamplingTaps[(4 * f) % 5], kUpSamplingMemory, 0), 1));
+      continue;
+    }
+    V sum[4];
+    unrolled<4>([&](auto i) {
+      constexpr int f = i + 1;
+      const Zpp16s* const taps = upSamplingTaps[(4 * f) % 5];
+      const V t[3] = {load(taps), load(taps + 8), load(taps + 16)};
+      sum[i] = windowSums<3>(x + 4 * f / 5, t);
+    });
+    storeFour(dst + 1, rounded(sumsOfLanes32(sum[0], sum[1], sum[2], sum[3]), 14));
+  }
+}
+
+void ownHighBandFilter_AMRWB_16s_I_W7(const Zpp16s* coef, Zpp16s* srcDst, int len, int inputShift, Zpp16s* mem) {
+  constexpr int block = 80;
+  int magnitudes = 1;
+  for (int i = 0; i <= kHighBandMemory; ++i) magnitudes += std::abs(coef[i]);
+  const int largest = ((1 << 30) - 1) / magnitudes;
+  const int largestInput = ownMaxAbs_16s(srcDst, len) + (inputShift > 0 ? (1 << inputShift) - 1 : 0);
+  if (largestInput >> inputShift > largest || ownMaxAbs_16s(mem, kHighBandMemory) > largest)
+    return ownHighBandFilter_AMRWB_16s_I_PX(coef, srcDst, len, inputShift, mem);
+
+  V taps[4];
+  for (int i = 0; i < 3; ++i) taps[i] = load(coef + 8 * i);
+  taps[3] = loadFirst(coef + 24, 7);
+  Zpp16s signal[kHighBandMemory + block + 8] = {};
+  std::memcpy(signal, mem, kHighBandMemory * sizeof(Zpp16s));
+  while (len > 0) {
+    const int count = len < block ? len : block;
+    for (int n = 0; n < count; ++n) signal[kHighBandMemory + n] = shr16(srcDst[n], inputShift);
+    int n = 0;
+    for (; n + 4 <= count; n += 4)
+      storeFour(srcDst + n, rounded(sumsOfLanes32(windowSums<4>(signal + n, taps), windowSums<4>(signal + n + 1, taps),
+                                                  windowSums<4>(signal + n + 2, taps), windowSums<4>(signal + n + 3, taps)),
+                                    15));
+    for (; n < count; ++n) srcDst[n] = sat16((sumLanes32(windowSums<4>(signal + n, taps)) + 0x4000) >> 15);
+    std::memmove(signal, signal + count, kHighBandMemory * sizeof(Zpp16s));
+    srcDst += count;
+    len -= count;
+  }
+  std::memcpy(mem, signal, kHighBandMemory * sizeof(Zpp16s));
+}

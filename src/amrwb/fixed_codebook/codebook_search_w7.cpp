@@ -1,0 +1,282 @@
+// Search of the algebraic codebook: SSE2 kernels.
+#include <bit>
+
+#include "amrwb/arithmetic.h"
+#include "amrwb/fixed_codebook/kernels.h"
+#include "amrwb/fixed_codebook/search.h"
+#include "core/simd_w7.h"
+
+using namespace zpp;
+using namespace zpp::amrwb;
+
+namespace {
+
+// Interleaves the first four of eight rows with the last four: a third of a transposition.
+inline void interleave(const V (&rows)[8], V (&out)[8]) {
+  for (int k = 0; k < 4; ++k) {
+    out[2 * k] = _mm_unpacklo_epi16(rows[k], rows[k + 4]);
+    out[2 * k + 1] = _mm_unpackhi_epi16(rows[k], rows[k + 4]);
+  }
+}
+inline void transpose(V (&rows)[8]) {
+  V first[8], second[8];
+  interleave(rows, first);
+  interleave(first, second);
+  interleave(second, rows);
+}
+
+// Sixteen running sums of products
+struct Sums {
+  V lane[4];
+
+  // Adds x times eight samples to the sums of one half and returns the upper words of these, doubled.
+  V add(int half, V x, const Zpp16s* samples) {
+    const V y = load(samples + 8 * half);
+    V &low = lane[2 * half], &high = lane[2 * half + 1];
+    low = _mm_add_epi32(low, mulLow(x, y));
+    high = _mm_add_epi32(high, mulHigh(x, y));
+    return _mm_packs_epi32(_mm_srai_epi32(low, 15), _mm_srai_epi32(high, 15));
+  }
+};
+
+// 16 elements that end at `last`, in reverse order, as two vectors
+inline V reversedFrom(const Zpp16s* last, int half) { return reversed(load(last - 8 * half - 7)); }
+
+}  // namespace
+
+namespace {
+
+// From the order of positions to that of places: every fourth of 32 elements
+inline void byTrack(const V (&v)[4], V (&out)[4]) {
+  const V a = _mm_unpacklo_epi16(v[0], v[1]), b = _mm_unpackhi_epi16(v[0], v[1]);
+  const V c = _mm_unpacklo_epi16(v[2], v[3]), d = _mm_unpackhi_epi16(v[2], v[3]);
+  const V even1 = _mm_unpacklo_epi16(a, b), odd1 = _mm_unpackhi_epi16(a, b);
+  const V even2 = _mm_unpacklo_epi16(c, d), odd2 = _mm_unpackhi_epi16(c, d);
+  out[0] = _mm_unpacklo_epi64(even1, even2);
+  out[1] = _mm_unpackhi_epi64(even1, even2);
+  out[2] = _mm_unpacklo_epi64(odd1, odd2);
+  out[3] = _mm_unpackhi_epi64(odd1, odd2);
+}
+
+inline V abs32(V v) {
+  const V sign = _mm_srai_epi32(v, 31);
+  return _mm_sub_epi32(_mm_xor_si128(v, sign), sign);
+}
+
+}  // namespace
+
+void ownChooseSigns_AMRWB_16s_W7(const Zpp32s* sums, const Zpp16s* residualTarget, Zpp16s weight, PulseTarget* target,
+                                 Zpp16s* rank) {
+  // Lane k: of track k
+  V largest = _mm_setzero_si128();
+  for (int n = 0; n < kSubframe; n += 4) {
+    const V magnitude = abs32(load(sums + n));
+    largest = select(_mm_cmpgt_epi32(magnitude, largest), magnitude, largest);
+    // The magnitude of the least number is none.
+    if (_mm_movemask_epi8(_mm_cmpgt_epi32(_mm_setzero_si128(), magnitude)) != 0) [[unlikely]]
+      return ownChooseSigns_AMRWB_16s_PX(sums, residualTarget, weight, target, rank);
+  }
+  Zpp32s most[4], total = 1;
+  store(most, _mm_srai_epi32(largest, 2));
+  for (const Zpp32s m : most) total = addSat32(addSat32(total, m), m >> 1);
+  // A sum is at most 8/3 of the total: shifted left by four bits less than that allows, it does not saturate.
+  const int shift = norm32(total) - 4;
+  const V left = _mm_cvtsi32_si128(shift > 0 ? shift : 0), right = _mm_cvtsi32_si128(shift < 0 ? -shift : 0);
+  alignas(16) Zpp16s corr[kSubframe];
+  const auto rounded = [&](const Zpp32s* from) {
+    const V scaled = _mm_sra_epi32(_mm_sll_epi32(load(from), left), right);
+    return _mm_srai_epi32(_mm_add_epi32(scaled, _mm_set1_epi32(0x8000)), 16);
+  };
+  for (int n = 0; n < kSubframe; n += 8) store(corr + n, _mm_packs_epi32(rounded(sums + n), rounded(sums + n + 4)));
+
+  const SignGains gains(residualTarget, corr, weight);
+  const V factors = pairOf(gains.residual, gains.corr), zero = _mm_setzero_si128();
+  alignas(16) Zpp16s merit[kSubframe];
+  for (int half = 0; half < 2; ++half) {
+    V residuals[4], corrs[4], residual[4], backward[4];
+    for (int k = 0; k < 4; ++k) {
+      residuals[k] = load(residualTarget + 32 * half + 8 * k);
+      corrs[k] = load(corr + 32 * half + 8 * k);
+    }
+    byTrack(residuals, residual);
+    byTrack(corrs, backward);
+    for (int track = 0; track < 4; ++track) {
+      const int place = 16 * track + 8 * half;
+      // Neither factor is below 0, so the sum of two products fits; packing saturates it as the standard's shift does.
+      const V low = _mm_madd_epi16(_mm_unpacklo_epi16(residual[track], backward[track]), factors);
+      const V high = _mm_madd_epi16(_mm_unpackhi_epi16(residual[track], backward[track]), factors);
+      const V b = _mm_packs_epi32(_mm_srai_epi32(low, 7), _mm_srai_epi32(high, 7)), negative = _mm_srai_epi16(b, 15);
+      store(target->sign + place, _mm_xor_si128(negative, _mm_set1_epi16(kPositive)));
+      store(target->corr + place, select(negative, _mm_subs_epi16(zero, backward[track]), backward[track]));
+      store(merit + place, select(negative, _mm_subs_epi16(zero, b), b));
+    }
+  }
+
+  // Rank: the number of larger ones, and of equal ones before
+  static constexpr Zpp16s behind[32] = {0,  0,  0,  0,  0,  0,  0,  0,  0,  0,  0,  0,  0,  0,  0,  0,
+                                        -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1};
+  for (int first = 0; first < kSubframe; first += 16) {
+    const V low = load(merit + first), high = load(merit + first + 8);
+    V lowRank = zero, highRank = zero;
+    for (int i = 0; i < 16; ++i) {
+      const V one = _mm_set1_epi16(merit[first + i]);
+      const V lowTie = _mm_and_si128(_mm_cmpeq_epi16(one, low), load(behind + 15 - i));
+      const V highTie = _mm_and_si128(_mm_cmpeq_epi16(one, high), load(behind + 23 - i));
+      lowRank = _mm_sub_epi16(lowRank, _mm_add_epi16(_mm_cmpgt_epi16(one, low), lowTie));
+      highRank = _mm_sub_epi16(highRank, _mm_add_epi16(_mm_cmpgt_epi16(one, high), highTie));
+    }
+    store(rank + first, lowRank);
+    store(rank + first + 8, highRank);
+  }
+}
+
+void ownPulseCorrelations_AMRWB_16s_W7(const Zpp16s* impulse, PulseTarget* target) {
+  // All sums are partial sums of autocorrelation lags: none saturates if the energy does not.
+  if (ownDotProd_16s(impulse, impulse, kSubframe) > (kMax32 - 0x8000) / 2)
+    return ownPulseCorrelations_AMRWB_16s_PX(impulse, target);
+
+  // Every fourth sample, so that those at distances 1, 5, 9 and 3, 7, 11 from one follow each other; then silence
+  alignas(16) Zpp16s byTrack[4][32] = {};
+  for (int n = 0; n < kSubframe; ++n) byTrack[n % 4][n / 4] = impulse[n];
+
+  // After n samples the sums belong to the pulse at 63 - n and earlier ones. Those at distance 3 + 4 m, which lie in the track
+  // behind, go to the row of the pulse in `cross`, ordered by m; those at 1 + 4 m, in the track before, to `later`.
+  alignas(16) Zpp16s later[16 + 1024];
+  Zpp16s* const laterRows = later + 16;
+  const V start = _mm_set1_epi32(0x4000);
+  Sums near = {{start, start, start, start}}, far = near;
+  Zpp32s energy = 0x8000;
+  for (int n = 0; n < kSubframe; ++n) {
+    const int position = kSubframe - 1 - n, track = position % 4, i = position / 4;
+    energy += 2 * impulse[n] * impulse[n];
+    target->energy[placeOf(position)] = high16(energy);
+    const V x = _mm_set1_epi16(impulse[n]);
+    const Zpp16s *samples1 = &byTrack[(n + 1) % 4][(n + 1) / 4], *samples3 = &byTrack[(n + 3) % 4][(n + 3) / 4];
+    Zpp16s *row1 = laterRows + 256 * ((track + 3) % 4) + 16 * i, *row3 = target->cross[track] + 16 * i;
+    store(row1, near.add(0, x, samples1));
+    store(row3, far.add(0, x, samples3));
+    if (position >= 32) {
+      store(row1 + 8, near.add(1, x, samples1));
+      store(row3 + 8, far.add(1, x, samples3));
+    }
+  }
+
+  // The rows of a matrix, from the last on: a row reads what lies before it.
+  const V lanes = _mm_set_epi16(7, 6, 5, 4, 3, 2, 1, 0);
+  for (int track = 3; track >= 0; --track) {
+    // In the pair of tracks 3 and 0 the pulses of one index lie the other way round.
+    const int wrapped = track == 3 ? 1 : 0;
+    Zpp16s* const rows = target->cross[track];
+    const Zpp16s* const columns = laterRows + 256 * track;
+    const Zpp16s *sign1 = target->sign + 16 * track, *sign2 = target->sign + 16 * ((track + 1) % 4);
+    for (int block = 1; block >= 0; --block) {  // rows 8 block .. 8 block + 7
+      V upper[2][8];                            // of these rows, from the columns of `later`
+      for (int side = 0; side < 2; ++side) {
+        for (int k = 0; k < 8; ++k) {
+          const int j = 8 * side + k;
+          upper[side][k] = reversedFrom(columns + 16 * j + j - wrapped - 8 * block, 0);
+        }
+        transpose(upper[side]);
+      }
+      for (int k = 7; k >= 0; --k) {
+        const int i = 8 * block + k;
+        Zpp16s* const row = rows + 16 * i;
+        const V lowest = _mm_set1_epi16(static_cast<Zpp16s>(i + wrapped)), flip = _mm_set1_epi16(sign1[i] >> 15);
+        V result[2];
+        for (int side = 0; side < 2; ++side) {
+          const V lower = reversedFrom(row + i + wrapped - 1, side);
+          const V isLower = _mm_cmpgt_epi16(lowest, _mm_add_epi16(lanes, _mm_set1_epi16(static_cast<Zpp16s>(8 * side))));
+          const V value = select(isLower, lower, upper[side][k]);
+          result[side] = mulQ15(value, _mm_xor_si128(load(sign2 + 8 * side), flip));
+        }
+        store(row, result[0]);
+        store(row + 8, result[1]);
+      }
+    }
+  }
+}
+
+void ownPulseGains_AMRWB_16s_W7(const Zpp16s* impulse, const Zpp16s* filteredCode, const PulseTarget* target, int track,
+                                Zpp16s* gain, bool exact) {
+  if (!exact) return ownPulseGains_AMRWB_16s_PX(impulse, filteredCode, target, track, gain, exact);
+  alignas(16) Zpp16s code[2 * kSubframe];  // silence follows
+  for (int n = 0; n < kSubframe; n += 8) {
+    store(code + n, load(filteredCode + n));
+    store(code + kSubframe + n, _mm_setzero_si128());
+  }
+  for (int k = 0; k < 2; ++k) {
+    const int t = (track + k) % 4;
+    V sums[4];
+    for (int quarter = 0; quarter < 4; ++quarter) {
+      // Four positions; the response to the last of them ends after 64 - 16 quarter samples.
+      const Zpp16s* const from = code + 16 * quarter + t;
+      V a = _mm_setzero_si128(), b = a, c = a, d = a;
+      for (int n = 0; n < kSubframe - 16 * quarter; n += 8) {
+        const V h = load(impulse + n);
+        a = _mm_add_epi32(a, _mm_madd_epi16(h, load(from + n)));
+        b = _mm_add_epi32(b, _mm_madd_epi16(h, load(from + n + 4)));
+        c = _mm_add_epi32(c, _mm_madd_epi16(h, load(from + n + 8)));
+        d = _mm_add_epi32(d, _mm_madd_epi16(h, load(from + n + 12)));
+      }
+      // The saturated rounding of four times the sum is that of packing.
+      sums[quarter] = _mm_srai_epi32(_mm_add_epi32(sumsOfLanes32(a, b, c, d), _mm_set1_epi32(0x2000)), 14);
+    }
+    for (int half = 0; half < 2; ++half) {
+      const V product = mulQ15(_mm_packs_epi32(sums[2 * half], sums[2 * half + 1]), load(target->sign + 16 * t + 8 * half));
+      store(gain + 16 * k + 8 * half, _mm_adds_epi16(product, load(target->energy + 16 * t + 8 * half)));
+    }
+  }
+}
+
+PulsePair ownSearchPulsePair_AMRWB_16s_W7(const PulseTarget* target, int track, Zpp16s corr, Zpp16s energy, const Zpp16s* gain,
+                                          const Zpp16s* candidate) {
+  // The three terms that are added to the energy stay below 2^30 together.
+  if (energy >= 16383 || energy <= -16383) return ownSearchPulsePair_AMRWB_16s_PX(target, track, corr, energy, gain, candidate);
+  const Zpp16s *corr1 = target->corr + 16 * track, *corr2 = target->corr + 16 * ((track + 1) % 4);
+  const V zero = _mm_setzero_si128();
+  V corr2Lanes[2], gain2Low[2], gain2High[2];  // gains times 2^13
+  for (int side = 0; side < 2; ++side) {
+    corr2Lanes[side] = load(corr2 + 8 * side);
+    const V gain2 = load(gain + 16 + 8 * side);
+    gain2Low[side] = _mm_srai_epi32(_mm_unpacklo_epi16(zero, gain2), 3);
+    gain2High[side] = _mm_srai_epi32(_mm_unpackhi_epi16(zero, gain2), 3);
+  }
+  PulsePair best = {0, 0, 1};
+  Zpp16s bestSquare = -1;
+  V factors = pairOf(best.energy, -bestSquare), least = _mm_set1_epi16(1);
+  for (int i = 0; i < 16; ++i) {
+    if (!candidate[i]) continue;
+    const V partCorr = _mm_set1_epi16(addSat16(corr, corr1[i]));
+    const V partEnergy = _mm_set1_epi32(energy * 65536 + 0x8000 + gain[i] * 8192);
+    const Zpp16s* cross = target->cross[track] + 16 * i;
+    for (int side = 0; side < 2; ++side) {
+      const V sum = _mm_adds_epi16(partCorr, corr2Lanes[side]), square = mulQ15(sum, sum);
+      const V crossLanes = load(cross + 8 * side);
+      const V low =
+          _mm_add_epi32(_mm_add_epi32(partEnergy, gain2Low[side]), _mm_srai_epi32(_mm_unpacklo_epi16(zero, crossLanes), 2));
+      const V high =
+          _mm_add_epi32(_mm_add_epi32(partEnergy, gain2High[side]), _mm_srai_epi32(_mm_unpackhi_epi16(zero, crossLanes), 2));
+      const V alp = _mm_packs_epi32(_mm_srai_epi32(low, 16), _mm_srai_epi32(high, 16));
+      least = _mm_min_epi16(least, alp);
+      // Eight candidates against the best so far, and those that pass in turn against better ones
+      const V better = _mm_packs_epi32(_mm_cmpgt_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(square, alp), factors), zero),
+                                       _mm_cmpgt_epi32(_mm_madd_epi16(_mm_unpackhi_epi16(square, alp), factors), zero));
+      auto passing = static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(better, zero)));
+      if (passing == 0) continue;
+      alignas(16) Zpp16s squares[8], alps[8];
+      store(squares, square);
+      store(alps, alp);
+      for (; passing != 0; passing &= passing - 1) {
+        const int j = std::countr_zero(passing);
+        if (squares[j] * best.energy <= bestSquare * alps[j]) continue;
+        bestSquare = squares[j];
+        best = {static_cast<Zpp16s>(i), static_cast<Zpp16s>(8 * side + j), alps[j]};
+      }
+      factors = pairOf(best.energy, -bestSquare);
+    }
+  }
+  // With energies above 0 ratios can be put in order, so that what fails against a candidate fails against better ones too.
+  if (_mm_movemask_epi8(_mm_cmpgt_epi16(_mm_set1_epi16(1), least)) != 0)
+    return ownSearchPulsePair_AMRWB_16s_PX(target, track, corr, energy, gain, candidate);
+  return best;
+}
