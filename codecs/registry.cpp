@@ -74,7 +74,7 @@ constexpr CodecRow kRows[] = {
     codecRow<g729f::Encoder<g729f::AnnexAEncoder>, g729f::Decoder<g729f::AnnexAPostfilter>, 80, 10>(
         about("g729af", "ITU-T G.729 Annex C (Annex A)", "G729", 8000, 40, k8000, 8000, kConcealment)),
     codecRow<amrwb::Encoder, amrwb::Decoder, amrwb::kInputFrame, amrwb::kMaxPayload>(
-        about("amr-wb", "3GPP TS 26.171 (AMR-WB, ITU-T G.722.2)", "AMR-WB", 16000, 80, kAmrWb, 12650, kDtx | kConcealment)),
+        about("amr-wb", "3GPP TS 26.171 (AMR-WB, ITU-T G.722.2)", "AMR-WB", 16000, 95, kAmrWb, 12650, kDtx | kConcealment)),
 };
 
 constexpr auto kPublic = [] {

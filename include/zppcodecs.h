@@ -13,6 +13,7 @@
  *   g726                    codes without gaps, the first in the least significant bits (RFC 3551 G726-16 ... G726-40); with
  *                           variant 1 in the most significant ones (AAL2-G726-16 ..., ITU-T I.366.2 Annex E)
  *   g722.1                  60 octets at 24 kbit/s, 80 at 32 kbit/s (RFC 5577)
+ *   g728                    5 octets, four indices of 10 bits (RFC 3551)
  *   g729, g729a             10 octets of speech, 2 of a silence descriptor (RFC 3551)
  *   gsm-fr                  33 octets, speech or silence descriptor: a signature of four bits, then the parameters (RFC 3551).
  *                           In discontinuous transmission every frame has a payload; a link leaves out those of a pause
@@ -93,8 +94,8 @@ ZPPCAPI const char* zppcErrorText(int error);
 typedef struct {
   int bitRate; /* bit/s; 0: the default */
   int dtx;     /* 1: discontinuous transmission (encoder; decoders understand it always); 0: none */
-  int variant; /* a choice of the codec's own, 0 the usual one. g726: 1, the bit order of AAL2. Another value than the codec
-                  knows is ZPPC_ERROR_OPTION. */
+  int variant; /* a choice of the codec's own, 0 the usual one. g726: 1, the bit order of AAL2. g728: 1, decoding
+                  without the postfilter. Another value than the codec knows is ZPPC_ERROR_OPTION. */
 } ZppcOptions;
 
 /* Bytes of memory that a stream of this codec needs, at any alignment.

@@ -3,9 +3,10 @@
 namespace codecs::framing {
 namespace {
 
-std::vector<int> multiples(int octets, std::size_t most) {
+// Bits of a group of payloads, the most first
+std::vector<int> groupSizes(int octets, std::size_t most) {
   std::vector<int> sizes;
-  for (auto count = static_cast<int>(most); count > 0; --count) sizes.push_back(count * octets);
+  for (auto count = static_cast<int>(most); count > 0; --count) sizes.push_back(count * 8 * octets);
   return sizes;
 }
 
@@ -35,7 +36,7 @@ std::optional<Frame> CodePerWord::take(std::span<const std::uint8_t> stream, boo
   return frame;
 }
 
-SerialGroups::SerialGroups(int octets) : octets_(static_cast<std::size_t>(octets)), serial_(multiples(octets, kMost)) {}
+SerialGroups::SerialGroups(int octets) : octets_(static_cast<std::size_t>(octets)), serial_(groupSizes(octets, kMost)) {}
 
 void SerialGroups::append(std::span<const std::uint8_t> payload, int, Bytes& stream) {
   held_.insert(held_.end(), payload.begin(), payload.end());

@@ -32,7 +32,8 @@ constexpr Zpp16s normalisedHigh(Zpp64s x) { return rounded(shifted(x, normShift(
 
 // The same for the larger of two values in magnitude, of 0 or less and of 0 or more, and for all elements of a vector (VSCALE)
 constexpr int normShift(int smallest, int largest, int bits) {
-  return normShift(smallest < -largest ? smallest : largest, bits);
+  const int x = smallest < -largest ? smallest : largest;
+  return x == 0 ? bits - 1 : std::countl_zero(static_cast<Zpp32u>(x < 0 ? ~x : x)) - 1 - (32 - bits);
 }
 constexpr int normShift(const Zpp16s* v, int len, int bits) {
   int smallest = 0, largest = 0;
@@ -82,7 +83,8 @@ struct Block {
   }
   void normalise(int bits) {
     const int shift = normShift(mantissa, kVector, bits);
-    for (Zpp16s& m : mantissa) m = static_cast<Zpp16s>(shifted(m, shift));
+    const int left = std::max(shift, 0), right = std::max(-shift, 0);
+    for (Zpp16s& m : mantissa) m = static_cast<Zpp16s>(m * (1 << left) >> right);
     q += shift;
   }
 };

@@ -1,5 +1,5 @@
 // Excitation codebook: portable kernels.
-#include "g728/arithmetic.h"
+#include "g728/codebook_search.h"
 #include "g728/kernels.h"
 
 using namespace zpp;
@@ -23,17 +23,9 @@ int ownCodebookSearch_G728_16s_PX(const Zpp16s* target, const Zpp16s* energy) {
   int best = 0;
   Zpp32s smallest = kMax32;
   for (int j = 0; j < kShapes; ++j) {
-    Zpp32s correlation = 0;
-    for (int n = 0; n < kVector; ++n) correlation += shapeCodebook[j][n] * target[n];
-    const bool negative = correlation <= 0;
-    if (negative) correlation = -correlation;
-    int gain = 0;
-    while (gain < 3 && correlation > gainBoundary[gain] * energy[j]) ++gain;
-    const Zpp32s distortion = gainSquare[gain] * energy[j] - gainDouble[gain] * std::min<Zpp32s>(correlation >> 14, kMax16);
-    if (distortion < smallest) {
-      smallest = distortion;
-      best = 8 * j + gain + (negative ? 4 : 0);
-    }
+    const ShapeGain g = gainOfShape(j, target, energy);
+    const Zpp32s distortion = gainSquare[g.gain] * energy[j] - gainDouble[g.gain] * std::min<Zpp32s>(g.magnitude >> 14, kMax16);
+    if (distortion < smallest) smallest = distortion, best = j;
   }
-  return best;
+  return codeOfShape(best, target, energy);
 }

@@ -1,6 +1,6 @@
 // Excitation codebook: SSE2 kernels, four shape vectors side by side in 32-bit lanes.
 #include "core/simd_w7.h"
-#include "g728/arithmetic.h"
+#include "g728/codebook_search.h"
 #include "g728/kernels.h"
 
 using namespace zpp;
@@ -17,50 +17,30 @@ struct FourShapes {
   }
 };
 
-// The search over one shape in four, four at a time: gain and distortion of each, the smallest distortion by lane
-class LaneSearch {
- public:
-  LaneSearch(const Zpp16s* target, V firstCodes)
-      : t01_(pairOf(target[0], target[1])), t23_(pairOf(target[2], target[3])), t4_(pairOf(target[4], 0)), codes_(firstCodes) {}
+// The factors of energy and correlation in the distortion of the smallest gain, and how they grow from gain to gain
+inline V firstFactors() { return pairOf(gainSquare[0], -gainDouble[0]); }
+template <int g>
+V growth() {
+  return pairOf(gainSquare[g + 1] - gainSquare[g], gainDouble[g] - gainDouble[g + 1]);
+}
 
-  // Magnitudes of the correlations. Those of a shape vector add up to 47018 at most, so that all fits 32 bits.
-  void correlate(int group) {
-    const FourShapes f(group);
-    const V sum =
-        _mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(f.s01, t01_), _mm_madd_epi16(f.s23, t23_)), _mm_madd_epi16(f.s4, t4_));
-    const V sign = _mm_srai_epi32(sum, 31);
-    magnitude_ = _mm_sub_epi32(_mm_xor_si128(sum, sign), sign);
-    gain_ = _mm_andnot_si128(_mm_cmpgt_epi32(sum, _mm_setzero_si128()), _mm_set1_epi32(4));
+// The smallest distortion of each of four lanes, and its shape
+struct Best {
+  V distortion = _mm_set1_epi32(kMax32), shape = _mm_setzero_si128();
+
+  // magnitude: of the correlations; energies: with 0 behind each; pairs: with the upper part of the correlation behind each
+  void compare(V shapes, V magnitude, V energies, V pairs) {
+    const V above0 = _mm_cmpgt_epi32(magnitude, _mm_madd_epi16(energies, pairOf(gainBoundary[0], 0)));
+    const V above1 = _mm_cmpgt_epi32(magnitude, _mm_madd_epi16(energies, pairOf(gainBoundary[1], 0)));
+    const V above2 = _mm_cmpgt_epi32(magnitude, _mm_madd_epi16(energies, pairOf(gainBoundary[2], 0)));
+    V factors = _mm_add_epi16(firstFactors(), _mm_and_si128(above0, growth<0>()));
+    factors = _mm_add_epi16(factors, _mm_and_si128(above1, growth<1>()));
+    factors = _mm_add_epi16(factors, _mm_and_si128(above2, growth<2>()));
+    const V newDistortion = _mm_madd_epi16(pairs, factors);
+    const V less = _mm_cmplt_epi32(newDistortion, distortion);
+    distortion = select(less, newDistortion, distortion);
+    shape = select(less, shapes, shape);
   }
-  V upper() const { return _mm_srli_epi32(magnitude_, 14); }
-
-  // energies: each with 0 behind it; pairs: each with the upper part of its correlation
-  void compare(V energies, V pairs) {
-    factors_ = pairOf(gainSquare[0], -gainDouble[0]);
-    raiseGain<0>(energies);
-    raiseGain<1>(energies);
-    raiseGain<2>(energies);
-    const V distortion = _mm_madd_epi16(pairs, factors_);
-    const V less = _mm_cmplt_epi32(distortion, smallest_);
-    smallest_ = select(less, distortion, smallest_);
-    best_ = select(less, _mm_add_epi32(codes_, gain_), best_);
-    codes_ = _mm_add_epi32(codes_, _mm_set1_epi32(64));
-  }
-  void store(Zpp32s* distortions, Zpp32s* codes) const { zpp::store(distortions, smallest_), zpp::store(codes, best_); }
-
- private:
-  // Where the correlation exceeds the boundary behind gain g: the next gain, and its factors in the distortion
-  template <int g>
-  void raiseGain(V energies) {
-    const V above = _mm_cmpgt_epi32(magnitude_, _mm_madd_epi16(energies, pairOf(gainBoundary[g], 0)));
-    const V growth = pairOf(gainSquare[g + 1] - gainSquare[g], gainDouble[g] - gainDouble[g + 1]);
-    factors_ = _mm_add_epi16(factors_, _mm_and_si128(above, growth));
-    gain_ = _mm_sub_epi32(gain_, above);
-  }
-
-  V t01_, t23_, t4_, codes_;
-  V smallest_ = _mm_set1_epi32(kMax32), best_ = _mm_setzero_si128();
-  V magnitude_, gain_, factors_;
 };
 
 }  // namespace
@@ -101,22 +81,34 @@ void ownShapeEnergy_G728_16s_W7(const Zpp16s* response, Zpp16s* energy) {
 }
 
 int ownCodebookSearch_G728_16s_W7(const Zpp16s* target, const Zpp16s* energy) {
-  LaneSearch low(target, _mm_setr_epi32(0, 8, 16, 24)), high(target, _mm_setr_epi32(32, 40, 48, 56));
+  const V t01 = pairOf(target[0], target[1]), t23 = pairOf(target[2], target[3]), t4 = pairOf(target[4], 0);
   const V zero = _mm_setzero_si128();
+  V shapes = _mm_setr_epi32(0, 1, 2, 3);
+  Best low, high;
+  // The magnitudes of a shape vector add up to 47018 at most: correlations fit 32 bits, and so does all that follows.
+  const auto magnitudes = [&](int group) {
+    const FourShapes f(group);
+    const V sum =
+        _mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(f.s01, t01), _mm_madd_epi16(f.s23, t23)), _mm_madd_epi16(f.s4, t4));
+    const V minus = _mm_srai_epi32(sum, 31);
+    return _mm_sub_epi32(_mm_xor_si128(sum, minus), minus);
+  };
   for (int j = 0; j < kShapes; j += 8) {
-    low.correlate(j / 4);
-    high.correlate(j / 4 + 1);
-    const V energies = load(energy + j), upper = _mm_packs_epi32(low.upper(), high.upper());
-    low.compare(_mm_unpacklo_epi16(energies, zero), _mm_unpacklo_epi16(energies, upper));
-    high.compare(_mm_unpackhi_epi16(energies, zero), _mm_unpackhi_epi16(energies, upper));
+    const V first = magnitudes(j / 4), second = magnitudes(j / 4 + 1), energies = load(energy + j);
+    const V upper = _mm_packs_epi32(_mm_srli_epi32(first, 14), _mm_srli_epi32(second, 14));
+    low.compare(shapes, first, _mm_unpacklo_epi16(energies, zero), _mm_unpacklo_epi16(energies, upper));
+    high.compare(shapes, second, _mm_unpackhi_epi16(energies, zero), _mm_unpackhi_epi16(energies, upper));
+    shapes = _mm_add_epi32(shapes, _mm_set1_epi32(8));
   }
   // Of equal distortions in several lanes that of the first shape
-  Zpp32s distortions[8], codes[8];
-  low.store(distortions, codes);
-  high.store(distortions + 4, codes + 4);
+  Zpp32s distortions[8], best[8];
+  store(distortions, low.distortion);
+  store(distortions + 4, high.distortion);
+  store(best, low.shape);
+  store(best + 4, _mm_add_epi32(high.shape, _mm_set1_epi32(4)));
   int winner = 0;
   for (int lane = 1; lane < 8; ++lane)
-    if (distortions[lane] < distortions[winner] || (distortions[lane] == distortions[winner] && codes[lane] < codes[winner]))
+    if (distortions[lane] < distortions[winner] || (distortions[lane] == distortions[winner] && best[lane] < best[winner]))
       winner = lane;
-  return codes[winner];
+  return codeOfShape(best[winner], target, energy);
 }

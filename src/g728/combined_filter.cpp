@@ -25,7 +25,8 @@ constexpr int kStateSize = 208;
 static_assert(sizeof(State) <= kStateSize);
 
 void toQ2(const Block& b, Zpp16s* dst) {
-  for (int n = 0; n < kVector; ++n) dst[n] = sat16(shifted(b.mantissa[n], 2 - b.q));
+  const int right = std::clamp(b.q - 2, 0, 15), left = std::clamp(2 - b.q, 0, 16);
+  for (int n = 0; n < kVector; ++n) dst[n] = sat16(b.mantissa[n] * (1 << left) >> right);
 }
 
 }  // namespace

@@ -50,12 +50,16 @@ class State {
     header.lenNonRec = static_cast<Zpp16s>(g.lenNonRec);
     header.decay = static_cast<Zpp16s>(decay);
     header.sumsQ = 31;
+    std::fill_n(sums, g.order + 1, Zpp16s{});
+    std::fill_n(history, g.length(), Zpp16s{});
+    std::fill_n(historyQ, g.vectors(), Zpp16s{16});
   }
   Geometry geometry() const { return {header.order, header.lenNew, header.lenNonRec}; }
 
   void load() {
     copyParts([](Zpp16s* here, Zpp8u* there, int count) { std::memcpy(here, there, bytes(count)); });
-    for (Zpp16s& q : historyQ) q = std::clamp<Zpp16s>(q, -64, 64);
+    const int vectors = geometry().vectors();
+    for (int v = 0; v < vectors; ++v) historyQ[v] = std::clamp<Zpp16s>(historyQ[v], -64, 64);
   }
   void save() {
     std::memcpy(block_, &header, sizeof header);
@@ -63,9 +67,9 @@ class State {
   }
 
   Header header;
-  Zpp16s sums[kMaxOrder + 1] = {};
-  Zpp16s window[kMaxLength], history[kMaxLength] = {};
-  Zpp16s historyQ[kMaxLength / kVector + 1] = {};
+  Zpp16s sums[kMaxOrder + 1];
+  Zpp16s window[kMaxLength], history[kMaxLength];
+  Zpp16s historyQ[kMaxLength / kVector + 1];
 
  private:
   static constexpr unsigned bytes(int count) { return static_cast<unsigned>(count) * sizeof(Zpp16s); }
@@ -141,16 +145,16 @@ bool analyse(const Windowed& w, State& s, Zpp16s* dst) {
 
 bool analyse(const Windowed& w, State& s, Zpp16s* dst) {
   const Geometry g = s.geometry();
-  // No sum of products exceeds the largest magnitude times the sum of magnitudes. In the codec's geometries it always fits.
-  const auto sumOfMagnitudes = [&](int from, int count) {
-    Zpp64s sum = 0;
-    for (int n = from; n < from + count; ++n) sum += w.samples[n] < 0 ? -w.samples[n] : w.samples[n];
-    return sum;
-  };
+  // No sum of products exceeds the largest magnitude times the sum of magnitudes, whose square is at most the number of samples
+  // times their energy. In the codec's geometries it always fits.
+  // The largest magnitude of 16 bits may stand for one more.
   const Zpp64s largest = ownMaxAbs_16s(w.samples, g.length());
+  const Zpp64s limit = kMax32 / std::max<Zpp64s>(largest, 1);
+  const auto fitsPart = [&](const Zpp16s* part, int count) {
+    return count * ownDotProd_16s(part, part, count) <= limit * limit;
+  };
   const bool fits =
-      largest < kMax16 &&
-      largest * std::max(sumOfMagnitudes(g.order, g.lenNew), sumOfMagnitudes(g.order + g.lenNew, g.lenNonRec)) <= kMax32;
+      largest < kMax16 && fitsPart(w.samples + g.order, g.lenNew) && fitsPart(w.samples + g.order + g.lenNew, g.lenNonRec);
   return fits ? analyse<Zpp32s>(w, s, dst) : analyse<Zpp64s>(w, s, dst);
 }
 
@@ -172,7 +176,6 @@ ZppStatus zppsWinHybridInit_G728_16s(const Zpp16s* window, Zpp32s order, Zpp32s 
   if (outside(decay, 1, 15)) return zppStsBadScale;
   State s(state, g, decay);
   std::reverse_copy(window, window + g.length(), s.window);
-  std::fill_n(s.historyQ, g.vectors(), Zpp16s{16});
   std::memset(state, 0, static_cast<unsigned>(g.stateSize()));
   s.save();
   return zppStsOk;

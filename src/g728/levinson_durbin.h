@@ -10,30 +10,29 @@ inline constexpr int kMaxLevinsonOrder = 50;
 // num / den in Q16 by restoring division, 65535 when num is den or more; den above 0
 constexpr Zpp32u quotientQ16(Zpp32u num, Zpp32u den) { return num >= den ? 65535 : (num << 16) / den; }
 
-// Reflection coefficient of a stage
+// Reflection coefficient of a stage, as a magnitude of Q16, 0..65535, with the sign of the coefficient that the stage adds
 struct Reflection {
-  Zpp32u magnitude;         // Q16, 0..65535
-  bool negative;            // its sign, that of the new coefficient
-  Zpp16s rounded() const {  // Q15
-    const auto k = static_cast<Zpp16s>(std::min((magnitude + 1) >> 1, 32767u));
-    return static_cast<Zpp16s>(negative ? -k : k);
-  }
-  // The coefficient that the stage adds, with 15 - shift bits behind the point
-  Zpp16s coefficient(int shift) const {
-    const Zpp16s c = zpp::g728::rounded(magnitude * 32768 >> shift);
+  Zpp32u magnitude;
+  bool negative;
+
+  // Q15
+  constexpr int halved() const { return static_cast<int>(std::min((magnitude + 1) >> 1, 32767u)); }
+  constexpr Zpp16s rounded() const { return static_cast<Zpp16s>(negative ? -halved() : halved()); }
+  // The coefficient that the stage adds, with 15 - shift bits behind the point. Below 2^31 + 2^15 before the last shift.
+  constexpr Zpp16s coefficient(int shift) const {
+    const auto c = static_cast<int>(std::min(((magnitude << 15 >> shift) + 0x8000) >> 16, 32767u));
     return static_cast<Zpp16s>(negative ? -c : c);
   }
 };
 
 // Reflection coefficient from x, the correlation of the prediction error, and *error, the prediction error, which becomes that
 // of the stage. False for a breakdown: nothing has changed.
-inline bool reflect(Zpp16s x, Zpp16s* error, Reflection* reflection) {
+inline bool reflect(int x, Zpp16s* error, Reflection* reflection) {
   const int magnitude = x < 0 ? -x : x;
   if (magnitude >= *error) return false;
-  *reflection = {quotientQ16(static_cast<Zpp32u>(magnitude), static_cast<Zpp32u>(*error)), x > 0};
+  *reflection = {(static_cast<Zpp32u>(magnitude) << 16) / static_cast<Zpp32u>(*error), x > 0};
   // Both terms are below 2^31 in magnitude.
-  const Zpp16s k = reflection->rounded();
-  const Zpp32s left = *error * 65536 - 2 * (k < 0 ? -k : k) * magnitude;
+  const Zpp32s left = *error * 65536 - 2 * reflection->halved() * magnitude;
   if (left <= 0) return false;
   *error = roundHigh16(left);
   return true;

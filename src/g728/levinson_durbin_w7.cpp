@@ -37,79 +37,80 @@ class WideSum {
   V upper_ = _mm_setzero_si128(), lower_ = _mm_setzero_si128();
 };
 
-// A predictor backwards: the last coefficient first
-void mirror(const Zpp16s* forward, int order, Zpp16s* backward) {
-  for (int n = 0; n < order; ++n) backward[n] = forward[order - 1 - n];
-}
-
 alignas(16) constexpr Zpp16s lastOfEight[16] = {0, 0, 0, 0, 0, 0, 0, 0, -1};
+
+// A predictor in whole vectors, zeros before and behind it
+struct Padded {
+  alignas(16) Zpp16s words[8 + kRoom];
+  Zpp16s* a() { return words + 8; }
+  const Zpp16s* a() const { return words + 8; }
+};
 
 }  // namespace
 
-// The predictor is held forwards and backwards, in whole vectors with zeros behind it: each then is the other's partner in the
-// update, and the one backwards meets the lags in order.
 int ownLevinsonDurbin_G728_16s_W7(const Zpp16s* r, int startOrder, int order, Zpp16s* a, Zpp16s* residual, int* shift) {
-  alignas(16) Zpp16s lags[kRoom], forward[2][kRoom], backward[kRoom];  // lags from lag 1 on
+  alignas(16) Zpp16s lags[kRoom + 8];  // r[order] first, r[1] last
+  Padded buffers[2];
   const int room = (order + 7) & ~7;
-  for (int n = 0; n < room; n += 8)
-    for (Zpp16s* p : {lags, forward[0], forward[1], backward}) storeAligned(p + n, _mm_setzero_si128());
+  for (auto& b : buffers)
+    for (int n = 0; n < 8 + room; n += 8) storeAligned(b.words + n, _mm_setzero_si128());
+  for (int n = order & ~7; n <= room; n += 8) storeAligned(lags + n, _mm_setzero_si128());
   bool isFast = true;
-  for (int n = 0; n < order; ++n) lags[n] = r[1 + n], isFast &= lags[n] != kMin16;
+  for (int n = 0; n < order; ++n) lags[n] = r[order - n], isFast &= lags[n] != kMin16;
   if (!isFast) return ownLevinsonDurbin_G728_16s_PX(r, startOrder, order, a, residual, shift);
-  Zpp16s *now = forward[0], *next = forward[1];
-  std::copy_n(a, startOrder, now);
-  mirror(now, startOrder, backward);
-  const auto correlation = [&](int count) {
+  Padded *now = buffers, *next = buffers + 1;
+  std::copy_n(a, startOrder, now->a());
+  const auto correlation = [&](const Padded& p, int count) {
     WideSum sum;
-    for (int n = 0; n < count; n += 8) sum.add(aligned(lags + n), aligned(backward + n));
+    for (int n = 0; n < count; n += 8) sum.add(load(lags + order - count + n), aligned(p.a() + n));
     return sum.total();
   };
 
-  int i = startOrder;
-  for (Zpp64s sum = correlation(i); i < order; ++i) {
+  int i = startOrder, bits = *shift;
+  Zpp16s error = *residual;
+  for (Zpp64s sum = correlation(*now, i); i < order; ++i) {
     // Beyond 32 bits it saturates, and then is no smaller than any error.
-    const Zpp64s x = lags[i] * Zpp64s{65536} + sum * (2 << *shift) + 0x8000;
-    Zpp16s error = *residual;
+    const Zpp64s x = r[i + 1] * Zpp64s{65536} + sum * (2 << bits) + 0x8000;
+    Zpp16s newError = error;
     Reflection reflection;
-    if (x != static_cast<Zpp32s>(x) || !reflect(static_cast<Zpp16s>(x >> 16), &error, &reflection)) break;
+    if (x != static_cast<Zpp32s>(x) || !reflect(static_cast<Zpp32s>(x) >> 16, &newError, &reflection)) break;
 
-    // The update, and the correlation of the next stage with it, for which the coefficients backwards move on by one.
+    // The update, in which every coefficient meets its mirror image, and the correlation of the next stage with it
     const V k = _mm_set1_epi16(reflection.rounded());
-    const Zpp16s added = reflection.coefficient(*shift);
+    Zpp16s added = reflection.coefficient(bits);
     V largest = _mm_setzero_si128(), smallest = largest;
-    V carry = _mm_cvtsi32_si128(static_cast<Zpp16u>(added));
     WideSum nextSum;
-    for (int n = 0; n <= i && n < room; n += 8) {
-      const V f = aligned(now + n), b = aligned(backward + n);
-      const V newF = _mm_adds_epi16(f, mulRound(k, b)), newB = _mm_adds_epi16(b, mulRound(k, f));
-      const V moved = _mm_or_si128(_mm_slli_si128(newB, 2), carry);
-      carry = _mm_srli_si128(newB, 14);
-      largest = _mm_max_epi16(largest, newF);
-      smallest = _mm_min_epi16(smallest, newF);
-      nextSum.add(aligned(lags + n), moved);
-      storeAligned(next + n, newF);
-      storeAligned(backward + n, moved);
+    const Zpp16s *old = now->a(), *nextLags = lags + order - 1 - i;
+    for (int n = 0; n < i; n += 8) {
+      const V updated = _mm_adds_epi16(aligned(old + n), mulRound(k, reversed(load(old + i - 8 - n))));
+      largest = _mm_max_epi16(largest, updated);
+      smallest = _mm_min_epi16(smallest, updated);
+      nextSum.add(load(nextLags + n), updated);
+      storeAligned(next->a() + n, updated);
     }
-    Zpp16s* last = next + (i & ~7);
-    storeAligned(last, _mm_or_si128(aligned(last), _mm_and_si128(load(lastOfEight + 8 - (i & 7)), _mm_set1_epi16(added))));
     sum = nextSum.total();
 
     // A result at an end of the range may be one that does not fit: then the stage is done again pair by pair.
     const V extreme =
         _mm_or_si128(_mm_cmpeq_epi16(largest, _mm_set1_epi16(kMax16)), _mm_cmpeq_epi16(smallest, _mm_set1_epi16(kMin16)));
     if (_mm_movemask_epi8(extreme) != 0) {
-      int newShift = *shift;
-      std::copy_n(now, i, next);
-      if (!updatePairs(next, i, reflection.rounded(), &newShift)) break;
-      next[i] = reflection.coefficient(newShift);
-      mirror(next, i + 1, backward);
-      sum = correlation(i + 1);
-      *shift = newShift;
+      int newBits = bits;
+      std::copy_n(old, i, next->a());
+      if (!updatePairs(next->a(), i, reflection.rounded(), &newBits)) break;
+      bits = newBits;
+      added = reflection.coefficient(bits);
+      sum = correlation(*next, i + 1);
     }
+    sum += added * r[1];
+    // The new coefficient enters with its vector: the next stage loads it whole.
+    Zpp16s* last = next->a() + (i & ~7);
+    storeAligned(last, _mm_or_si128(aligned(last), _mm_and_si128(load(lastOfEight + 8 - (i & 7)), _mm_set1_epi16(added))));
     std::swap(now, next);
-    *residual = error;
+    error = newError;
   }
-  std::copy_n(now, i, a);
+  *residual = error;
+  *shift = bits;
+  std::copy_n(now->a(), i, a);
   return i;
 }
 

@@ -27,15 +27,13 @@ class WideSums {
     pairs[4] = _mm_unpacklo_epi16(tail, _mm_srli_si128(tail, 2));
     pairs[6] = _mm_unpackhi_epi16(tail, _mm_srli_si128(tail, 2));
     for (int n = 1; n < 7; n += 2) pairs[n] = halvesOf(pairs[n - 1], pairs[n + 1]);
-    for (int k = 0; k < 10; k += 2) {
-      const V factors = pairOf(coef[k + 1], coef[k]);
-      for (int i = 0; i < 2; ++i) {
-        const V sum = _mm_madd_epi16(pairs[4 - k / 2 + 2 * i], factors);
-        const V high = _mm_srai_epi32(sum, 16), low = _mm_and_si128(sum, _mm_set1_epi32(0xffff));
-        upper_[i] = negative ? _mm_sub_epi32(upper_[i], high) : _mm_add_epi32(upper_[i], high);
-        lower_[i] = negative ? _mm_sub_epi32(lower_[i], low) : _mm_add_epi32(lower_[i], low);
-      }
-    }
+    V factors = load(coef);  // the later one of two meets the earlier sample
+    factors = _mm_shufflehi_epi16(_mm_shufflelo_epi16(factors, _MM_SHUFFLE(2, 3, 0, 1)), _MM_SHUFFLE(2, 3, 0, 1));
+    addPair<negative>(pairs[4], pairs[6], _mm_shuffle_epi32(factors, _MM_SHUFFLE(0, 0, 0, 0)));
+    addPair<negative>(pairs[3], pairs[5], _mm_shuffle_epi32(factors, _MM_SHUFFLE(1, 1, 1, 1)));
+    addPair<negative>(pairs[2], pairs[4], _mm_shuffle_epi32(factors, _MM_SHUFFLE(2, 2, 2, 2)));
+    addPair<negative>(pairs[1], pairs[3], _mm_shuffle_epi32(factors, _MM_SHUFFLE(3, 3, 3, 3)));
+    addPair<negative>(pairs[0], pairs[2], pairOf(coef[9], coef[8]));
   }
   void store(Zpp64s* sums) const {
     Zpp32s upper[8], lower[8];
@@ -44,6 +42,16 @@ class WideSums {
   }
 
  private:
+  template <bool negative>
+  void addPair(V first, V second, V factors) {
+    const V sums[2] = {_mm_madd_epi16(first, factors), _mm_madd_epi16(second, factors)};
+    for (int i = 0; i < 2; ++i) {
+      const V high = _mm_srai_epi32(sums[i], 16), low = _mm_and_si128(sums[i], _mm_set1_epi32(0xffff));
+      upper_[i] = negative ? _mm_sub_epi32(upper_[i], high) : _mm_add_epi32(upper_[i], high);
+      lower_[i] = negative ? _mm_sub_epi32(lower_[i], low) : _mm_add_epi32(lower_[i], low);
+    }
+  }
+
   V upper_[2] = {_mm_setzero_si128(), _mm_setzero_si128()}, lower_[2] = {_mm_setzero_si128(), _mm_setzero_si128()};
 };
 

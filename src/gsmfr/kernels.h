@@ -2,10 +2,14 @@
 #pragma once
 
 #include "core/variants.h"
+#include "lpc/kernels.h"
 
 inline constexpr int kGsmFrFrame = 160, kGsmFrSubframe = 40, kGsmFrHistory = 120, kGsmFrOrder = 8;
+inline constexpr int kGsmFrShortestLag = 40, kGsmFrLongestLag = 120;
 
 // len is 1 or more; src may be dst.
+// ownLTPCorrelation: the largest correlation of the target, |target| up to 512, with the history, and the smallest of its lags;
+//   {0, 40} where none is positive.
 #define ZPP_GSMFR_KERNELS(KERNEL)                                                                                       \
   KERNEL(ownPreemphasize_GSMFR_16s, W7, void(const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* memory))                  \
   KERNEL(ownDeemphasize_GSMFR_16s_I, W7, void(Zpp16s * srcDst, int len, Zpp16s* memory))                                \
@@ -14,6 +18,8 @@ inline constexpr int kGsmFrFrame = 160, kGsmFrSubframe = 40, kGsmFrHistory = 120
   KERNEL(ownShortTermAnalysisFilter_GSMFR_16s_I, W7, void(const Zpp16s* refl, Zpp16s* srcDst, int len, Zpp16s* memory)) \
   KERNEL(ownShortTermSynthesisFilter_GSMFR_16s, W7,                                                                     \
          void(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* memory))                             \
+  KERNEL(ownLTPCorrelation_GSMFR_16s, W7, LagMax(const Zpp16s* target, const Zpp16s* history))                          \
+  KERNEL(ownLTPPredict_GSMFR_16s, W7, void(const Zpp16s* history, Zpp16s* dst, int lag, int gain))                      \
   KERNEL(ownWeightingFilter_GSMFR_16s, W7, void(const Zpp16s* src, Zpp16s* dst))
 
 ZPP_GSMFR_KERNELS(ZPP_DECLARE_KERNEL)
@@ -31,7 +37,6 @@ void ownReflToLAR_GSMFR_16s(const Zpp16s* refl, Zpp16s* lar);
 void ownLARQuant_GSMFR_16s(const Zpp16s* lar, Zpp16s* larCode);
 
 void ownLTPSearch_GSMFR_16s(const Zpp16s* src, const Zpp16s* history, Zpp16s* lag, Zpp16s* gain);
-void ownLTPPredict_GSMFR_16s(const Zpp16s* history, Zpp16s* dst, int lag, int gain);
 
 void ownRPEQuant_GSMFR_16s(const Zpp16s* src, Zpp16s* pulses, Zpp16s* grid, Zpp16s* amplitude, Zpp16s* maximum);
 void ownRPEQuantDecode_GSMFR_16s(const Zpp16s* pulses, Zpp16s* dst, int amplitude, int grid);

@@ -6,14 +6,11 @@
 #include "core/kernels.h"
 #include "gsmfr/kernels.h"
 #include "gsmfr/tables.h"
-#include "lpc/kernels.h"
 
 using namespace zpp;
 using namespace zpp::gsmfr;
 
 namespace {
-
-constexpr int kShortestLag = 40, kLongestLag = 120;
 
 // Doubled energy of the best vector at an eighth of its scale: below 2^31
 Zpp32s doubledPower(const Zpp16s* delayed) {
@@ -42,7 +39,7 @@ ZppStatus zppsLTPSearch_GSMFR_16s(const Zpp16s* src, const Zpp16s* history, Zpp1
 
 ZppStatus zppsLTPPredict_GSMFR_16s(const Zpp16s* history, Zpp16s* dst, Zpp16s lag, Zpp16s gain) {
   if (anyNull(history, dst)) return zppStsNullPointer;
-  if (outside<int>(lag, kShortestLag, kLongestLag) || outside<int>(gain, 0, 3)) return zppStsBadCodedParam;
+  if (outside<int>(lag, kGsmFrShortestLag, kGsmFrLongestLag) || outside<int>(gain, 0, 3)) return zppStsBadCodedParam;
   ownLTPPredict_GSMFR_16s(history, dst, lag, gain);
   return zppStsOk;
 }
@@ -53,12 +50,7 @@ void ownLTPSearch_GSMFR_16s(const Zpp16s* src, const Zpp16s* history, Zpp16s* la
   const int scale = most == 0 ? 0 : std::max(0, 6 - norm16(most));
   Zpp16s target[kGsmFrSubframe];
   ownRShiftC_16s(src, target, kGsmFrSubframe, scale);
-  LagMax best = ownCrossCorrLagMax_Inv_16s(target, history + kGsmFrHistory, kGsmFrSubframe, kShortestLag, kLongestLag);
-  if (best.value <= 0) best = {0, kShortestLag};
+  const LagMax best = ownLTPCorrelation_GSMFR_16s(target, history);
   *lag = static_cast<Zpp16s>(best.lag);
-  *gain = static_cast<Zpp16s>(gainCode(best.value >> (6 - scale), doubledPower(history + kGsmFrHistory - best.lag)));
-}
-
-void ownLTPPredict_GSMFR_16s(const Zpp16s* history, Zpp16s* dst, int lag, int gain) {
-  ownMulC_NR_16s_Sfs(history + kGsmFrHistory - lag, ltpGain[gain], dst, kGsmFrSubframe, 15);
+  *gain = static_cast<Zpp16s>(gainCode(2 * best.value >> (6 - scale), doubledPower(history + kGsmFrHistory - best.lag)));
 }

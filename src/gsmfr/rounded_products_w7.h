@@ -1,6 +1,7 @@
 // The rounded product of the standard: in eight lanes, and as a step of a recursion.
 #pragma once
 
+#include "core/fixed_point.h"
 #include "core/simd_w7.h"
 
 namespace zpp::gsmfr {
@@ -13,11 +14,10 @@ inline V mulRoundWrapQ15(V a, V b) {
 }
 
 // x - mulRound(a, b) and x + mulRound(a, b), modulo 2^32. The bit that a shift to the right moves out last is the carry, which
-// rounds at no cost in time.
+// rounds at no cost in time; as few ports take additions with carry, recursions do best with both ways.
 inline Zpp32s minusRounded(Zpp32s x, Zpp32s a, Zpp32s b) {
-  auto product = static_cast<Zpp32s>(static_cast<Zpp32u>(a) * static_cast<Zpp32u>(b));
-  asm("sarl $15, %1\n\tsbbl %1, %0" : "+r"(x), "+r"(product) : : "cc");
-  return x;
+  const Zpp32u product = static_cast<Zpp32u>(a) * static_cast<Zpp32u>(b);
+  return subWrap32(x, static_cast<Zpp32s>(product + 16384) >> 15);
 }
 inline Zpp32s plusRounded(Zpp32s x, Zpp32s a, Zpp32s b) {
   auto product = static_cast<Zpp32s>(static_cast<Zpp32u>(a) * static_cast<Zpp32u>(b));

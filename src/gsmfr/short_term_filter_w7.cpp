@@ -55,15 +55,14 @@ Zpp32s quietLimit(const Zpp16s* refl) {
 }
 
 bool isWithin(const Zpp16s* memory, Zpp32s limit) {
-  if (limit < 0) return false;
   const V v = load(memory), bound = _mm_set1_epi16(static_cast<short>(limit));
   const V beyond = _mm_or_si128(_mm_cmpgt_epi16(v, bound), _mm_cmplt_epi16(v, _mm_sub_epi16(_mm_setzero_si128(), bound)));
   return _mm_movemask_epi8(beyond) == 0;
 }
 
 // Filters blocks until saturation cannot be excluded in one of them. Returns the samples before that block, to which the memory
-// belongs. quiet: outputs are compared with limit. Otherwise every other stage is compared with 2^14, which keeps the stages
-// between below 2^15.
+// belongs. quiet: outputs are compared with limit, as the memory has been. Otherwise every other stage is compared with 2^14,
+// which keeps the stages between within 16 bits.
 template <bool quiet>
 [[gnu::noinline]] int synthesise(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* memory, Zpp32s limit) {
   const Zpp32s r0 = refl[0], r1 = refl[1], r2 = refl[2], r3 = refl[3], r4 = refl[4], r5 = refl[5], r6 = refl[6], r7 = refl[7];
@@ -99,10 +98,15 @@ template <bool quiet>
   return len;
 }
 
+// A coefficient of -1 may have a product that does not fit.
+bool hasMinusOne(const Zpp16s* refl) { return _mm_movemask_epi8(_mm_cmpeq_epi16(load(refl), _mm_set1_epi16(-32768))) != 0; }
+
 // dst is not src.
 void synthesiseApart(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* memory) {
   const Zpp32s limit = quietLimit(refl);
   int done = isWithin(memory, limit) ? synthesise<true>(refl, src, dst, len, memory, limit) : 0;
+  if (done < len && hasMinusOne(refl))
+    return ownShortTermSynthesisFilter_GSMFR_16s_PX(refl, src + done, dst + done, len - done, memory);
   while (done < len) {
     done += synthesise<false>(refl, src + done, dst + done, len - done, memory, 0);
     const int saturating = std::min(kBlock, len - done);
@@ -114,9 +118,7 @@ void synthesiseApart(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, int len
 }  // namespace
 
 void ownShortTermAnalysisFilter_GSMFR_16s_I_W7(const Zpp16s* refl, Zpp16s* srcDst, int len, Zpp16s* memory) {
-  // A coefficient of -1 may have a product that does not fit.
-  if (_mm_movemask_epi8(_mm_cmpeq_epi16(load(refl), _mm_set1_epi16(-32768))) != 0)
-    return ownShortTermAnalysisFilter_GSMFR_16s_I_PX(refl, srcDst, len, memory);
+  if (hasMinusOne(refl)) return ownShortTermAnalysisFilter_GSMFR_16s_I_PX(refl, srcDst, len, memory);
   Analysis analysis(refl, memory);
   int n = 0;
   for (; n + 8 <= len; n += 8)

@@ -283,7 +283,9 @@ class Silence {
     correlations.original = lags;
     correlations.exponent = exponent;
     constexpr std::array<Zpp16s, kWindowSize> speech{};
-    EXPECT_FALSE(dtx_.take(correlations, kInitialLsp, 0, speech));
+    const bool voice = dtx_.detect(correlations, kInitialLsp, 0, speech);
+    EXPECT_FALSE(voice);
+    dtx_.accept(correlations, voice);
     std::array<Zpp16s, kPastExcitation + kFrameSize> excitation{};
     return dtx_.playSilence({levinsonDurbin_, maMemory_, taming_, toLsp, kInitialLsp}, excitation.data() + kPastExcitation);
   }
