@@ -4,8 +4,8 @@
 #include <cstdint>
 
 #include "core/simd_w7.h"
-#include "g729/lsp/chebyshev.h"
-#include "g729/lsp/kernels.h"
+#include "lpc/chebyshev.h"
+#include "lpc/kernels.h"
 
 using namespace zpp;
 
@@ -142,14 +142,15 @@ class GridSearch {
 
 }  // namespace
 
-void ownLPCToLSP_G729_W7(const Zpp16s* a, const Zpp16s* prevLsp, const Zpp16s* grid, int intervals, int halvings, Zpp16s* lsp) {
-  const LspPolynomials polynomials(a);
+void ownLPCToLSP_16s_W7(const Zpp16s* a, const Zpp16s* prevLsp, const Zpp16s* grid, int intervals, int halvings, int precision,
+                        Zpp16s* lsp) {
+  const LspPolynomials polynomials(a, precision);
   const ChebyshevSeries* f = polynomials.f;
   if (!f[0].unlimited() || !f[1].unlimited() || intervals > kMostIntervals)
-    return ownLPCToLSP_G729_PX(a, prevLsp, grid, intervals, halvings, lsp);
+    return ownLPCToLSP_16s_PX(a, prevLsp, grid, intervals, halvings, precision, lsp);
 
   GridSearch search(f, grid, intervals);
-  if (!search.findRoots(halvings)) return ownLPCToLSP_G729_PX(a, prevLsp, grid, intervals, halvings, lsp);
+  if (!search.findRoots(halvings)) return ownLPCToLSP_16s_PX(a, prevLsp, grid, intervals, halvings, precision, lsp);
 
   Zpp16s found[10];
   int count = 0, j = 0;

@@ -1,13 +1,14 @@
 // LP coefficients to LSPs (ITU-T G.729 clause 3.2.3): portable kernel.
-#include "g729/lsp/chebyshev.h"
-#include "g729/lsp/kernels.h"
+#include "lpc/chebyshev.h"
+#include "lpc/kernels.h"
 
 using namespace zpp;
 
 // The ten roots, alternately of both polynomials, or prevLsp when the grid shows fewer. From a root, the search for the next
 // one starts there instead of at the next point of the grid.
-void ownLPCToLSP_G729_PX(const Zpp16s* a, const Zpp16s* prevLsp, const Zpp16s* grid, int intervals, int halvings, Zpp16s* lsp) {
-  const LspPolynomials polynomials(a);
+void ownLPCToLSP_16s_PX(const Zpp16s* a, const Zpp16s* prevLsp, const Zpp16s* grid, int intervals, int halvings, int precision,
+                        Zpp16s* lsp) {
+  const LspPolynomials polynomials(a, precision);
   const ChebyshevSeries* f = polynomials.f;
   Zpp16s roots[10];
   int found = 0;

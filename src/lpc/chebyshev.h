@@ -1,24 +1,25 @@
 // The sum and difference polynomials of LP coefficients as Chebyshev series, and the search of their roots (ITU-T G.729 clause
-// 3.2.3).
+// 3.2.3, 3GPP TS 26.090 clause 5.2.3).
 #pragma once
 
 #include "core/fixed_point.h"
 
 namespace zpp {
 
-// One of the two polynomials of order 5 as a Chebyshev series, Q11 or, where that overflows, Q10. Its value C(x) is computed by
-// Clenshaw's recursion.
+// One of the two polynomials of order 5 as a Chebyshev series, Q11 or Q10. Its value C(x) is computed by Clenshaw's recursion.
 class ChebyshevSeries {
  public:
-  // False when a coefficient saturates.
-  bool assign(const Zpp16s* a, int sign, int qFormat) {
+  // precision: fractional bits of the coefficients, which are kept in the series' own format. False when one saturates.
+  bool assign(const Zpp16s* a, int sign, int qFormat, int precision) {
     q_ = qFormat;
-    f_[0] = static_cast<Zpp16s>(1 << q_);
+    Zpp16s previous = static_cast<Zpp16s>(1 << precision);
+    f_[0] = 1 << q_;
     bool exact = true;
     for (int i = 0; i < 5; ++i) {
-      const Zpp32s next = ((a[i + 1] + sign * a[10 - i]) >> (12 - q_)) - sign * f_[i];
-      f_[i + 1] = sat16(next);
-      exact = exact && f_[i + 1] == next;
+      const Zpp32s next = ((a[i + 1] + sign * a[10 - i]) >> (12 - precision)) - sign * previous;
+      previous = sat16(next);
+      exact = exact && previous == next;
+      f_[i + 1] = previous * (1 << (q_ - precision));
     }
     // The recursion saturates at 128 (256 in Q10). |b_i| is at most the sum of |f_k| (i - k + 1) over k up to i, and the sums
     // on the way to b_4 stay below twice that of b_3 plus |f_4|: the largest of all is bounded by the weighted sum below. 127
@@ -32,7 +33,7 @@ class ChebyshevSeries {
 
   // Whether the step-by-step saturation of the standard cannot act, so that exactValue holds
   bool unlimited() const { return unlimited_; }
-  Zpp16s coefficient(int i) const { return f_[i]; }
+  Zpp32s coefficient(int i) const { return f_[i]; }
   int resultShift() const { return q_ - 2; }
 
   // Without saturation every sum of the recursion is even, so that half of it is the whole state.
@@ -51,17 +52,17 @@ class ChebyshevSeries {
   Zpp16s saturatedValue(Zpp16s x) const {
     const auto minusOlder = [](Zpp32s sum, Dpf b) { return msuDbl(macDbl(sum, b.hi, -32768), b.lo, 1); };
     Dpf b2 = {static_cast<Zpp16s>(f_[0] >> 3), 0};
-    Dpf b1 = toDpf(macDbl(mulDbl(x, static_cast<Zpp16s>(f_[0] >> 2)), f_[1], 4096));
+    Dpf b1 = toDpf(addSat32(mulDbl(x, static_cast<Zpp16s>(f_[0] >> 2)), f_[1] * 8192));
     for (int i = 2; i <= 4; ++i) {
-      const Dpf b = toDpf(macDbl(minusOlder(shlSat32(mulDpf16(b1, x), 1), b2), f_[i], 4096));
+      const Dpf b = toDpf(addSat32(minusOlder(shlSat32(mulDpf16(b1, x), 1), b2), f_[i] * 8192));
       b2 = b1;
       b1 = b;
     }
-    return high16(shlSat32(macDbl(minusOlder(mulDpf16(b1, x), b2), f_[5], 2048), 17 - q_));
+    return high16(shlSat32(addSat32(minusOlder(mulDpf16(b1, x), b2), f_[5] * 4096), 17 - q_));
   }
 
  private:
-  Zpp16s f_[6];
+  Zpp32s f_[6];
   int q_;
   bool unlimited_;
 };
@@ -103,11 +104,13 @@ inline Zpp16s interpolatedRoot(Point low, Point high) {
 struct LspPolynomials {
   ChebyshevSeries f[2];
 
-  explicit LspPolynomials(const Zpp16s* a) {
-    // One saturated coefficient moves both to the format with more headroom.
-    if (f[0].assign(a, 1, 11) && f[1].assign(a, -1, 11)) return;
-    f[0].assign(a, 1, 10);
-    f[1].assign(a, -1, 10);
+  // precision 11: coefficients and series in Q11, but one saturated coefficient moves both polynomials to Q10, where there is
+  // more headroom (ITU-T G.729). precision 10: coefficients rounded to Q10 in series of Q11 (3GPP TS 26.073).
+  LspPolynomials(const Zpp16s* a, int precision) {
+    const bool exact = f[0].assign(a, 1, 11, precision) && f[1].assign(a, -1, 11, precision);
+    if (precision == 10 || exact) return;
+    f[0].assign(a, 1, 10, 10);
+    f[1].assign(a, -1, 10, 10);
   }
 };
 
