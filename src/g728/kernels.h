@@ -10,7 +10,7 @@
 // ownLevinsonDurbin_G728_16s: continues the recursion from startOrder, 1 or more, to order; r: order + 1. a: startOrder
 //   coefficients in, as many as stages are complete out, with 15 - *shift bits behind the point; all order words are scratch.
 //   Returns the order reached; *residual and *shift are those of that order.
-// ownWeightLPC_G728_16s: dst[n] = the upper half of src[n] * weight[n] * 2^shift, rounded; false, with nothing written, when one
+// ownWeightLPC_G728_16s: dst[n] = the upper half of src[n] * weight[n] * 2^shift, rounded; false, nothing written, when one
 //   does not fit. shift 1..3; dst may be src.
 // ownShapeEnergy_G728_16s: as the entry. ownCodebookSearch_G728_16s: the code; target: five backward-filtered words.
 // ownPastSums_G728_16s: what a filter of order 10 knows of its next five outputs before the first of them. sums[n] = the sum
