@@ -13,4 +13,7 @@ template <int vectors>
   return sum;
 }
 
+// The magnitudes of eight lanes, added in pairs to four sums
+inline V magnitudes(V v) { return _mm_madd_epi16(v, _mm_or_si128(_mm_srai_epi16(v, 15), _mm_set1_epi16(1))); }
+
 }  // namespace zpp::amrwb

@@ -7,19 +7,15 @@
 #include <cstring>
 
 #include "amrwb/filters/kernels.h"
-#include "core/simd_w7.h"
+#include "amrwb/simd_w7.h"
 
 using namespace zpp;
-using amrwb::kOrder;
+using namespace zpp::amrwb;
 
 namespace {
 
 // The sum of the magnitudes of 16 coefficients or more
 int magnitudesOf(const Zpp16s* coef, int count) {
-  const auto magnitudes = [](V a) {
-    const V sign = _mm_srai_epi16(a, 15);
-    return _mm_madd_epi16(a, _mm_or_si128(sign, _mm_set1_epi16(1)));
-  };
   int sum = sumLanes32(_mm_add_epi32(magnitudes(load(coef)), magnitudes(load(coef + 8))));
   for (int i = 16; i < count; ++i) sum += std::abs(coef[i]);
   return sum;

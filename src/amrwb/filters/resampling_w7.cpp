@@ -68,22 +68,25 @@ void ownUpSampling_AMRWB_16s_W7(const Zpp16s* src, Zpp16s* dst, int len, Zpp16s*
 
 void ownHighBandFilter_AMRWB_16s_I_W7(const Zpp16s* coef, Zpp16s* srcDst, int len, int inputShift, Zpp16s* mem) {
   constexpr int block = 80;
-  int magnitudes = 1;
-  for (int i = 0; i <= kHighBandMemory; ++i) magnitudes += std::abs(coef[i]);
-  const int largest = ((1 << 30) - 1) / magnitudes;
-  const int largestInput = ownMaxAbs_16s(srcDst, len) + (inputShift > 0 ? (1 << inputShift) - 1 : 0);
-  if (largestInput >> inputShift > largest || ownMaxAbs_16s(mem, kHighBandMemory) > largest)
-    return ownHighBandFilter_AMRWB_16s_I_PX(coef, srcDst, len, inputShift, mem);
-
   V taps[4];
   for (int i = 0; i < 3; ++i) taps[i] = load(coef + 8 * i);
   taps[3] = loadFirst(coef + 24, 7);
+  const V sums = _mm_add_epi32(_mm_add_epi32(magnitudes(taps[0]), magnitudes(taps[1])),
+                               _mm_add_epi32(magnitudes(taps[2]), magnitudes(taps[3])));
+  const int largest = ((1 << 30) - 1) / (sumLanes32(sums) + 1);
+  const int largestInput = ownMaxAbs_16s(srcDst, len) + (1 << inputShift) - 1;
+  if (largestInput >> inputShift > largest || ownMaxAbs_16s(mem, kHighBandMemory) > largest)
+    return ownHighBandFilter_AMRWB_16s_I_PX(coef, srcDst, len, inputShift, mem);
+
+  const V shift = _mm_cvtsi32_si128(inputShift);
   Zpp16s signal[kHighBandMemory + block + 8] = {};
   std::memcpy(signal, mem, kHighBandMemory * sizeof(Zpp16s));
   while (len > 0) {
     const int count = len < block ? len : block;
-    for (int n = 0; n < count; ++n) signal[kHighBandMemory + n] = shr16(srcDst[n], inputShift);
     int n = 0;
+    for (; n + 8 <= count; n += 8) store(signal + kHighBandMemory + n, _mm_sra_epi16(load(srcDst + n), shift));
+    for (; n < count; ++n) signal[kHighBandMemory + n] = shr16(srcDst[n], inputShift);
+    n = 0;
     for (; n + 4 <= count; n += 4)
       storeFour(srcDst + n, rounded(sumsOfLanes32(windowSums<4>(signal + n, taps), windowSums<4>(signal + n + 1, taps),
                                                   windowSums<4>(signal + n + 2, taps), windowSums<4>(signal + n + 3, taps)),
