@@ -162,7 +162,11 @@ void ownSynthesisFilter_AMRWB_16s32s_W7(const Zpp16s* lpc, const Zpp16s* src, Zp
   const Zpp64s room = (Zpp64s{1} << 30) - 2 * magnitudes - Zpp64s{ownMaxAbs_16s(src, len) + 1} * std::abs(inputFactor);
   const Zpp32s harmless = room < 0 ? -1 : static_cast<Zpp32s>(std::min<Zpp64s>(32766, room / magnitudes));
   bool isHarmless = shift <= 8 && magnitudes < 1 << 18 && harmless >= 0;
-  for (int j = 1; j <= kOrder; ++j) isHarmless = isHarmless && std::abs(dst[-j] / 4096) < harmless;
+  const auto upperWords = [](const Zpp32s* y) {
+    return _mm_packs_epi32(_mm_srai_epi32(load(y), 12), _mm_srai_epi32(load(y + 4), 12));
+  };
+  const V older = upperWords(dst - 16), newer = upperWords(dst - 8);
+  isHarmless = isHarmless && largestMagnitude(_mm_max_epi16(older, newer), _mm_min_epi16(older, newer)) < harmless;
   const Zpp32s limit = isHarmless ? (harmless * 65536) >> shift : 0;
 
   int n = 0;

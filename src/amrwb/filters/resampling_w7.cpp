@@ -50,12 +50,22 @@ void ownUpSampling_AMRWB_16s_W7(const Zpp16s* src, Zpp16s* dst, int len, Zpp16s*
   const Zpp16s* x = signal + 1;
   for (int n = 0; n < len; n += 4, x += 4, dst += 5) {
     dst[0] = x[11];  // the filter of fraction 0 is a delay
-    if (loud && ownMaxAbs_16s(x, kUpSamplingMemory + 3) > largest) {
-      for (int f = 1; f < 5; ++f)
-        dst[f] = roundHigh16(shlSat32(dotProductStepwise(x + 4 * f / 5, upSamplingTaps[(4 * f) % 5], kUpSamplingMemory, 0), 1));
-      continue;
-    }
     V sum[4];
+    if (loud) {
+      unrolled<4>([&](auto i) {
+        constexpr int f = i + 1;
+        const Zpp16s* const taps = upSamplingTaps[(4 * f) % 5];
+        const V t[3] = {load(taps), load(taps + 8), load(taps + 16)};
+        sum[i] = windowMagnitudes<3>(x + 4 * f / 5, t);
+      });
+      const V limit = _mm_set1_epi32((1 << 30) - 1);
+      if (_mm_movemask_epi8(_mm_cmpgt_epi32(sumsOfLanes32(sum[0], sum[1], sum[2], sum[3]), limit)) != 0) {
+        for (int f = 1; f < 5; ++f)
+          dst[f] =
+              roundHigh16(shlSat32(dotProductStepwise(x + 4 * f / 5, upSamplingTaps[(4 * f) % 5], kUpSamplingMemory, 0), 1));
+        continue;
+      }
+    }
     unrolled<4>([&](auto i) {
       constexpr int f = i + 1;
       const Zpp16s* const taps = upSamplingTaps[(4 * f) % 5];

@@ -48,7 +48,7 @@ void ownHighBandNoise_AMRWB_16s(const Zpp16s* src, Zpp16s* dst, int scale, Zpp16
   for (int n = 0; n < kHighBandSubframe; ++n) dst[n] = shr16(nextRandom(*seed), 3);
   const Floating ratio = levelRatio(wanted, energy12(dst, kHighBandSubframe));
   const Zpp16s gain = high16(shlSat32(ratio.mantissa, ratio.exponent + 1));
-  for (int n = 0; n < kHighBandSubframe; ++n) dst[n] = mulQ15(dst[n], gain);
+  for (int n = 0; n < kHighBandSubframe; ++n) dst[n] = static_cast<Zpp16s>((dst[n] * gain) >> 15);  // dst is of 13 bits
 }
 
 Zpp16s ownHighBandGain_AMRWB_16s(const Zpp16s* src, int vadHist) {
