@@ -6,7 +6,11 @@ std::vector<Export> amrwbExports() {
   const Argument rate = choice("rate", 13, {-1, 0, 4, 6, 8, 10, 12, 14, 17, 22, 25}), subframe = choice("subframe", 0, {-1, 4});
   const auto flag = [](const char* name) { return choice(name, 0, {-1, 2}); };
   const Argument gamma = value("gamma", 22282), mem1 = inOut("mem", 1), seed = inOut("seed", 1), lpc = in("lpc", 17),
-                 impulse = in("impulse", 64), target = in("target", 64);
+                 impulse = in("impulse", 64), target = in("target", 64), isf = in("isf", 16), code = in("code", 64),
+                 gainPitch = value("gainPitch", 12000);
+  const auto order = [](double accepted) {
+    return value("order", accepted).refusing({0, 10, 15, 17, 19, 21}, zppStsBadSize, 1);
+  };
   const auto state = [](std::size_t bytes) { return inOut("state", bytes); };
   return {
       // Sampling rates and filters
@@ -27,12 +31,26 @@ std::vector<Export> amrwbExports() {
           inOut("mem", 3)),
       row(FUNCTION(zppsHarmonicFilter_AMRWB_16s_I), value("gain", 9000), choice("lag", 5, {0, -1}), inOut("srcDst", 20),
           length("srcDst")),
-      // LP filters
+      // Linear prediction
+      row(FUNCTION(zppsAutoCorr_AMRWB_16s32s), in("src", 384), out("dst", 17)),
+      row(FUNCTION(zppsLevinsonDurbin_AMRWB_32s16s), in("src", 17), out("lpc", 17), inOut("mem", 16)),
+      row(FUNCTION(zppsLPCToISP_AMRWB_16s), lpc, out("isp", 16), in("prevIsp", 16)),
+      row(FUNCTION(zppsISPToISF_AMRWB_16s), in("isp", 20), out("isf", 20), order(20)),
+      row(FUNCTION(zppsISFToISP_AMRWB_16s), in("isf", 20), out("isp", 20), order(20)),
+      row(FUNCTION(zppsISPToLPC_AMRWB_16s), in("isp", 16), out("lpc", 17), order(16), flag("scaling")),
+      row(FUNCTION(zppsInterpolateISP_AMRWB_16s), in("prevIsp", 16), in("isp", 16), out("lpc", 68)),
       row(FUNCTION(zppsResidualFilter_AMRWB_16s), lpc, in("src", 20).before(16), out("dst", 20), length("dst")),
       row(FUNCTION(zppsSynthesisFilter_AMRWB_16s_I), in("lpc", 21), inOut("srcDst", 20), length("srcDst"),
           choice("order", 20, {10, 15, 18, 21}), inOut("mem", 20)),
       row(FUNCTION(zppsSynthesisFilter_AMRWB_16s32s), lpc, in("src", 20), inOut("dst", 20).before(16), length("src"),
           scale("scale", 3, {-1, 9})),
+      // ISF quantisation
+      row(FUNCTION(zppsISFQuant_AMRWB_16s), isf, inOut("pastResidual", 16), out("quantIsf", 16), out("index", 7), rate),
+      row(FUNCTION(zppsISFDecode_AMRWB_16s), in("index", 7), inOut("pastResidual", 16), in("prevIsf", 16),
+          inOut("isfHistory", 48), out("isf", 16), flag("badFrame"), rate),
+      row(FUNCTION(zppsSIDQuant_AMRWB_16s), isf, out("quantIsf", 16), out("index", 5)),
+      row(FUNCTION(zppsSIDDecode_AMRWB_16s), in("index", 5), out("isf", 16)),
+      row(FUNCTION(zppsISFStability_AMRWB_16s), isf, in("prevIsf", 16), result("factor")),
       // Pitch and adaptive codebook
       row(FUNCTION(zppsOpenLoopPitchSearch_AMRWB_16s), in("wsp", 64).before(115), in("hpWsp", 64).before(115),
           value("len", 64).refusing({0, 63, 65, 256}, zppStsBadSize, 1), result("lag"), result("gain"), inOut("mem", 8)),
@@ -50,6 +68,25 @@ std::vector<Export> amrwbExports() {
       row(FUNCTION(zppsAdaptiveCodebookDecode_AMRWB_16s), value("index", 100), in("gainHistory", 5),
           inOut("excitation", 65).before(248), result("lag"), result("fraction"), subframe, flag("badFrame"), flag("unusable"),
           state(24), rate),
+      // Algebraic codebook
+      row(FUNCTION(zppsAlgebraicCodebookSearch_AMRWB_16s), target, in("residualTarget", 64), impulse, out("code", 64),
+          out("filteredCode", 64), out("index", 4), rate),
+      row(FUNCTION(zppsAlgebraicCodebookDecode_AMRWB_16s), in("index", 4), out("code", 64), rate),
+      // Gains
+      row(FUNCTION(zppsGainQuant_AMRWB_16s), target, in("filteredVector", 64), in("filteredCode", 64), code, in("coef", 4),
+          inOut("gainPitch", 1), result("gainCode"), result("index"), inOut("mem", 4), value("scale", 2), flag("clip"), rate),
+      row(FUNCTION(zppsDecodeGain_AMRWB_16s), value("index", 45), code, result("gainPitch"), result("gainCode"),
+          inOut("mem", 22), flag("badFrame"), flag("prevBadFrame"), flag("unusable"), choice("state", 3, {-1, 7}),
+          value("vadHist", 1), rate),
+      // Excitation
+      row(FUNCTION(zppsVoiceFactor_AMRWB_16s), in("vector", 64), code, value("scale", 2), gainPitch, value("gainCode", 77),
+          result("factor")),
+      row(FUNCTION(zppsExcitation_AMRWB_16s_I), code, inOut("srcDst", 64), value("gainCode", 77), gainPitch),
+      row(FUNCTION(zppsExcitationEnhance_AMRWB_16s_I), code, inOut("srcDst", 64), gainPitch, value("gainCode", 99000),
+          value("stability", 9000), value("voiceFactor", -3000), scale("scale", 3, {-1, 9}), inOut("mem", 1)),
+      row(FUNCTION(zppsPitchSharpening_AMRWB_16s_I), in("vector", 64), inOut("srcDst", 64), gainPitch),
+      row(FUNCTION(zppsPhaseDispersion_AMRWB_16s_I), inOut("srcDst", 64), value("gainCode", 77), value("gainPitch", 3000),
+          inOut("mem", 8), rate),
       // High band
       row(FUNCTION(zppsHighBandNoise_AMRWB_16s), in("src", 64), out("dst", 80), value("scale", 3), seed),
       row(FUNCTION(zppsHighBandGain_AMRWB_16s), in("src", 64), value("vadHist", 1), result("gain")),

@@ -1,19 +1,27 @@
 #include "amrwb/excitation/kernels.h"
 #include "amrwb/filters/kernels.h"
+#include "amrwb/fixed_codebook/kernels.h"
+#include "amrwb/isf/kernels.h"
 #include "amrwb/pitch/kernels.h"
 
+#include "amrwb/arithmetic.h"
 #include "amrwb/filters/tables.h"
+#include "amrwb/isf/tables.h"
 #include "kernels/rig.h"
 
 namespace test {
 
 ZPP_AMRWB_EXCITATION_KERNELS(ZPP_KERNEL_TYPE)
 ZPP_AMRWB_FILTER_KERNELS(ZPP_KERNEL_TYPE)
+ZPP_AMRWB_FIXED_CODEBOOK_KERNELS(ZPP_KERNEL_TYPE)
+ZPP_AMRWB_ISF_KERNELS(ZPP_KERNEL_TYPE)
 ZPP_AMRWB_PITCH_KERNELS(ZPP_KERNEL_TYPE)
 
 void runAmrWbKernels(const Options& options, Tally& tally) {
   ZPP_AMRWB_EXCITATION_KERNELS(ZPP_RUN_KERNEL)
   ZPP_AMRWB_FILTER_KERNELS(ZPP_RUN_KERNEL)
+  ZPP_AMRWB_FIXED_CODEBOOK_KERNELS(ZPP_RUN_KERNEL)
+  ZPP_AMRWB_ISF_KERNELS(ZPP_RUN_KERNEL)
   ZPP_AMRWB_PITCH_KERNELS(ZPP_RUN_KERNEL)
 }
 
@@ -108,6 +116,130 @@ DRIVE(ownPredLt_AMRWB_16s_I, {{17, 22, 23, 24, 33, 34, 40, 64, 130, 231}, {34, 1
 // The source ends one element behind the last output.
 DRIVE(ownAdaptiveCodebookLowPass_AMRWB_16s, upTo(40, {64})) {
   rig.run(rig.in<Zpp16s>(n + 1, -32768, 32767, 1), rig.out<Zpp16s>(n), n);
+}
+
+// --- Algebraic codebook: one size, many calls of each kind; n tells the response's level ---------------------------------
+
+namespace {
+
+template <class Rig, class Call>
+void repeat(Rig& rig, Call call) {
+  for (int run = 0; run < (rig.keep ? 1 : 40); ++run) {
+    if (!rig.keep) rig.beginCall();
+    call();
+  }
+}
+
+// The signs of a target, and whatever else it holds within a level
+template <class Rig>
+zpp::amrwb::PulseTarget* pulseTarget(Rig& rig, Zpp16s most) {
+  auto* values = rig.template inOut<Zpp16s>(sizeof(zpp::amrwb::PulseTarget) / sizeof(Zpp16s), static_cast<Zpp16s>(-most), most);
+  auto* target = reinterpret_cast<zpp::amrwb::PulseTarget*>(values);
+  for (int n = 0; n < 64; ++n) {
+    target->sign[n] = target->corr[n] < 0 ? -32768 : 32767;
+    if (rig.scalar(0, 3) != 0) target->corr[n] = static_cast<Zpp16s>(target->corr[n] & 0x7fff);
+  }
+  return target;
+}
+
+}  // namespace
+
+// n: bits of the correlations
+DRIVE(ownChooseSigns_AMRWB_16s, only({3, 12, 24, 32})) {
+  repeat(rig, [&] {
+    const auto most = static_cast<Zpp32s>((Zpp64s{1} << (n - 1)) - 1);
+    const auto* sums = rig.template in<Zpp32s>(64, -most - 1, most);
+    const auto* residualTarget = within(rig, 64, level(rig));
+    rig.run(sums, residualTarget, static_cast<Zpp16s>(rig.scalar(2048, 8192)), pulseTarget(rig, 32767),
+            rig.template out<Zpp16s>(64));
+  });
+}
+
+// 5792: the level at which the energy of 64 equal samples begins to saturate
+DRIVE(ownPulseCorrelations_AMRWB_16s, only({300, 4096, 5791, 5793, 32767})) {
+  repeat(rig, [&] {
+    const auto* impulse = rig.scalar(0, 1) == 0 ? response(rig, n) : within(rig, 64, static_cast<Zpp16s>(n));
+    rig.run(impulse, pulseTarget(rig, 32767));
+  });
+}
+
+DRIVE(ownPulseGains_AMRWB_16s, only({300, 4096, 20000, 32767})) {
+  repeat(rig, [&] {
+    const Zpp16s* const impulse = response(rig, n);
+    const Zpp16s* const code = within(rig, 64, level(rig));
+    const bool exact = zpp::amrwb::productsFit(ownDotProd_16s(impulse, impulse, 64), ownDotProd_16s(code, code, 64));
+    const zpp::amrwb::PulseTarget* const target = pulseTarget(rig, 32767);
+    rig.run(impulse, code, target, rig.scalar(0, 3), rig.template out<Zpp16s>(32), exact);
+  });
+}
+
+// The energy of the pulses so far on both sides of where the faster path ends
+DRIVE(ownSearchPulsePair_AMRWB_16s, only({0, 1000, 16382, 16383, 32767})) {
+  repeat(rig, [&] {
+    const Zpp16s most = level(rig);
+    const zpp::amrwb::PulseTarget* const target = pulseTarget(rig, most);
+    const auto energy = static_cast<Zpp16s>(rig.scalar(0, 3) == 0 ? -n : n);
+    const auto* gain = rig.template in<Zpp16s>(32, static_cast<Zpp16s>(rig.scalar(0, 2) == 0 ? -most : 0), most);
+    const auto* candidate = rig.template in<Zpp16s>(16, 0, 1);
+    rig.run(target, rig.scalar(0, 3), static_cast<Zpp16s>(rig.scalar(-most, most)), energy, gain, candidate);
+  });
+}
+
+// --- ISF codebooks: n tells the dimension ---------------------------------------------------------------------------------
+
+namespace {
+
+struct Book {
+  const Zpp16s* components;
+  int entries;
+};
+Book bookOf(int dimension) {
+  using namespace zpp::amrwb;
+  switch (dimension) {
+    case 2:
+      return {isfNoisePart1[0], 64};
+    case 3:
+      return {isfStage2Part2[0], 128};
+    case 4:
+      return {isfNoisePart5[0], 32};
+    case 5:
+      return {isfStage2LowRatePart1[0], 128};
+    case 7:
+      return {isfStage1High[0], 256};
+    default:
+      return {isfStage1Low[0], 256};
+  }
+}
+
+// A vector near an entry, between two, or as far as to saturate
+template <class Rig>
+const Zpp16s* isfTarget(Rig& rig, int dimension) {
+  constexpr Zpp16s levels[] = {0, 40, 600, 8600, 8601, 32767};
+  const Zpp16s most = levels[rig.scalar(0, 5)];
+  const Book book = bookOf(dimension);
+  const int entry = rig.scalar(0, book.entries - 1);
+  return rig.template made<Zpp16s>(dimension, [&](Zpp16s* x) {
+    for (int i = 0; i < dimension; ++i) {
+      const int value = (most < 8600 ? book.components[book.entries * i + entry] : 0) + rig.scalar(-most, most);
+      x[i] = zpp::sat16(value);
+    }
+  });
+}
+
+}  // namespace
+
+DRIVE(ownIsfDistances_AMRWB_16s, only({7, 9})) {
+  repeat(rig, [&] {
+    const Book book = bookOf(n);
+    rig.run(isfTarget(rig, n), book.components, n, book.entries, rig.template out<Zpp32s>(book.entries));
+  });
+}
+
+DRIVE(ownNearestIsf_AMRWB_16s, only({2, 3, 4, 5, 7})) {
+  repeat(rig, [&] {
+    const Book book = bookOf(n);
+    rig.run(isfTarget(rig, n), book.components, n, book.entries);
+  });
 }
 
 DRIVE(ownExcitation_AMRWB_16s_I, only({1})) {

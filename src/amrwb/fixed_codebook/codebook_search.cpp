@@ -13,7 +13,7 @@ using namespace zpp::amrwb;
 
 namespace {
 
-constexpr int kRanks = 8, kMaxPulses = 24;
+constexpr int kMaxPulses = 24;
 constexpr Zpp16s kPulse = 512;  // 1.0, Q9
 
 // How a rate searches: pulses placed in the tracks' best positions, then pairs of pulses. The candidates of the first pulse of
@@ -42,75 +42,36 @@ constexpr int trackOf(Mode mode, int iteration, int pulse) {
   return (iteration + pulse / kTracks + pulse) % kTracks;
 }
 
-// Correlation of the target with the response to a pulse at every position, one bit more than 1 / 8 of full scale in sum over
-// the tracks' largest
-void backwardFilter(const Zpp16s* target, const Zpp16s* impulse, Zpp16s* corr) {
-  Zpp32s sums[kSubframe];
+// Correlation of the target with the response to a pulse at every position
+void backwardFilter(const Zpp16s* target, const Zpp16s* impulse, Zpp32s* sums) {
   if (productsFit(ownDotProd_16s(target, target, kSubframe), ownDotProd_16s(impulse, impulse, kSubframe))) {
     ownPartialCorr_16s32s(impulse, target, kSubframe, sums, kSubframe);
-    for (Zpp32s& sum : sums) sum = 2 * sum + 1;
+    for (int n = 0; n < kSubframe; ++n) sums[n] = 2 * sums[n] + 1;
   } else {
     for (int i = 0; i < kSubframe; ++i) sums[i] = dotProductStepwise(impulse, target + i, kSubframe - i, 1);
   }
-  Zpp32s total = 1;
-  for (int track = 0; track < kTracks; ++track) {
-    Zpp32s largest = 0;
-    for (int i = track; i < kSubframe; i += kTracks) largest = std::max(largest, absSat32(sums[i]));
-    largest >>= 2;
-    total = addSat32(addSat32(total, largest), largest >> 1);
-  }
-  const int shift = norm32(total) - 4;
-  for (int i = 0; i < kSubframe; ++i) corr[i] = roundHigh16(shlSat32(sums[i], shift));
-}
-
-// Fixes the sign of a pulse at every position, by the residual's and the backward-filtered target, both brought to unit energy.
-// merit: what the sum of both says for the position.
-void chooseSigns(const Zpp16s* residualTarget, Zpp16s weight, const Zpp16s* corr, PulseTarget& t, Zpp16s* merit) {
-  const auto gain = [](const Zpp16s* x, int shift) {
-    const Floating inverse = inverseSqrt(energy12(x, kSubframe));
-    return roundHigh16(shlSat32(inverse.mantissa, inverse.exponent + shift));
-  };
-  const Zpp16s residualGain = gain(residualTarget, 5), corrGain = mulRoundQ15(weight, gain(corr, 8));
-  for (int n = 0; n < kSubframe; ++n) {
-    const Zpp16s b = high16(shlSat32(macDbl(mulDbl(residualGain, residualTarget[n]), corrGain, corr[n]), 8));
-    const int place = placeOf(n);
-    t.sign[place] = b < 0 ? kNegativeSign : kPositive;
-    t.corr[place] = b < 0 ? negSat16(corr[n]) : corr[n];
-    merit[place] = b < 0 ? negSat16(b) : b;
-  }
-}
-
-// The eight best positions of each track get ranks 0..7, the others 8.
-void rankPositions(const Zpp16s* merit, Zpp16s* rank) {
-  std::fill_n(rank, kSubframe, Zpp16s{kRanks});
-  for (int first = 0; first < kSubframe; first += kTrackPositions)
-    for (int r = 0; r < kRanks; ++r) {
-      int best = -1;
-      for (int i = first; i < first + kTrackPositions; ++i)
-        if (rank[i] == kRanks && (best < 0 || merit[i] > merit[best])) best = i;
-      rank[best] = static_cast<Zpp16s>(r);
-    }
 }
 
 // Signs, signed correlations and ranks of all positions. Out of line, like the two-pulse search: the scratch space of the steps
 // must not add up.
 [[gnu::noinline]] void weighPositions(const Zpp16s* target, const Zpp16s* residualTarget, const Zpp16s* impulse, Zpp16s weight,
                                       PulseTarget& t, Zpp16s* rank) {
-  Zpp16s corr[kSubframe], merit[kSubframe];
-  backwardFilter(target, impulse, corr);
-  chooseSigns(residualTarget, weight, corr, t, merit);
-  rankPositions(merit, rank);
+  alignas(16) Zpp32s sums[kSubframe];
+  backwardFilter(target, impulse, sums);
+  ownChooseSigns_AMRWB_16s(sums, residualTarget, weight, &t, rank);
 }
 
 // The response with zeros before, and negated: added at any position it costs no test.
 struct SignedResponse {
   Zpp16s positive[2 * kSubframe] = {}, negative[2 * kSubframe] = {};
+  Zpp64s energy;
 
   SignedResponse(const Zpp16s* impulse, int shift) {
     for (int n = 0; n < kSubframe; ++n) {
       positive[kSubframe + n] = static_cast<Zpp16s>(impulse[n] >> shift);
       negative[kSubframe + n] = negSat16(positive[kSubframe + n]);
     }
+    energy = ownDotProd_16s(positive + kSubframe, positive + kSubframe, kSubframe);
   }
   const Zpp16s* impulse() const { return positive + kSubframe; }
   // of a pulse at a position, from sample 0 on
@@ -183,10 +144,13 @@ void placeFirst(Placement& p, const Plan& plan, Mode mode, int iteration, const 
 
 void placePairs(Placement& p, const Plan& plan, Mode mode, int iteration, const Zpp16s* rank, const PulseTarget& t,
                 const SignedResponse& response) {
+  // The filtered code has at most as many times the response's norm as it has pulses. By Cauchy and Schwarz:
+  const bool fits = response.energy * plan.pulses < 1 << 30;
   for (int pair = 0; p.count < plan.pulses; ++pair) {
     const int track = trackOf(mode, iteration, p.count), next = (track + 1) % kTracks;
     Zpp16s gain[2 * kTrackPositions], candidate[kTrackPositions];
-    ownPulseGains_AMRWB_16s(response.impulse(), p.filtered, &t, track, gain);
+    ownPulseGains_AMRWB_16s(response.impulse(), p.filtered, &t, track, gain,
+                            fits || productsFit(response.energy, ownDotProd_16s(p.filtered, p.filtered, kSubframe)));
     for (int i = 0; i < kTrackPositions; ++i) candidate[i] = rank[16 * track + i] < plan.candidates[pair] ? -1 : 0;
     const PulsePair best = ownSearchPulsePair_AMRWB_16s(&t, track, p.corr, p.energy, gain, candidate);
     p.corr = addSat16(p.corr, addSat16(t.corr[16 * track + best.first], t.corr[16 * next + best.second]));

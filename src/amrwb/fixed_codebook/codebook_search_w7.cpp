@@ -1,4 +1,6 @@
 // Search of the algebraic codebook: SSE2 kernels.
+#include <bit>
+
 #include "amrwb/arithmetic.h"
 #include "amrwb/fixed_codebook/kernels.h"
 #include "amrwb/fixed_codebook/search.h"
@@ -27,13 +29,13 @@ inline void transpose(V (&rows)[8]) {
 struct Sums {
   V lane[4];
 
-  // Adds x times eight samples to the sums of one half and returns the upper words of these.
+  // Adds x times eight samples to the sums of one half and returns the upper words of these, doubled.
   V add(int half, V x, const Zpp16s* samples) {
     const V y = load(samples + 8 * half);
     V &low = lane[2 * half], &high = lane[2 * half + 1];
-    low = _mm_add_epi32(low, _mm_slli_epi32(mulLow(x, y), 1));
-    high = _mm_add_epi32(high, _mm_slli_epi32(mulHigh(x, y), 1));
-    return _mm_packs_epi32(_mm_srai_epi32(low, 16), _mm_srai_epi32(high, 16));
+    low = _mm_add_epi32(low, mulLow(x, y));
+    high = _mm_add_epi32(high, mulHigh(x, y));
+    return _mm_packs_epi32(_mm_srai_epi32(low, 15), _mm_srai_epi32(high, 15));
   }
 };
 
@@ -41,6 +43,92 @@ struct Sums {
 inline V reversedFrom(const Zpp16s* last, int half) { return reversed(load(last - 8 * half - 7)); }
 
 }  // namespace
+
+namespace {
+
+// From the order of positions to that of places: every fourth of 32 elements
+inline void byTrack(const V (&v)[4], V (&out)[4]) {
+  const V a = _mm_unpacklo_epi16(v[0], v[1]), b = _mm_unpackhi_epi16(v[0], v[1]);
+  const V c = _mm_unpacklo_epi16(v[2], v[3]), d = _mm_unpackhi_epi16(v[2], v[3]);
+  const V even1 = _mm_unpacklo_epi16(a, b), odd1 = _mm_unpackhi_epi16(a, b);
+  const V even2 = _mm_unpacklo_epi16(c, d), odd2 = _mm_unpackhi_epi16(c, d);
+  out[0] = _mm_unpacklo_epi64(even1, even2);
+  out[1] = _mm_unpackhi_epi64(even1, even2);
+  out[2] = _mm_unpacklo_epi64(odd1, odd2);
+  out[3] = _mm_unpackhi_epi64(odd1, odd2);
+}
+
+inline V abs32(V v) {
+  const V sign = _mm_srai_epi32(v, 31);
+  return _mm_sub_epi32(_mm_xor_si128(v, sign), sign);
+}
+
+}  // namespace
+
+void ownChooseSigns_AMRWB_16s_W7(const Zpp32s* sums, const Zpp16s* residualTarget, Zpp16s weight, PulseTarget* target,
+                                 Zpp16s* rank) {
+  // Lane k: of track k
+  V largest = _mm_setzero_si128();
+  for (int n = 0; n < kSubframe; n += 4) {
+    const V magnitude = abs32(load(sums + n));
+    largest = select(_mm_cmpgt_epi32(magnitude, largest), magnitude, largest);
+    // The magnitude of the least number is none.
+    if (_mm_movemask_epi8(_mm_cmpgt_epi32(_mm_setzero_si128(), magnitude)) != 0) [[unlikely]]
+      return ownChooseSigns_AMRWB_16s_PX(sums, residualTarget, weight, target, rank);
+  }
+  Zpp32s most[4], total = 1;
+  store(most, _mm_srai_epi32(largest, 2));
+  for (const Zpp32s m : most) total = addSat32(addSat32(total, m), m >> 1);
+  // A sum is at most 8/3 of the total: shifted left by four bits less than that allows, it does not saturate.
+  const int shift = norm32(total) - 4;
+  const V left = _mm_cvtsi32_si128(shift > 0 ? shift : 0), right = _mm_cvtsi32_si128(shift < 0 ? -shift : 0);
+  alignas(16) Zpp16s corr[kSubframe];
+  const auto rounded = [&](const Zpp32s* from) {
+    const V scaled = _mm_sra_epi32(_mm_sll_epi32(load(from), left), right);
+    return _mm_srai_epi32(_mm_add_epi32(scaled, _mm_set1_epi32(0x8000)), 16);
+  };
+  for (int n = 0; n < kSubframe; n += 8) store(corr + n, _mm_packs_epi32(rounded(sums + n), rounded(sums + n + 4)));
+
+  const SignGains gains(residualTarget, corr, weight);
+  const V factors = pairOf(gains.residual, gains.corr), zero = _mm_setzero_si128();
+  alignas(16) Zpp16s merit[kSubframe];
+  for (int half = 0; half < 2; ++half) {
+    V residuals[4], corrs[4], residual[4], backward[4];
+    for (int k = 0; k < 4; ++k) {
+      residuals[k] = load(residualTarget + 32 * half + 8 * k);
+      corrs[k] = load(corr + 32 * half + 8 * k);
+    }
+    byTrack(residuals, residual);
+    byTrack(corrs, backward);
+    for (int track = 0; track < 4; ++track) {
+      const int place = 16 * track + 8 * half;
+      // Neither factor is below 0, so the sum of two products fits; packing saturates it as the standard's shift does.
+      const V low = _mm_madd_epi16(_mm_unpacklo_epi16(residual[track], backward[track]), factors);
+      const V high = _mm_madd_epi16(_mm_unpackhi_epi16(residual[track], backward[track]), factors);
+      const V b = _mm_packs_epi32(_mm_srai_epi32(low, 7), _mm_srai_epi32(high, 7)), negative = _mm_srai_epi16(b, 15);
+      store(target->sign + place, _mm_xor_si128(negative, _mm_set1_epi16(kPositive)));
+      store(target->corr + place, select(negative, _mm_subs_epi16(zero, backward[track]), backward[track]));
+      store(merit + place, select(negative, _mm_subs_epi16(zero, b), b));
+    }
+  }
+
+  // Rank: the number of larger ones, and of equal ones before
+  static constexpr Zpp16s behind[32] = {0,  0,  0,  0,  0,  0,  0,  0,  0,  0,  0,  0,  0,  0,  0,  0,
+                                        -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1};
+  for (int first = 0; first < kSubframe; first += 16) {
+    const V low = load(merit + first), high = load(merit + first + 8);
+    V lowRank = zero, highRank = zero;
+    for (int i = 0; i < 16; ++i) {
+      const V one = _mm_set1_epi16(merit[first + i]);
+      const V lowTie = _mm_and_si128(_mm_cmpeq_epi16(one, low), load(behind + 15 - i));
+      const V highTie = _mm_and_si128(_mm_cmpeq_epi16(one, high), load(behind + 23 - i));
+      lowRank = _mm_sub_epi16(lowRank, _mm_add_epi16(_mm_cmpgt_epi16(one, low), lowTie));
+      highRank = _mm_sub_epi16(highRank, _mm_add_epi16(_mm_cmpgt_epi16(one, high), highTie));
+    }
+    store(rank + first, lowRank);
+    store(rank + first + 8, highRank);
+  }
+}
 
 void ownPulseCorrelations_AMRWB_16s_W7(const Zpp16s* impulse, PulseTarget* target) {
   // All sums are partial sums of autocorrelation lags: none saturates if the energy does not.
@@ -55,7 +143,7 @@ void ownPulseCorrelations_AMRWB_16s_W7(const Zpp16s* impulse, PulseTarget* targe
   // behind, go to the row of the pulse in `cross`, ordered by m; those at 1 + 4 m, in the track before, to `later`.
   alignas(16) Zpp16s later[16 + 1024];
   Zpp16s* const laterRows = later + 16;
-  const V start = _mm_set1_epi32(0x8000);
+  const V start = _mm_set1_epi32(0x4000);
   Sums near = {{start, start, start, start}}, far = near;
   Zpp32s energy = 0x8000;
   for (int n = 0; n < kSubframe; ++n) {
@@ -109,9 +197,8 @@ void ownPulseCorrelations_AMRWB_16s_W7(const Zpp16s* impulse, PulseTarget* targe
 }
 
 void ownPulseGains_AMRWB_16s_W7(const Zpp16s* impulse, const Zpp16s* filteredCode, const PulseTarget* target, int track,
-                                Zpp16s* gain) {
-  if (!productsFit(ownDotProd_16s(impulse, impulse, kSubframe), ownDotProd_16s(filteredCode, filteredCode, kSubframe)))
-    return ownPulseGains_AMRWB_16s_PX(impulse, filteredCode, target, track, gain);
+                                Zpp16s* gain, bool exact) {
+  if (!exact) return ownPulseGains_AMRWB_16s_PX(impulse, filteredCode, target, track, gain, exact);
   alignas(16) Zpp16s code[2 * kSubframe];  // silence follows
   for (int n = 0; n < kSubframe; n += 8) {
     store(code + n, load(filteredCode + n));
@@ -156,7 +243,7 @@ PulsePair ownSearchPulsePair_AMRWB_16s_W7(const PulseTarget* target, int track, 
   }
   PulsePair best = {0, 0, 1};
   Zpp16s bestSquare = -1;
-  V factors = pairOf(best.energy, -bestSquare);
+  V factors = pairOf(best.energy, -bestSquare), least = _mm_set1_epi16(1);
   for (int i = 0; i < 16; ++i) {
     if (!candidate[i]) continue;
     const V partCorr = _mm_set1_epi16(addSat16(corr, corr1[i]));
@@ -170,20 +257,26 @@ PulsePair ownSearchPulsePair_AMRWB_16s_W7(const PulseTarget* target, int track, 
       const V high =
           _mm_add_epi32(_mm_add_epi32(partEnergy, gain2High[side]), _mm_srai_epi32(_mm_unpackhi_epi16(zero, crossLanes), 2));
       const V alp = _mm_packs_epi32(_mm_srai_epi32(low, 16), _mm_srai_epi32(high, 16));
-      // Eight candidates against the best; only if one of them is better, all of them in turn
+      least = _mm_min_epi16(least, alp);
+      // Eight candidates against the best so far, and those that pass in turn against better ones
       const V better = _mm_packs_epi32(_mm_cmpgt_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(square, alp), factors), zero),
                                        _mm_cmpgt_epi32(_mm_madd_epi16(_mm_unpackhi_epi16(square, alp), factors), zero));
-      if (_mm_movemask_epi8(better) == 0) continue;
-      Zpp16s squares[8], alps[8];
+      auto passing = static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(better, zero)));
+      if (passing == 0) continue;
+      alignas(16) Zpp16s squares[8], alps[8];
       store(squares, square);
       store(alps, alp);
-      for (int j = 0; j < 8; ++j) {
-        if (!isBetter(squares[j], alps[j], bestSquare, best.energy)) continue;
+      for (; passing != 0; passing &= passing - 1) {
+        const int j = std::countr_zero(passing);
+        if (squares[j] * best.energy <= bestSquare * alps[j]) continue;
         bestSquare = squares[j];
         best = {static_cast<Zpp16s>(i), static_cast<Zpp16s>(8 * side + j), alps[j]};
       }
       factors = pairOf(best.energy, -bestSquare);
     }
   }
+  // With energies above 0 ratios can be put in order, so that what fails against a candidate fails against better ones too.
+  if (_mm_movemask_epi8(_mm_cmpgt_epi16(_mm_set1_epi16(1), least)) != 0)
+    return ownSearchPulsePair_AMRWB_16s_PX(target, track, corr, energy, gain, candidate);
   return best;
 }

@@ -26,17 +26,23 @@ struct PulsePair {
 
 }  // namespace zpp::amrwb
 
+// ownChooseSigns_AMRWB_16s: corr and sign of a target from its 64 correlations with the response to a pulse at each position,
+// in
+//   order of positions, and from the residual's target; weight: of the former, Q15. rank: of each position in its track, 0 the
+//   best.
 // ownPulseCorrelations_AMRWB_16s: energy and cross of a target whose signs are known, for a response of 64 samples.
 // ownPulseGains_AMRWB_16s: gain[16 k + i] = the correlation of the filtered code with the response to position i of track + k,
-//   k = 0 and 1, signed, plus that position's energy.
+//   k = 0 and 1, signed, plus that position's energy. exact: no partial sum of these correlations reaches 2^30.
 // ownSearchPulsePair_AMRWB_16s: of the pairs in track and the next one, that with the largest ratio of squared correlation to
 //   energy, the first of equals; positions 0 and energy 1 where none passes. corr, energy: of the pulses so far. candidate: not
 //   0 for the positions of the first track that take part.
 #define ZPP_AMRWB_FIXED_CODEBOOK_KERNELS(KERNEL)                                                                               \
+  KERNEL(ownChooseSigns_AMRWB_16s, W7,                                                                                         \
+         void(const Zpp32s* sums, const Zpp16s* residualTarget, Zpp16s weight, zpp::amrwb::PulseTarget* target, Zpp16s* rank)) \
   KERNEL(ownPulseCorrelations_AMRWB_16s, W7, void(const Zpp16s* impulse, zpp::amrwb::PulseTarget* target))                     \
-  KERNEL(                                                                                                                      \
-      ownPulseGains_AMRWB_16s, W7,                                                                                             \
-      void(const Zpp16s* impulse, const Zpp16s* filteredCode, const zpp::amrwb::PulseTarget* target, int track, Zpp16s* gain)) \
+  KERNEL(ownPulseGains_AMRWB_16s, W7,                                                                                          \
+         void(const Zpp16s* impulse, const Zpp16s* filteredCode, const zpp::amrwb::PulseTarget* target, int track,             \
+              Zpp16s* gain, bool exact))                                                                                       \
   KERNEL(ownSearchPulsePair_AMRWB_16s, W7,                                                                                     \
          zpp::amrwb::PulsePair(const zpp::amrwb::PulseTarget* target, int track, Zpp16s corr, Zpp16s energy,                   \
                                const Zpp16s* gain, const Zpp16s* candidate))

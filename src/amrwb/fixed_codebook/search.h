@@ -1,7 +1,8 @@
 // What the kernels of the codebook search share.
 #pragma once
 
-#include "core/fixed_point.h"
+#include "amrwb/arithmetic.h"
+#include "amrwb/fixed_codebook/kernels.h"
 
 namespace zpp::amrwb {
 
@@ -9,6 +10,21 @@ inline constexpr Zpp16s kPositive = 32767, kNegativeSign = -32768;  // signs as 
 
 // Element of PulseTarget's arrays for a position 0..63
 constexpr int placeOf(int position) { return 16 * (position % 4) + position / 4; }
+
+// Factors that bring the residual's and the backward-filtered target to unit energy before they choose the signs
+struct SignGains {
+  Zpp16s residual, corr;
+
+  // weight: of the backward-filtered target, Q15
+  SignGains(const Zpp16s* residualTarget, const Zpp16s* backward, Zpp16s weight)
+      : residual(gain(residualTarget, 5)), corr(mulRoundQ15(weight, gain(backward, 8))) {}
+
+ private:
+  static Zpp16s gain(const Zpp16s* x, int shift) {
+    const Floating inverse = inverseSqrt(energy12(x, kSubframe));
+    return roundHigh16(shlSat32(inverse.mantissa, inverse.exponent + shift));
+  }
+};
 
 // square / energy > bestSquare / bestEnergy
 constexpr bool isBetter(Zpp16s square, Zpp16s energy, Zpp16s bestSquare, Zpp16s bestEnergy) {
