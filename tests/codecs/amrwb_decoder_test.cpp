@@ -54,16 +54,16 @@ TEST(AmrWbDecoder, ReadsTheReceiveTypeFromThePayload) {
 // Long losses fade to the level of noise and recover with the first good frames.
 TEST(AmrWbDecoder, FadesInLongLossesAndRecovers) {
   Reception reception;
-  reception.receiveTypes.assign(120, 0);
-  std::fill_n(reception.receiveTypes.begin() + 40, 40, 2);
+  reception.receiveTypes.assign(320, 0);
+  std::fill_n(reception.receiveTypes.begin() + 170, 40, 2);
   const Samples samples = heard("errors_6600", reception);
   const auto power = [&](std::size_t frame) {
     double sum = 0;
     for (std::size_t n = 320 * frame; n < 320 * (frame + 10); ++n) sum += double(samples[n]) * samples[n];
     return sum;
   };
-  EXPECT_LT(power(70), power(30) / 100);
-  EXPECT_GT(power(100), power(70) * 10);
+  EXPECT_LT(power(200), power(160) / 1000);
+  EXPECT_GT(power(220), power(200) * 10);
 }
 
 // Whatever arrives, a frame comes out and the next good one is heard; octets of no payload change nothing.
