@@ -186,6 +186,11 @@ int codecs::unsentPayload(ZppcEncoder* encoder, Zpp8u* payload) {
   return row.unsent == nullptr ? 0 : row.unsent(objectIn(encoder, row), payload);
 }
 
+unsigned codecs::flagsOf(ZppcEncoder* encoder) {
+  const EncoderRow& row = rowIn(encoder).encoder;
+  return row.flags == nullptr ? 0 : row.flags(objectIn(encoder, row));
+}
+
 int zppcDecode(ZppcDecoder* decoder, const uint8_t* payload, int octets, int16_t* pcm, int capacity) {
   return decodeAs(decoder, -1, payload, octets, pcm, capacity);
 }

@@ -19,6 +19,7 @@ struct EncoderRow {
   int (*capacityFor)(const void* encoder, int samples);  // octets of these samples at most
   void (*setBitRate)(void* encoder, int bitRate);        // null: the rate stays
   int (*unsent)(const void* encoder, Zpp8u* payload);    // null: unknown
+  unsigned (*flags)(const void* encoder);                // of the last frame; null: the codec has none
 };
 
 struct DecoderRow {
@@ -48,6 +49,8 @@ int decodeAs(ZppcDecoder* decoder, int receiveType, const Zpp8u* payload, int oc
 // After a frame for which nothing was sent: the payload that would have been, where the standard's files hold it. Returns its
 // octets, 0 where the codec does not tell.
 int unsentPayload(ZppcEncoder* encoder, Zpp8u* payload);
+// What the standard's test files tell of the last frame beside its bits; 0 of codecs that have nothing to tell
+unsigned flagsOf(ZppcEncoder* encoder);
 
 // A codec of which a call takes any number of whole frames
 template <class Encoder>
@@ -84,6 +87,8 @@ constexpr EncoderRow encoderRow() {
     row.setBitRate = [](void* encoder, int bitRate) { static_cast<Encoder*>(encoder)->setBitRate(bitRate); };
   if constexpr (requires(const Encoder& e, Zpp8u* payload) { e.unsent(payload); })
     row.unsent = [](const void* encoder, Zpp8u* payload) { return static_cast<const Encoder*>(encoder)->unsent(payload); };
+  if constexpr (requires(const Encoder& e) { e.flags(); })
+    row.flags = [](const void* encoder) { return static_cast<const Encoder*>(encoder)->flags(); };
   return row;
 }
 

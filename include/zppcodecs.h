@@ -14,6 +14,12 @@
  *                           variant 1 in the most significant ones (AAL2-G726-16 ..., ITU-T I.366.2 Annex E)
  *   g722.1                  60 octets at 24 kbit/s, 80 at 32 kbit/s (RFC 5577)
  *   g729, g729a             10 octets of speech, 2 of a silence descriptor (RFC 3551)
+ *   gsm-fr                  33 octets, speech or silence descriptor: a signature of four bits, then the parameters (RFC 3551).
+ *                           In discontinuous transmission every frame has a payload; a link leaves out those of a pause
+ *                           behind the first descriptor, but for one in 24, and the decoder takes them as not sent
+ *   g729i                   8, 10 or 15 octets of speech at 6.4, 8 and 11.8 kbit/s (RFC 3551: G729D, G729, G729E), 2 of a
+ *                           silence descriptor
+ *   g729f, g729af           those of g729, g729a, in single precision
  *
  * In discontinuous transmission a frame for which nothing is sent has a payload of 0 octets.
  */

@@ -39,6 +39,8 @@ class Framing {
 
   // Appends what stands before the first frame.
   virtual void begin([[maybe_unused]] Bytes& stream) {}
+  // What the encoder tells of the payload that comes next, beside its octets (flagsOf in registry.h)
+  virtual void announce([[maybe_unused]] unsigned flags) {}
   // Appends a payload. samples: how many of its samples belong to the speech; below 0, all.
   virtual void append(std::span<const std::uint8_t> payload, int samples, Bytes& stream) = 0;
   // Whether the files hold the bits of a frame of which no more than this payload is sent
@@ -46,6 +48,8 @@ class Framing {
   // Appends a frame for which nothing is sent. payload: what the encoder would have sent, if it tells (unsentPayload in
   // registry.h)
   virtual void appendUnsent([[maybe_unused]] std::span<const std::uint8_t> payload, Bytes& stream) { append({}, -1, stream); }
+  // Whether the stream may end here; otherwise it needs another frame, of silence.
+  virtual bool mayEnd() const { return true; }
   // Appends what stands behind the last frame.
   virtual void end([[maybe_unused]] Bytes& stream) {}
 

@@ -74,6 +74,7 @@ void StreamEncoder::encode(std::span<const std::int16_t> frames, int count, Byte
   const int octets = zppcEncode(encoder_.get(), frames.data(), static_cast<int>(frames.size()), payload_.data(),
                                 static_cast<int>(payload_.size()));
   if (octets < 0) throw std::logic_error(zppcErrorText(octets));
+  framing_->announce(flagsOf(encoder_.get()));
   if (!sampleBased(codec_) && framing_->holdsUnsent(std::span(payload_).first(static_cast<std::size_t>(octets)))) {
     payload_.resize(static_cast<std::size_t>(unsentPayload(encoder_.get(), payload_.data())));
     return framing_->appendUnsent(payload_, stream);
@@ -98,6 +99,7 @@ void StreamEncoder::finish(Bytes& stream) {
     pending_.resize(frameOf(codec_));
     encode(pending_, static_cast<int>(rest), stream);
   }
+  while (!framing_->mayEnd()) encode(Samples(frameOf(codec_)), -1, stream);
   encode({}, 0, stream);
   pending_.clear();
   framing_->end(stream);

@@ -20,17 +20,20 @@ class PackedWords : public Framing {
 // be marked as lost, by another first word or a bit that is neither 0 nor 1.
 class SerialBits : public Framing {
  public:
+  // sizes: bits that a frame may have, the most first; those that do not fill their octets leave the lowest of the last unused
   explicit SerialBits(std::vector<int> sizes) : sizes_(std::move(sizes)) {}
   void append(std::span<const std::uint8_t> payload, int samples, Bytes& stream) override;
   std::optional<Frame> take(std::span<const std::uint8_t> stream, bool ended, bool single) override;
 
  private:
-  std::vector<int> sizes_;  // octets that a frame may have
+  std::vector<int> sizes_;
 };
 
 std::unique_ptr<Framing> packedWords(const Entry& entry, const ZppcOptions& options);
 std::unique_ptr<Framing> serialBits(const Entry& entry, const ZppcOptions& options);
 // Of codecs with discontinuous transmission: frames without bits are those for which nothing was sent.
 std::unique_ptr<Framing> serialBitsOrNone(const Entry& entry, const ZppcOptions& options);
+// Of G.729: the same, but 118 bits for 15 octets; silence descriptors may also come without their last bit.
+std::unique_ptr<Framing> serialBitsOfG729(const Entry& entry, const ZppcOptions& options);
 
 }  // namespace codecs::framing

@@ -44,6 +44,7 @@ FrameEncoder::Spectrum FrameEncoder::transform(std::span<const Zpp16s, kFrameSiz
   require(zppsDecomposeMLTToDCT_G722_16s(samples.data(), oldSamples_.data(), folded.data()));
   Spectrum spectrum;
   spectrum.shift = blockShift(folded);
+  // Shifted up, the largest magnitude stays below 2^28 / 9587: no bit is lost.
   if (spectrum.shift > 0) require(zppsLShiftC_16s_I(folded.data(), kFrameSize, spectrum.shift));
   if (spectrum.shift < 0) require(zppsRShiftC_16s_I(folded.data(), kFrameSize, -spectrum.shift));
   require(zppsDCTFwd_G722_16s(folded.data(), spectrum.coefficients.data()));

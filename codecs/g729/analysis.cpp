@@ -10,11 +10,11 @@ namespace codecs::g729 {
 
 const Filter& LevinsonDurbin::solve(const Zpp32s* autocorrelation, Zpp16s* energy) {
   Filter a;
-  std::array<Zpp16s, kOrder> reflection;
+  Reflection reflection;
   Zpp16s residual = 0;
   if (!warns(zppsLevinsonDurbin_G729_32s16s(autocorrelation, kOrder, a.data(), reflection.data(), &residual))) {
     filter_ = a;
-    reflection_ = {reflection[0], reflection[1]};
+    reflection_ = reflection;
     if (energy != nullptr) *energy = residual;
   }
   return filter_;

@@ -8,18 +8,20 @@ namespace codecs::g729 {
 inline constexpr int kWindowSize = 240;
 inline constexpr int kLags = 13;  // 0..12; Annex B looks at the last two
 
+using Reflection = std::array<Zpp16s, kOrder>;  // coefficients, Q15
+
 // The Levinson-Durbin recursion, and the filter that stands in where the recursion finds an unstable one: the last that was
 // stable.
 class LevinsonDurbin {
  public:
   // autocorrelation: lags 0..10, normalised; energy, where it is wanted: of the residual, kept when the filter is unstable
   const Filter& solve(const Zpp32s* autocorrelation, Zpp16s* energy = nullptr);
-  // Of the last filter: the first two reflection coefficients, Q15
-  const std::array<Zpp16s, 2>& reflection() const { return reflection_; }
+  // Of the last filter
+  const Reflection& reflection() const { return reflection_; }
 
  private:
   Filter filter_ = {4096};
-  std::array<Zpp16s, 2> reflection_{};
+  Reflection reflection_{};
 };
 
 struct Correlations {

@@ -17,11 +17,38 @@ Lsp AnnexAEncoder::toLsp(const Filter& a, const Lsp& previous) {
   return lsp;
 }
 
-void AnnexAEncoder::quantised(const SubframeFilters& filters) {
+Frame AnnexAEncoder::encode(const Zpp16s* samples) {
+  const Analysis analysis = analyse(samples);
+  lsp_ = analysis.lsp;
+  const bool voice = detectVoice(analysis);
+  if (dtx_) dtx_->accept(analysis.correlations, voice);
+
+  Frame frame;
+  if (voice) {
+    frame = {.type = FrameType::speech, .speech = encodeSpeech()};
+  } else {
+    const auto [sid, filters] = describeSilence();
+    if (sid) frame = {.type = FrameType::sid, .sid = *sid};
+    passSilence(filters);
+  }
+  shift();
+  return frame;
+}
+
+SpeechParameters AnnexAEncoder::encodeSpeech() {
+  SpeechParameters parameters;
+  Lsp quantisedLsp;
+  require(zppsLSPQuant_G729_16s(lsp_.data(), maMemory_.data(), quantisedLsp.data(), parameters.lsp.data()));
+  const SubframeFilters filters = filters_.moveTo(quantisedLsp);
   for (int s = 0; s < kSubframes; ++s) {
+    require(zppsResidualFilter_G729_16s(filters[s].data(), speech(s), excitation(s), kSubframeSize));
     synthesis_[s] = weight(filters[s], kGamma);
     weightSpeech(s, excitation(s));
   }
+  Zpp16s delay;
+  require(zppsOpenLoopPitchSearch_G729A_16s(weightedSpeech(0), &delay));
+  encodeSubframes(delay, parameters);
+  return parameters;
 }
 
 // For the open-loop search, with a low-pass tilt (clause A.3.3)
@@ -32,12 +59,6 @@ void AnnexAEncoder::weightSpeech(int subframe, const Zpp16s* residual) {
   require(zppsPreemphasize_G729A_16s(synthesis.data(), tilted.data(), kOrder + 1, kTilt, &memory));
   Zpp16s* const wsp = weightedSpeech(subframe);
   synthesise(tilted, residual, wsp, wsp - kOrder);
-}
-
-Zpp16s AnnexAEncoder::openLoopDelay() const {
-  Zpp16s delay;
-  require(zppsOpenLoopPitchSearch_G729A_16s(weightedSpeech(0), &delay));
-  return delay;
 }
 
 SearchTarget AnnexAEncoder::searchTarget(int subframe) {
@@ -62,18 +83,7 @@ Zpp16s AnnexAEncoder::filterAdaptiveVector(int subframe, const SearchTarget& sea
   return gain;
 }
 
-std::array<Zpp16s, 2> AnnexAEncoder::searchFixedCodebook(int, const Subframe& correlation, CorrelationMatrix& matrix,
-                                                         Subframe& code) {
-  std::array<Zpp16s, 2> codeword;
-  require(zppsFixedCodebookSearch_G729A_32s16s(correlation.data(), matrix.data(), code.data(), codeword.data()));
-  return codeword;
-}
-
-void AnnexAEncoder::coded(int, const SearchTarget& search, const Result& result) {
-  weightedErrorMemory_ = remainder(search, result);
-}
-
-void AnnexAEncoder::passedSilence(const SubframeFilters& filters) {
+void AnnexAEncoder::passSilence(const SubframeFilters& filters) {
   for (int s = 0; s < kSubframes; ++s) {
     synthesis_[s] = weight(filters[s], kGamma);
     Subframe residual;

@@ -10,26 +10,25 @@ namespace codecs::g729 {
 class AnnexAEncoder : public FrameEncoder<AnnexAEncoder> {
  public:
   explicit AnnexAEncoder(bool discontinuous) : FrameEncoder(discontinuous) {}
+  Frame encode(const Zpp16s* samples);
 
  private:
   friend FrameEncoder;
 
   static Lsp toLsp(const Filter& a, const Lsp& previous);
-  void analysed(const Filter&, const std::array<Zpp16s, 2>&, const Lsp&, const Lsp&) {}
-  void quantised(const SubframeFilters& filters);
-  Zpp16s openLoopDelay() const;
+  SpeechParameters encodeSpeech();
+  void passSilence(const SubframeFilters& filters);
+  void weightSpeech(int subframe, const Zpp16s* residual);
   SearchTarget searchTarget(int subframe);
   PitchDelay searchAdaptiveCodebook(int subframe, Zpp16s centre, const SearchTarget& search);
   Zpp16s filterAdaptiveVector(int subframe, const SearchTarget& search, Subframe& filtered);
-  std::array<Zpp16s, 2> searchFixedCodebook(int subframe, const Subframe& correlation, CorrelationMatrix& matrix,
-                                            Subframe& code);
-  void coded(int subframe, const SearchTarget& search, const Result& result);
-  void passedSilence(const SubframeFilters& filters);
-
-  void weightSpeech(int subframe, const Zpp16s* residual);
+  static FixedVector searchFixedCodebook(int, const FixedTarget& target, SpeechParameters::Subframe& parameters) {
+    return searchFourPulses(target, parameters, zppsFixedCodebookSearch_G729A_32s16s);
+  }
+  void coded(int, const SearchTarget& search, const Result& result) { weightedErrorMemory_ = remainder(search, result); }
 
   SubframeFilters synthesis_;  // 1/A(z/0.75) of the frame
-  FilterMemory weightedErrorMemory_{};
+  FilterMemory<> weightedErrorMemory_{};
 };
 
 }  // namespace codecs::g729

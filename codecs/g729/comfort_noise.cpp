@@ -138,7 +138,8 @@ void ComfortNoise::approach(Zpp16s sidGain, bool afterSpeech) {
 
 // An adaptive vector, noise, and pulses that bring them to the energy which the gain stands for; the noise and pulses alone
 // where there is more energy already
-void ComfortNoise::excite(Zpp16s* excitation, Taming* taming) {
+std::array<ComfortNoise::Gains, kSubframes> ComfortNoise::excite(Zpp16s* excitation, Taming* taming) {
+  std::array<Gains, kSubframes> gains;
   for (int s = 0; s < kSubframes; ++s, excitation += kSubframeSize) {
     const Drawn drawn = draw(random_);
     const Subframe noise = drawNoise(random_, gain_);
@@ -160,7 +161,9 @@ void ComfortNoise::excite(Zpp16s* excitation, Taming* taming) {
       sample = positive ? addSat16(sample, amplitude) : subSat16(sample, amplitude);
     }
     if (taming != nullptr) taming->update(pitchGain, drawn.delay[0]);
+    gains[s] = {pitchGain, absSat16(amplitude)};
   }
+  return gains;
 }
 
 }  // namespace codecs::g729

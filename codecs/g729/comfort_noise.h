@@ -26,8 +26,13 @@ class ComfortNoise {
   void restart() { random_ = RandomNumbers(kSeed); }
   // The gain of the next frame: that of the descriptor at once after speech, else gradually
   void approach(Zpp16s sidGain, bool afterSpeech);
-  // Fills a frame; the excitation of the past stands before the pointer. taming, of an encoder, is kept up to date.
-  void excite(Zpp16s* excitation, Taming* taming = nullptr);
+  // Fills a frame; the excitation of the past stands before the pointer. taming, of an encoder, is kept up to date. Returns
+  // what was drawn for each subframe.
+  struct Gains {
+    Zpp16s pitch;      // Q14
+    Zpp16s amplitude;  // of the pulses, a magnitude
+  };
+  std::array<Gains, kSubframes> excite(Zpp16s* excitation, Taming* taming = nullptr);
 
  private:
   static constexpr Zpp16s kSeed = 11111;

@@ -1,64 +1,54 @@
-// The frame decoder of ITU-T G.729 and Annex A, with the comfort noise of Annex B and the concealment of lost frames.
+// What the frame decoders of ITU-T G.729's main body, with the other rates, and of Annex A have in common: LSPs, delays,
+// pulses, silence, and the concealment that belongs to them.
 #pragma once
+
+#include <optional>
 
 #include "codecs/g729/comfort_noise.h"
 #include "codecs/g729/frame.h"
-#include "codecs/g729/postfilter.h"
 
 namespace codecs::g729 {
 
-// Postfilter: MainBodyPostfilter or AnnexAPostfilter, which tells the two decoders apart
-template <class Postfilter>
-class FrameDecoder {
+// Clauses 4.1.1 and 4.4.1
+class LspDecoder {
  public:
-  FrameDecoder();
-
-  void decode(const Frame& frame, std::span<Zpp16s, kFrameSize> samples);
-  // For a frame that has not arrived
-  void conceal(std::span<Zpp16s, kFrameSize> samples);
+  LspDecoder();
+  Lsp decode(const std::array<Zpp16s, 2>& code);
+  // The last ones again, for a lost frame
+  Lsp repeat();
+  // Of a silence descriptor
+  Lsp decode(const SidParameters& sid);
 
  private:
-  void play(const Frame& frame, bool lost, std::span<Zpp16s, kFrameSize> samples);
-  void decodeSpeech(const SpeechParameters& parameters, bool lost);
-  void decodeNoise(const SidParameters* sid);
-
-  Lsp decodeLsp(const std::array<Zpp16s, 2>& code, bool lost);
-  PitchDelay decodeDelay(const SpeechParameters& parameters, int subframe, bool lost);
-  void decodeSubframe(const SpeechParameters::Subframe& parameters, const PitchDelay& delay, int subframe, bool lost);
-  void synthesiseSubframe(int subframe);
-
-  Zpp16s* excitation(int subframe) { return excitation_.data() + kPastExcitation + kSubframeSize * subframe; }
-  Zpp16s* synthesis(int subframe) { return synthesis_.data() + kOrder + kSubframeSize * subframe; }
-
-  static constexpr bool kMainBody = std::is_same_v<Postfilter, MainBodyPostfilter>;
-
-  alignas(16) std::array<Zpp16s, kPastExcitation + kFrameSize> excitation_{};
-  alignas(16) std::array<Zpp16s, kOrder + kFrameSize> synthesis_{};
-  SubframeFilters filters_{};
-  std::array<Zpp16s, kSubframes> delays_{};  // of the frame, for the postfilter
-
-  // What is predicted from, or repeated in a lost frame
-  LspInterpolation interpolation_;
   MaMemory maMemory_;
   Zpp16s maMode_ = 0;
   Lsf lsf_;
-  Zpp16s lastDelay_ = 60;
-  GainMemory gainMemory_ = kInitialGainMemory;
-  std::array<Zpp16s, 2> gains_{};
-  Zpp16s sharpening_ = kLeastSharpening;
-  bool voiced_ = true;  // by the postfilter in the last frame
-  RandomNumbers random_{21845};
-
-  // Silence
-  FrameType lastType_ = FrameType::speech;
-  ComfortNoise noise_;
-  Zpp16s sidGain_;
-  Lsp sidLsp_ = {31441, 27566, 21458, 13612, 4663, -4663, -13612, -21458, -27566, -31441};
-  Zpp16s excitationEnergy_ = 0;  // of the last frame that arrived, energy * 2^exponent
-  int excitationExponent_ = 1;
-
-  Postfilter postfilter_;
-  HighPassFilter highPass_{HighPassFilter::Kind::output};
 };
+
+// Annex B
+class SilenceDecoder {
+ public:
+  SilenceDecoder();
+  // To be called in every frame of speech
+  void restart() { noise_.restart(); }
+  // To be called after every frame that has arrived, with its excitation
+  void remember(const Zpp16s* excitation);
+  // Fills the excitation of a frame. Without a descriptor the last one holds; if that was lost, the level follows the end of
+  // the speech.
+  std::array<ComfortNoise::Gains, kSubframes> play(const SidParameters* sid, bool afterSpeech, LspDecoder& decoder,
+                                                   Zpp16s* excitation);
+  // Of the last descriptor
+  const Lsp& lsp() const { return lsp_; }
+
+ private:
+  ComfortNoise noise_;
+  Zpp16s gain_;
+  Lsp lsp_ = {31441, 27566, 21458, 13612, 4663, -4663, -13612, -21458, -27566, -31441};
+  Zpp16s energy_ = 0;  // of the last frame that arrived, energy * 2^exponent
+  int exponent_ = 1;
+};
+
+// The code vector as the rate has it, Q13; at 11.8 kbit/s Q12 (clauses 4.1.4, D.5 and E.3.8)
+Subframe codeVector(const SpeechParameters::Subframe& parameters, Rate rate, bool backward);
 
 }  // namespace codecs::g729

@@ -52,18 +52,22 @@ void Dtx::pushSum() {
   sums_[0] = sum(frames_);
 }
 
-bool Dtx::take(const Correlations& correlations, const Lsp& lsp, Zpp16s reflection,
-               std::span<const Zpp16s, kWindowSize> speech) {
+bool Dtx::detect(const Correlations& correlations, const Lsp& lsp, Zpp16s reflection,
+                 std::span<const Zpp16s, kWindowSize> speech) {
   Lsf lsf;
   require(zppsLSPToLSF_Norm_G729_16s(lsp.data(), lsf.data()));
-  afterSpeech_ = std::exchange(speech_, vad_.take(correlations, lsf, reflection, speech));
+  return vad_.take(correlations, lsf, reflection, speech);
+}
+
+void Dtx::accept(const Correlations& correlations, bool speech) {
+  vad_.accept(speech);
+  afterSpeech_ = std::exchange(speech_, speech);
   if (speech_) noise_.restart();
 
   frames_[1] = frames_[0];
   frames_[0] = {correlations.original, -(16 + correlations.exponent)};
   secondOfPair_ = !secondOfPair_;
   if (secondOfPair_ && speech_) pushSum();
-  return speech_;
 }
 
 std::optional<SidParameters> Dtx::playSilence(Coder coder, Zpp16s* excitation) {
@@ -146,7 +150,7 @@ bool Dtx::Reference::differsFrom(const Autocorrelation& signal, Zpp16s energy, Z
     ++(shift == signalShift ? signalShift : shift);
     left = filtered(shift, signalShift);
   }
-  const Zpp16s limit = addSat16(mulRoundQ15(energy, margin), energy);
+  const Zpp32s limit = mulRoundQ15(energy, margin) + energy;  // up to 37620, beyond 16 bits
   return subSat32(*left, shlSat32(limit, exponent_ + 9 - shift - signalShift)) > 0;
 }
 

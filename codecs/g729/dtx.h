@@ -23,8 +23,11 @@ class Dtx {
     Lsp toLsp(const Filter& a) const { return convert(a, previous); }
   };
 
-  // Takes the next frame and returns whether it is to be coded as speech.
-  bool take(const Correlations& correlations, const Lsp& lsp, Zpp16s reflection, std::span<const Zpp16s, kWindowSize> speech);
+  // Whether the next frame is voice
+  bool detect(const Correlations& correlations, const Lsp& lsp, Zpp16s reflection, std::span<const Zpp16s, kWindowSize> speech);
+  // Whether it is coded as speech
+  void accept(const Correlations& correlations, bool speech);
+  const VoiceActivityDetector& detector() const { return vad_; }
   // For a frame that is not: fills the excitation, behind that of the past, and returns a descriptor if one is due.
   std::optional<SidParameters> playSilence(Coder coder, Zpp16s* excitation);
   // Of the last descriptor

@@ -13,6 +13,11 @@ MaMemory::MaMemory() {
     std::ranges::copy(flat, rows_.begin() + static_cast<std::ptrdiff_t>(row));
 }
 
+void MaMemory::push(const Lsf& codeVector) {
+  std::shift_right(rows_.begin(), rows_.end(), kOrder);
+  std::ranges::copy(codeVector, rows_.begin());
+}
+
 Lsp meanOf(const Lsp& a, const Lsp& b) {
   Lsp mean;
   require(zppsInterpolate_G729_16s(a.data(), b.data(), mean.data(), kOrder));
@@ -41,6 +46,22 @@ bool synthesise(const Filter& a, const Zpp16s* input, Zpp16s* output, const Zpp1
   return warns(zppsSynthesisFilter_NR_16s_Sfs(a.data(), input, output, kSubframeSize, 12, memory));
 }
 
+AnyFilter weight(const AnyFilter& filter, Zpp16s gamma) {
+  AnyFilter weighted;
+  weighted.order = filter.order;
+  require(zppsMulPowerC_NR_16s_Sfs(filter.a.data(), gamma, weighted.a.data(), filter.order + 1, 15));
+  return weighted;
+}
+
+void residual(const AnyFilter& filter, const Zpp16s* speech, Zpp16s* output) {
+  require(zppsResidualFilter_G729E_16s(filter.a.data(), filter.order, speech, output, kSubframeSize));
+}
+
+bool synthesise(const AnyFilter& filter, const Zpp16s* input, Zpp16s* output, const Zpp16s* past) {
+  return warns(zppsSynthesisFilter_G729E_16s(filter.a.data(), filter.order, input, output, kSubframeSize,
+                                             past == nullptr ? nullptr : past - filter.order));
+}
+
 HighPassFilter::HighPassFilter(Kind kind) : scaleFactor_(kind == Kind::input ? 12 : 13) {
   constexpr Zpp16s at140Hz[6] = {1899, -3798, 1899, 4096, 7807, -3733};
   constexpr Zpp16s at100Hz[6] = {7699, -15398, 7699, 8192, 15836, -7667};
@@ -50,8 +71,6 @@ HighPassFilter::HighPassFilter(Kind kind) : scaleFactor_(kind == Kind::input ? 1
 void HighPassFilter::filter(std::span<Zpp16s> signal) {
   require(zppsHighPassFilter_G729_16s_ISfs(signal.data(), static_cast<int>(signal.size()), scaleFactor_, state_.data()));
 }
-
-int earliestDelay(int firstDelay) { return std::clamp(firstDelay - 5, int{kShortestDelay}, kLongestDelay - 9); }
 
 std::array<int, 4> pulsePositions(Zpp16s positions) {
   const auto index = [positions](int k) { return positions >> (3 * k) & 7; };

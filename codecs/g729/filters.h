@@ -18,6 +18,20 @@ using Lsf = std::array<Zpp16s, kOrder>;         // frequencies, Q13 radians; "no
 using Filter = std::array<Zpp16s, kOrder + 1>;  // LP coefficients, Q12
 using SubframeFilters = std::array<Filter, kSubframes>;
 
+// Annex E: LP filters of order 30 from the past synthesis. Where they may stand in for one another, a filter tells its order,
+// and memories hold the past of the longer one.
+inline constexpr int kBackwardOrder = 30;
+using BackwardFilter = std::array<Zpp16s, kBackwardOrder + 1>;
+struct AnyFilter {
+  AnyFilter() = default;
+  AnyFilter(const Filter& forward) { std::copy(forward.begin(), forward.end(), a.begin()); }
+  AnyFilter(const BackwardFilter& backward) : order(kBackwardOrder), a(backward) {}
+
+  int order = kOrder;
+  BackwardFilter a{4096};  // zeros behind the order
+};
+using AnySubframeFilters = std::array<AnyFilter, kSubframes>;
+
 // The integer part and the fraction in thirds
 using PitchDelay = std::array<Zpp16s, 2>;
 inline constexpr Zpp16s kShortestDelay = 20, kLongestDelay = 143;
@@ -29,6 +43,7 @@ class MaMemory {
  public:
   MaMemory();
   Zpp16s* data() { return rows_.data(); }
+  void push(const Lsf& codeVector);
 
  private:
   std::array<Zpp16s, 4 * kOrder> rows_;
@@ -51,6 +66,7 @@ class LspInterpolation {
   // The filters of both subframes on the way to the next LSPs
   SubframeFilters moveTo(const Lsp& lsp);
   const Lsp& last() const { return lsp_; }
+  void set(const Lsp& lsp) { lsp_ = lsp; }
 
  private:
   Lsp lsp_ = kInitialLsp;
@@ -62,18 +78,25 @@ Filter weight(const Filter& a, Zpp16s gamma);
 // 1/A(z) of a subframe, memory being the kOrder outputs before it. True if an output was clamped.
 bool synthesise(const Filter& a, const Zpp16s* input, Zpp16s* output, const Zpp16s* memory);
 
+// The same three of filters of either order: A(z / gamma); A(z) over a subframe of speech and what stands before it; 1/A(z),
+// past being the end of the outputs before it, or null for silence
+AnyFilter weight(const AnyFilter& filter, Zpp16s gamma);
+void residual(const AnyFilter& filter, const Zpp16s* speech, Zpp16s* output);
+bool synthesise(const AnyFilter& filter, const Zpp16s* input, Zpp16s* output, const Zpp16s* past);
+
 // The memory that a subframe leaves to the next
-using FilterMemory = std::array<Zpp16s, kOrder>;
-template <std::size_t size>
-FilterMemory lastOf(const std::array<Zpp16s, size>& samples) {
-  FilterMemory last;
-  std::copy(samples.end() - kOrder, samples.end(), last.begin());
+template <int order = kOrder>
+using FilterMemory = std::array<Zpp16s, order>;
+template <int order = kOrder, std::size_t size>
+FilterMemory<order> lastOf(const std::array<Zpp16s, size>& samples) {
+  FilterMemory<order> last;
+  std::copy(samples.end() - order, samples.end(), last.begin());
   return last;
 }
 
 // Makes room for the next frame at the end of a buffer.
-template <std::size_t size>
-void shiftFrame(std::array<Zpp16s, size>& buffer) {
+template <class Sample, std::size_t size>
+void shiftFrame(std::array<Sample, size>& buffer) {
   std::copy(buffer.begin() + kFrameSize, buffer.end(), buffer.begin());
 }
 
@@ -88,9 +111,6 @@ class HighPassFilter {
   std::array<Zpp8u, 24> state_;
   int scaleFactor_;
 };
-
-// The earliest delay, of the ten, that the second subframe can name when the first has the given one (clause 3.7.2)
-int earliestDelay(int firstDelay);
 
 // The samples of the four pulses that a position word names (clause 3.8.2)
 std::array<int, 4> pulsePositions(Zpp16s positions);

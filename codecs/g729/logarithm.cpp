@@ -25,4 +25,11 @@ Logarithm log2Of(Zpp32s value) {
   return {static_cast<Zpp16s>(30 - shift), high16(logarithm)};
 }
 
+Zpp16s logEnergy(Zpp32s energy, int exponent) {
+  constexpr Zpp16s log10Of2 = 9864;  // Q15
+  const auto [integer, fraction] = log2Of(energy);
+  const Zpp32s level = macDbl(mulDbl32(fromHigh16(integer) + 2 * fraction, log10Of2), log10Of2, sat16(exponent - 2));
+  return subSat16(high16(shlSat32(level, 11)), 4875);
+}
+
 }  // namespace codecs::g729

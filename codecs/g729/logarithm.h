@@ -12,4 +12,7 @@ struct Logarithm {
 // Of a positive value; 0 and 0 for others
 Logarithm log2Of(Zpp32s value);
 
+// The level of the energy of a windowed frame, energy * 2^exponent: Q11, 10 dB as the unit; 4875 stands for the 240 samples.
+Zpp16s logEnergy(Zpp32s energy, int exponent);
+
 }  // namespace codecs::g729

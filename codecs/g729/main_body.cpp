@@ -23,7 +23,7 @@ Zpp16s logAreaRatio(Zpp16s reflection) {
 
 }  // namespace
 
-auto WeightingFactors::next(const std::array<Zpp16s, 2>& reflection, const std::array<Lsf, kSubframes>& lsf)
+auto WeightingFactors::next(const Reflection& reflection, const std::array<Lsf, kSubframes>& lsf)
     -> std::array<Factors, kSubframes> {
   const std::array<Zpp16s, 2> ratios = {logAreaRatio(reflection[0]), logAreaRatio(reflection[1])};
   const auto mean = [&](int i) { return static_cast<Zpp16s>((logAreaRatios_[i] + ratios[i]) >> 1); };
@@ -51,57 +51,170 @@ Lsp MainBodyEncoder::toLsp(const Filter& a, const Lsp& previous) {
   return lsp;
 }
 
+MainBodyEncoder::MainBodyEncoder(bool discontinuous, bool everyRate) : FrameEncoder(discontinuous) {
+  if (discontinuous && everyRate) music_.emplace();
+}
+
+Frame MainBodyEncoder::encode(const Zpp16s* samples, Rate rate) {
+  rate_ = rate;
+  const Analysis analysis = analyse(samples);
+  const bool voice = isVoice(analysis);
+  backward_ = false;
+
+  Frame frame;
+  if (voice) {
+    const Quantised quantised = quantise(analysis.lsp);
+    chooseFilters(analysis, quantised);
+    weightSpeech(analysis);
+    frame = {.type = FrameType::speech, .speech = encodeSpeech(quantised)};
+  } else {
+    mode_.pass();
+    synthesis_.shift();
+    weightSpeech(analysis);
+    if (const auto sid = encodeSilence()) frame = {.type = FrameType::sid, .sid = *sid};
+  }
+  afterBackward_ = backward_;
+  lsp_ = analysis.lsp;
+  shift();
+  return frame;
+}
+
+bool MainBodyEncoder::isVoice(const Analysis& analysis) {
+  if (!dtx_) return true;
+  bool voice = detectVoice(analysis);
+  const VoiceActivityDetector& detector = dtx_->detector();
+  if (music_) {
+    voice = music_->take({.energy = analysis.correlations.windowed[0],
+                          .exponent = analysis.correlations.exponent,
+                          .reflection = levinsonDurbin_.reflection(),
+                          .voice = voice,
+                          .voiceBefore = detector.accepted(),
+                          .level = detector.energy(),
+                          .frame = detector.frame(),
+                          .afterBackward = afterBackward_,
+                          .rate = rate_});
+  }
+  dtx_->accept(analysis.correlations, voice);
+  return voice;
+}
+
+// The predictor's memory moves once the frame is known to use the result.
+MainBodyEncoder::Quantised MainBodyEncoder::quantise(const Lsp& lsp) {
+  Quantised q;
+  require(zppsLSPQuant_G729E_16s(lsp.data(), maMemory_.data(), q.codeVector.data(), q.lsp.data(), q.code.data()));
+  const Filter last = toFilter(q.lsp);
+  q.filters = {afterBackward_ ? last : toFilter(meanOf(q.lsp, filters_.last())), last};
+  return q;
+}
+
+// The filters that the decoder will use
+void MainBodyEncoder::chooseFilters(const Analysis& analysis, const Quantised& quantised) {
+  if (rate_ == Rate::kbit12) {
+    const BackwardFilter newest = synthesis_.analyse();
+    const AnySubframeFilters interpolated = interpolation_.towards(newest);
+    backward_ = mode_.take({.speech = speech(0),
+                            .newest = newest,
+                            .backward = interpolated,
+                            .forward = quantised.filters,
+                            .previousLsp = lsp_,
+                            .lsp = analysis.lsp,
+                            .afterBackward = afterBackward_});
+    if (backward_) {
+      synthesisFilters_ = interpolated;
+      interpolation_.useBackward(interpolated);
+    }
+  } else {
+    mode_.pass();
+  }
+  synthesis_.shift();
+  if (backward_) return;
+  synthesisFilters_ = {quantised.filters[0], quantised.filters[1]};
+  interpolation_.useForward(quantised.filters);
+  filters_.set(quantised.lsp);
+  maMemory_.push(quantised.codeVector);
+}
+
 // The weighting filters and the weighted speech
-void MainBodyEncoder::analysed(const Filter& a, const std::array<Zpp16s, 2>& reflection, const Lsp& previous, const Lsp& lsp) {
-  const Lsp mean = meanOf(lsp, previous);
-  std::array<Lsf, kSubframes> lsf;
-  require(zppsLSPToLSF_Norm_G729_16s(mean.data(), lsf[0].data()));
-  require(zppsLSPToLSF_Norm_G729_16s(lsp.data(), lsf[1].data()));
-  const auto factors = weightingFactors_.next(reflection, lsf);
-  const SubframeFilters filters = {toFilter(mean), a};
+void MainBodyEncoder::weightSpeech(const Analysis& analysis) {
+  const Lsp mean = afterBackward_ ? analysis.lsp : meanOf(analysis.lsp, lsp_);
+  AnySubframeFilters filters = {toFilter(mean), analysis.a};
+  if (mode_.dominant()) filters = synthesisFilters_;
+  std::array<WeightingFactors::Factors, kSubframes> factors;
+  if (backward_) {
+    factors.fill({mode_.dominant() ? Zpp16s{32112} : Zpp16s{29491}, 13107});  // 0.98 or 0.9, 0.4
+  } else {
+    std::array<Lsf, kSubframes> lsf;
+    require(zppsLSPToLSF_Norm_G729_16s(mean.data(), lsf[0].data()));
+    require(zppsLSPToLSF_Norm_G729_16s(analysis.lsp.data(), lsf[1].data()));
+    factors = weightingFactors_.next(levinsonDurbin_.reflection(), lsf);
+  }
   for (int s = 0; s < kSubframes; ++s) {
     numerators_[s] = weight(filters[s], factors[s].gamma1);
     denominators_[s] = weight(filters[s], factors[s].gamma2);
-    Subframe residual;
-    require(zppsResidualFilter_G729_16s(numerators_[s].data(), speech(s), residual.data(), kSubframeSize));
+    Subframe rest;
+    residual(numerators_[s], speech(s), rest.data());
     Zpp16s* const wsp = weightedSpeech(s);
-    synthesise(denominators_[s], residual.data(), wsp, wsp - kOrder);
+    synthesise(denominators_[s], rest.data(), wsp, wsp);
   }
 }
 
-Zpp16s MainBodyEncoder::openLoopDelay() const {
+SpeechParameters MainBodyEncoder::encodeSpeech(const Quantised& quantised) {
+  SpeechParameters parameters{.rate = rate_, .backward = backward_, .lsp = quantised.code};
+  for (int s = 0; s < kSubframes; ++s) residual(synthesisFilters_[s], speech(s), excitation(s));
   Zpp16s delay;
   require(zppsOpenLoopPitchSearch_G729_16s(weightedSpeech(0), &delay));
-  return delay;
+  if (music_) music_->takeDelay(delay);
+  encodeSubframes(delay, parameters);
+  return parameters;
+}
+
+// What the decoder will play in silence, weighted like speech
+std::optional<SidParameters> MainBodyEncoder::encodeSilence() {
+  const auto [sid, filters] = describeSilence();
+  synthesisFilters_ = {filters[0], filters[1]};
+  interpolation_.useForward(filters);
+  for (int s = 0; s < kSubframes; ++s) {
+    if (music_) music_->takePitchGain(8192);  // 0.5
+    synthesiseLocally(s);
+    std::array<Zpp16s, kBackwardOrder + kSubframeSize> error;
+    std::ranges::copy(errorMemory_, error.begin());
+    require(zppsSub_16s(synthesis_.synthesis(s), speech(s), error.data() + kBackwardOrder, kSubframeSize));
+    errorMemory_ = lastOf<kBackwardOrder>(error);
+    weightedErrorMemory_ = lastOf<kBackwardOrder>(weightError(s, error.data() + kBackwardOrder));
+  }
+  return sid;
 }
 
 // W(z) of the difference between speech and synthesis
 Subframe MainBodyEncoder::weightError(int subframe, const Zpp16s* error) const {
-  Subframe residual, weighted;
-  require(zppsResidualFilter_G729_16s(numerators_[subframe].data(), error, residual.data(), kSubframeSize));
-  synthesise(denominators_[subframe], residual.data(), weighted.data(), weightedErrorMemory_.data());
+  Subframe rest, weighted;
+  residual(numerators_[subframe], error, rest.data());
+  synthesise(denominators_[subframe], rest.data(), weighted.data(), weightedErrorMemory_.end());
   return weighted;
 }
 
 SearchTarget MainBodyEncoder::searchTarget(int subframe) {
+  const AnyFilter& numerator = numerators_[subframe];
   SearchTarget search;
   Subframe impulse{}, response;
-  std::ranges::copy(numerators_[subframe], impulse.begin());
-  synthesise(synthesis_[subframe], impulse.data(), response.data(), nullptr);
+  std::copy_n(numerator.a.begin(), numerator.order + 1, impulse.begin());
+  synthesise(synthesisFilters_[subframe], impulse.data(), response.data(), nullptr);
   synthesise(denominators_[subframe], response.data(), search.impulse.data(), nullptr);
 
   // The LP residual, synthesised after the error of the past, is what the excitation should be compared with.
-  std::array<Zpp16s, kOrder + kSubframeSize> error;
+  std::array<Zpp16s, kBackwardOrder + kSubframeSize> error;
   std::ranges::copy(errorMemory_, error.begin());
-  synthesise(synthesis_[subframe], excitation(subframe), error.data() + kOrder, errorMemory_.data());
-  search.target = weightError(subframe, error.data() + kOrder);
+  synthesise(synthesisFilters_[subframe], excitation(subframe), error.data() + kBackwardOrder, errorMemory_.end());
+  search.target = weightError(subframe, error.data() + kBackwardOrder);
   return search;
 }
 
 PitchDelay MainBodyEncoder::searchAdaptiveCodebook(int subframe, Zpp16s centre, const SearchTarget& search) {
+  std::copy_n(excitation(subframe), kSubframeSize, residual_.begin());
   PitchDelay delay;
-  require(zppsAdaptiveCodebookSearch_G729_16s(centre, search.target.data(), search.impulse.data(),
-                                              excitation(subframe) - kPastExcitation, subframe, delay.data()));
+  const auto find = rate_ == Rate::kbit6 ? zppsAdaptiveCodebookSearch_G729D_16s : zppsAdaptiveCodebookSearch_G729_16s;
+  require(find(centre, search.target.data(), search.impulse.data(), excitation(subframe) - kPastExcitation, subframe,
+               delay.data()));
   return delay;
 }
 
@@ -112,39 +225,44 @@ Zpp16s MainBodyEncoder::filterAdaptiveVector(int subframe, const SearchTarget& s
   return gain;
 }
 
-std::array<Zpp16s, 2> MainBodyEncoder::searchFixedCodebook(int subframe, const Subframe& correlation, CorrelationMatrix& matrix,
-                                                           Subframe& code) {
-  std::array<Zpp16s, 2> codeword;
-  require(zppsFixedCodebookSearch_G729_32s16s(correlation.data(), matrix.data(), code.data(), codeword.data(), &searchBudget_,
-                                              static_cast<Zpp16s>(subframe)));
-  return codeword;
+FixedVector MainBodyEncoder::searchFixedCodebook(int subframe, const FixedTarget& target,
+                                                 SpeechParameters::Subframe& parameters) {
+  FixedVector vector;
+  if (rate_ == Rate::kbit6) {
+    Subframe correlation;
+    require(zppsCrossCorr_NormM_16s(target.rest.data(), target.impulse.data(), kSubframeSize, correlation.data()));
+    require(zppsFixedCodebookSearch_G729D_16s(correlation.data(), target.impulse.data(), vector.code.data(),
+                                              vector.filtered.data(), &parameters.signs, &parameters.positions));
+    return vector;
+  }
+  if (rate_ == Rate::kbit12) {
+    // What the adaptive codebook leaves of the LP residual
+    Subframe rest;
+    for (int n = 0; n < kSubframeSize; ++n)
+      rest[n] = subSat16(residual_[n], high16(shlSat32(mulDbl(excitation(subframe)[n], target.pitchGain), 1)));
+    require(zppsFixedCodebookSearch_G729E_16s(backward_, target.rest.data(), rest.data(), target.impulse.data(),
+                                              vector.code.data(), vector.filtered.data(), parameters.pulses.data()));
+    return vector;
+  }
+  return searchFourPulses(target, parameters, [&](const Zpp16s* correlation, Zpp32s* matrix, Zpp16s* code, Zpp16s* codeword) {
+    return zppsFixedCodebookSearch_G729_32s16s(correlation, matrix, code, codeword, &searchBudget_,
+                                               static_cast<Zpp16s>(subframe));
+  });
 }
 
 // What the decoder will synthesise
-Subframe MainBodyEncoder::synthesiseLocally(int subframe) {
-  Subframe synthesis;
-  synthesise(synthesis_[subframe], excitation(subframe), synthesis.data(), synthesisMemory_.data());
-  synthesisMemory_ = lastOf(synthesis);
-  return synthesis;
+void MainBodyEncoder::synthesiseLocally(int subframe) {
+  Zpp16s* const output = synthesis_.synthesis(subframe);
+  synthesise(synthesisFilters_[subframe], excitation(subframe), output, output);
 }
 
 void MainBodyEncoder::coded(int subframe, const SearchTarget& search, const Result& result) {
-  Subframe error = synthesiseLocally(subframe);
-  require(zppsSub_16s(error.data(), speech(subframe), error.data(), kSubframeSize));
-  errorMemory_ = lastOf(error);
-  weightedErrorMemory_ = remainder(search, result);
-}
-
-void MainBodyEncoder::passedSilence(const SubframeFilters& filters) {
-  synthesis_ = filters;
-  for (int s = 0; s < kSubframes; ++s) {
-    const Subframe synthesis = synthesiseLocally(s);
-    std::array<Zpp16s, kOrder + kSubframeSize> error;
-    std::ranges::copy(errorMemory_, error.begin());
-    require(zppsSub_16s(synthesis.data(), speech(s), error.data() + kOrder, kSubframeSize));
-    errorMemory_ = lastOf(error);
-    weightedErrorMemory_ = lastOf(weightError(s, error.data() + kOrder));
-  }
+  if (music_) music_->takePitchGain(result.pitchGain);
+  synthesiseLocally(subframe);
+  Subframe error;
+  require(zppsSub_16s(synthesis_.synthesis(subframe), speech(subframe), error.data(), kSubframeSize));
+  errorMemory_ = lastOf<kBackwardOrder>(error);
+  weightedErrorMemory_ = remainder<kBackwardOrder>(search, result);
 }
 
 }  // namespace codecs::g729

@@ -1,7 +1,6 @@
 #include "codecs/g729/vad.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "codecs/fixed_point.h"
 #include "codecs/g729/logarithm.h"
@@ -17,14 +16,6 @@ constexpr int kMinimumFrames = 128;  // before the lowest energy counts
 constexpr Zpp16s dB(double value) { return static_cast<Zpp16s>(value * 204.8 + 0.5); }
 constexpr Zpp16s kQuiet = dB(15);  // below it there is no voice
 constexpr Zpp16s kMargin = dB(3);  // within it a frame is like another
-
-// The level of the energy of a windowed frame, energy * 2^exponent; 4875 stands for the 240 samples.
-Zpp16s logEnergy(Zpp32s energy, int exponent) {
-  constexpr Zpp16s log10Of2 = 9864;  // Q15
-  const auto [integer, fraction] = log2Of(energy);
-  const Zpp32s level = macDbl(mulDbl32(fromHigh16(integer) + 2 * fraction, log10Of2), log10Of2, sat16(exponent - 2));
-  return subSat16(high16(shlSat32(level, 11)), 4875);
-}
 
 struct Difference {
   Zpp16s energy, lowBandEnergy, zeroCrossings;  // background less frame
@@ -198,7 +189,6 @@ bool VoiceActivityDetector::take(const Correlations& correlations, const Lsf& ls
     trackBackground(features, lsf, reflection);
   }
   lastEnergy_ = features.energy;
-  voiceBefore_ = std::exchange(voice_, voice);
   return voice;
 }
 

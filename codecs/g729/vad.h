@@ -2,6 +2,8 @@
 // decision by 14 planes in their space, smoothing over time, and the tracking of the background.
 #pragma once
 
+#include <utility>
+
 #include "codecs/g729/analysis.h"
 
 namespace codecs::g729 {
@@ -11,6 +13,12 @@ class VoiceActivityDetector {
   // Takes the next frame and returns whether it is voice. lsf: normalised; reflection: the second coefficient; speech: what the
   // LP window saw
   bool take(const Correlations& correlations, const Lsf& lsf, Zpp16s reflection, std::span<const Zpp16s, kWindowSize> speech);
+  // What the frame is coded as, from which the next decisions follow: to be called after take
+  void accept(bool voice) { voiceBefore_ = std::exchange(voice_, voice); }
+
+  int frame() const { return frame_; }           // number of the last frame
+  bool accepted() const { return voice_; }       // the last decision that was accepted
+  Zpp16s energy() const { return lastEnergy_; }  // of the last frame, Q11, a unit being 10 dB
 
  private:
   struct Features {
@@ -26,7 +34,7 @@ class VoiceActivityDetector {
   void trackBackground(const Features& features, const Lsf& lsf, Zpp16s reflection);
   bool isLikeBackground(Zpp16s energy) const;
 
-  int frame_ = 0;                           // counts from 1
+  int frame_ = 0;                           // counts from 1, after 32767 from 256
   bool voice_ = true, voiceBefore_ = true;  // the decisions on the last two frames
   Zpp16s lastEnergy_ = 0;
 

@@ -76,6 +76,187 @@ ZPPAPI ZppStatus _zppsExcitationDelay_G723_16s(const Zpp16s* history, Zpp16s* wo
 /* dst[n] (60) = the sum of taps[k] * work[n + k], k = 0..4, taps Q14, rounded and saturated. work: 64. Returns zppStsOk. */
 ZPPAPI ZppStatus _zppsAdaptiveCodebookDecode_G723_16s(const Zpp16s* taps, const Zpp16s* work, Zpp16s* dst);
 
+/* ---- G.723.1: excitation, filters, Annex A ---------------------------------------------------------------------------------
+ *
+ * Memories belong to the caller; those of filters hold the newest sample first. A buffer that is only read must not overlap one
+ * that is written. "Block-scaled" is zppsAutoScale_16s over the whole vector, then zppsRShiftC_16s_I by 3. Sums of products are
+ * doubled and limited to 32 bits at every step, in time order, as the standard's basic operators do.
+ *
+ * lag: 18..141, one for two subframes; offset: 0..3; the delay of a subframe is lag + offset - 1.
+ * weighting: 20 coefficients, the ten of the numerator (zeros) first, then the ten of the denominator (poles), Q13.
+ * codeword: the five words of a subframe's fixed codebook, which are
+ *
+ *   gain level   0..23
+ *   grid         0..1
+ *   pulse train  0..1, 0 at 5.3 kbit/s
+ *   positions    at 6.3 kbit/s the number of the combination, at 5.3 kbit/s 12 bits
+ *   signs        6, 5, 6, 5 bits in the four subframes, at 5.3 kbit/s 4 bits
+ */
+
+/* High-pass filter (1 - z^-1) / (1 - 127/128 z^-1) at half the level.
+ * srcDst: len samples. memory: the last input, the last output with 16 bits behind the point; 0 at first.
+ * Status: zppStsNullPointer; zppStsBadSize for a len below 1. Clause 2.3. */
+ZPPAPI ZppStatus zppsHighPassFilter_G723_16s_I(Zpp16s* srcDst, Zpp32s* memory, int len);
+
+/* Coefficients of the formant weighting of a subframe, A(z/0.9) over A(z/0.5). lpc: 10, unquantised. Clause 2.8. */
+ZPPAPI ZppStatus zppsWeightingLPC_G723_16s(const Zpp16s* lpc, Zpp16s* weighting);
+
+/* Formant weighting of a subframe. srcDst: 60. memory: ten inputs, ten outputs; 0 at first. Clause 2.8. */
+ZPPAPI ZppStatus zppsWeightingFilter_G723_16s_I(const Zpp16s* weighting, Zpp16s* srcDst, Zpp16s* memory);
+
+/* Open-loop lag of a half frame of weighted speech: the largest normalised correlation, longer lags at a handicap of 1.25 dB.
+ * src: the first of 120 block-scaled samples, of which src[-142..119] are read. *lag: 18..142. Clause 2.9. */
+ZPPAPI ZppStatus zppsOpenLoopPitchSearch_G723_16s(const Zpp16s* src, Zpp16s* lag);
+
+/* Harmonic noise shaping filter of a subframe. src: the first of 60 block-scaled samples, of which src[-145..59] are read.
+ * openLoopLag: 18..142. *lag: openLoopLag - 3 to openLoopLag + 3. *gain: 0..10240, Q15.
+ * Status: zppStsNullPointer; zppStsBadArgument for openLoopLag. Clause 2.11. */
+ZPPAPI ZppStatus zppsHarmonicSearch_G723_16s(const Zpp16s* src, Zpp16s* lag, Zpp16s* gain, Zpp16s openLoopLag);
+
+/* dst[n] = src[n] - gain * src[n - lag], n = 0..59. src: weighted speech, not scaled, src[-lag..59] are read. lag: 1..145.
+ * Status: zppStsNullPointer; zppStsBadArgument for lag. Clause 2.11. */
+ZPPAPI ZppStatus zppsHarmonicNoiseShaping_G723_16s(const Zpp16s* src, Zpp16s* dst, Zpp16s lag, Zpp16s gain);
+
+/* Filters of the four subframes from the LSF of two frames. prevLsf, lsf: 10; lpc: 40, subframe by subframe. Clause 2.7. */
+ZPPAPI ZppStatus zppsLSFInterpolation_G723_16s(const Zpp16s* prevLsf, const Zpp16s* lsf, Zpp16s* lpc);
+
+/* Impulse response (60, Q13) of synthesis, formant weighting and harmonic noise shaping.
+ * lpc: 10, quantised. lag: 1..145; gain: Q15. Status: zppStsNullPointer; zppStsBadArgument for lag. Clause 2.12. */
+ZPPAPI ZppStatus zppsImpulseResponse_G723_16s(const Zpp16s* lpc, const Zpp16s* weighting, Zpp16s* impulse, Zpp16s lag,
+                                              Zpp16s gain);
+
+/* Subtracts what the same filters still ring with.
+ * history: the last 145 samples behind the weighting, oldest first. memory: ten samples behind the synthesis, ten behind the
+ * weighting. srcDst: 60, weighted and shaped speech in, target of the searches out.
+ * Status: zppStsNullPointer; zppStsBadArgument for a lag outside 1..145. Clause 2.13. */
+ZPPAPI ZppStatus zppsRingingSubtraction_G723_16s_I(const Zpp16s* lpc, const Zpp16s* weighting, const Zpp16s* history,
+                                                   const Zpp16s* memory, Zpp16s* srcDst, Zpp16s lag, Zpp16s gain);
+
+/* Runs the same filters on with the excitation of a subframe (60). history (145), memory (20): in and out; 0 at first.
+ * Clause 2.19. */
+ZPPAPI ZppStatus zppsRingingUpdate_G723_16s_I(const Zpp16s* lpc, const Zpp16s* weighting, const Zpp16s* excitation,
+                                              Zpp16s* history, Zpp16s* memory);
+
+/* Closed-loop search of delay and gain row of the adaptive codebook.
+ * target, impulse: 60. history: the last 145 samples of excitation, oldest first. taming: 5, see zppsTamingUpdate_G723_32s_I.
+ * *lag: in even subframes the open-loop lag (18..142) in, in odd ones the lag of the subframe before (18..141); 18..141 out.
+ * *offset, *gainIndex: as zppsDecodeAdaptiveVector_G723_16s takes them. sineDetector: below 0 where the input is a sine.
+ * Status: zppStsNullPointer; zppStsOutOfRange for a subframe outside 0..3 and for the rate; zppStsBadArgument for *lag.
+ * Clause 2.14. */
+ZPPAPI ZppStatus zppsAdaptiveCodebookSearch_G723(const Zpp16s* target, const Zpp16s* impulse, const Zpp16s* history,
+                                                 const Zpp32s* taming, Zpp16s* lag, Zpp16s* offset, Zpp16s* gainIndex,
+                                                 Zpp16s sineDetector, int subframe, ZppSpeechRate rate);
+
+/* Takes the filtered adaptive vector off the target. vector: of zppsDecodeAdaptiveVector_G723_16s; all 60. Clause 2.14. */
+ZPPAPI ZppStatus zppsTargetUpdate_G723_16s_I(const Zpp16s* vector, const Zpp16s* impulse, Zpp16s* target);
+
+/* Follows how an error in the decoder's excitation would grow.
+ * taming: estimates for 5 zones of 30 samples of past excitation, newest first; in and out; each 4 at first.
+ * Status: zppStsNullPointer; zppStsOutOfRange for the rate; zppStsBadCodedParam for a lag outside 18..143, an offset outside
+ *   0..3, lag + offset above 146, a gainIndex outside 0..169 (0..84 with ZPP_RATE_6300 and a lag below 58). Clause 2.14. */
+ZPPAPI ZppStatus zppsTamingUpdate_G723_32s_I(Zpp32s* taming, Zpp16s lag, Zpp16s offset, Zpp16s gainIndex, ZppSpeechRate rate);
+
+/* zppsDecodeAdaptiveVector_G723_16s without checks and codebook. taps: 5, Q14; history: 145; dst: 60; delay: 1..145.
+ * Returns zppStsOk. */
+ZPPAPI ZppStatus _zppsPitchPredictor_G723_16s(const Zpp16s* taps, const Zpp16s* history, Zpp16s* dst, int delay);
+
+/* Multipulse search of 6.3 kbit/s (MP-MLQ). target, impulse: 60. codeword: all zero when no choice of pulses is of any use.
+ * Status: zppStsNullPointer; zppStsOutOfRange for a subframe outside 0..3; zppStsBadCodedParam for lag. Clause 2.15. */
+ZPPAPI ZppStatus zppsMultiPulseSearch_G723_16s32s(const Zpp16s* target, const Zpp16s* impulse, Zpp32s* codeword, Zpp16s lag,
+                                                  int subframe);
+
+/* Algebraic search of 5.3 kbit/s (ACELP). target, impulse: 60. filteredCode: 60, the pulses behind the response, for
+ * zppsGainQuant_G723_16s. codeword: its first word is left alone.
+ * *searchTime: what the subframes before have left over, in and out: 120 at the start of every frame; 0..32000.
+ * lag, offset, gainIndex: of the adaptive codebook, from which the pitch contribution follows.
+ * Status: zppStsNullPointer; zppStsBadCodedParam for lag, offset (0..3), gainIndex (0..169); zppStsBadArgument for *searchTime.
+ * Clause 2.16. */
+ZPPAPI ZppStatus zppsAlgebraicCodebookSearch_G723_16s32s(const Zpp16s* target, const Zpp16s* impulse, Zpp16s* filteredCode,
+                                                         Zpp32s* codeword, Zpp16s* searchTime, Zpp16s lag, Zpp16s offset,
+                                                         Zpp16s gainIndex);
+
+/* Gain level (0..23) of the algebraic codebook. target, filteredCode: 60.
+ * Status: zppStsNullPointer; zppStsBadArgument for a filteredCode that is zero after its shift to the right by 3. Clause 2.16.
+ */
+ZPPAPI ZppStatus zppsGainQuant_G723_16s(const Zpp16s* target, const Zpp16s* filteredCode, Zpp16s* level);
+
+/* Fixed-codebook vector (60) of either rate, with pulse train or pitch contribution.
+ * A number of a combination that does not exist gives zeros; of the signs the low bits count.
+ * Status: zppStsNullPointer; zppStsOutOfRange for a subframe outside 0..3 and for the rate; zppStsBadCodedParam for a gain
+ *   level, grid or train outside its range, positions below 0 (5.3 kbit/s: or above 4095), lag, offset (0..3) or gainIndex
+ *   (0..169). Clause 2.17. */
+ZPPAPI ZppStatus zppsFixedCodebookDecode_G723_32s16s(const Zpp32s* codeword, Zpp16s* dst, Zpp16s lag, Zpp16s offset,
+                                                     Zpp16s gainIndex, int subframe, ZppSpeechRate rate);
+
+/* Class of a good frame's excitation. src: 385 block-scaled samples, 145 of the past and the frame's 240.
+ * lag: of the frame's second half. *period: 0 for unvoiced, else 15..145. *energy: for the comfort noise that may follow.
+ * Status: zppStsNullPointer; zppStsBadCodedParam for lag. Clause 3.10. */
+ZPPAPI ZppStatus zppsVoicingDecision_G723_16s(const Zpp16s* src, Zpp16s* period, Zpp16s* energy, Zpp16s lag);
+
+/* Excitation (240) of a lost frame: the last period repeated, or noise. history: 145, in and out.
+ * *seed: in and out; 0 at first. gain: of the noise. lossCount: 1 and 2 regenerate, 3 mutes.
+ * Status: zppStsNullPointer; zppStsBadArgument for a period outside 0..145 or a lossCount outside 1..3. Clause 3.10. */
+ZPPAPI ZppStatus zppsResidualInterpolation_G723_16s(Zpp16s* history, Zpp16s* seed, Zpp16s* dst, Zpp16s period, Zpp16s gain,
+                                                    int lossCount);
+
+/* Pitch postfilter of a subframe. src: the frame's 385 block-scaled samples of excitation, as above.
+ * *filterLag: below 0 backward, above 0 forward, 0 none. *gain, *scale: Q15.
+ * Status: zppStsNullPointer; zppStsOutOfRange for a subframe outside 0..3 and for the rate; zppStsBadCodedParam for lag.
+ * Clause 3.6. */
+ZPPAPI ZppStatus zppsPitchPostFilterSearch_G723_16s(const Zpp16s* src, Zpp16s* filterLag, Zpp16s* gain, Zpp16s* scale,
+                                                    Zpp16s lag, int subframe, ZppSpeechRate rate);
+
+/* dst[n] = scale * src[n] + gain * src[n + filterLag], n = 0..59. src: the excitation, not scaled. filterLag: -145..145.
+ * A gain of 0 with a scale of 32767 still changes loud samples. Status: zppStsNullPointer; zppStsBadArgument for filterLag.
+ * Clause 3.6. */
+ZPPAPI ZppStatus zppsPitchPostFilter_G723_16s(const Zpp16s* src, Zpp16s* dst, Zpp16s filterLag, Zpp16s gain, Zpp16s scale);
+
+/* LP synthesis of a subframe at half the level. lpc: 10. srcDst: 60. memory: 10; 0 at first. Clause 3.7. */
+ZPPAPI ZppStatus zppsSynthesisFilter_G723_16s_I(const Zpp16s* lpc, Zpp16s* srcDst, Zpp16s* memory);
+
+/* Formant postfilter with tilt compensation. lpc: 10. srcDst: 60. memory: ten inputs, ten outputs; 0 at first.
+ * *tilt: smoothed first reflection coefficient, Q15; in and out; 0 at first. *energy: of the input. Clause 3.8. */
+ZPPAPI ZppStatus zppsFormantPostFilter_G723_16s_I(const Zpp16s* lpc, Zpp16s* srcDst, Zpp16s* memory, Zpp16s* tilt,
+                                                  Zpp32s* energy);
+
+/* Brings srcDst (60) to the energy of the function above, smoothly, and to full level. *gain: Q12; in and out; 4096 at first.
+ * Status: zppStsNullPointer; zppStsBadArgument for an energy below 0. Clause 3.9. */
+ZPPAPI ZppStatus zppsGainControl_G723_16s_I(Zpp16s* srcDst, Zpp16s* gain, Zpp32s energy);
+
+/* Voice activity detection. src: the frame's 240 new samples behind the high-pass filter. lags: the open-loop lags of the two
+ * frames before, oldest first (1, 1, 60, 60 at first). noiseLpc: 10 (0 at first). sineDetector: below 0 where the input is a
+ * sine. levels: energy of the last frame, noise level; 1024, 1024 at first. counters: hangover, activity, adaptation; 3, 0, 0
+ * at first. All in and out. *vad: 0 or 1. Clause A.2. */
+ZPPAPI ZppStatus zppsVAD_G723_16s(const Zpp16s* src, const Zpp16s* lags, const Zpp16s* noiseLpc, Zpp32s* levels,
+                                  Zpp16s* counters, Zpp16s* vad, Zpp16s sineDetector);
+
+/* Sum of count (1..4) autocorrelations of 11 lags with their exponents (zppsAutoCorr_G723_16s), renormalised.
+ * Status: zppStsNullPointer; zppStsBadSize for count. Clause A.4. */
+ZPPAPI ZppStatus zppsAutoCorrSum_G723_16s(const Zpp16s* autocorr, const Zpp16s* exponents, Zpp16s* dst, Zpp16s* exponent,
+                                          int count);
+
+/* Autocorrelation (11 lags, those above 0 doubled) of the coefficients of A(z), and its left shift. lpc: 10. Clause A.4. */
+ZPPAPI ZppStatus zppsLPCAutoCorr_G723_16s(const Zpp16s* lpc, Zpp16s* dst, Zpp16s* shift);
+
+/* Itakura test: *similar = 1 when the filter of lpcAutoCorr and shift fits a signal, else 0. autocorr: 11 lags of the signal.
+ * energy: its residual energy behind its own filter (zppsLevinsonDurbin_G723_16s). Clause A.4. */
+ZPPAPI ZppStatus zppsLPCSimilarity_G723_16s(const Zpp16s* lpcAutoCorr, const Zpp16s* autocorr, Zpp16s* similar, Zpp16s shift,
+                                            Zpp16s energy);
+
+/* Index (0..63) of the comfort-noise gain. count 1..3: residual energies of as many frames with their exponents; count 0:
+ * energy of zppsVoicingDecision_G723_16s and the shift of its block-scaled samples. Status: zppStsNullPointer;
+ * zppStsBadArgument for count. Clause A.4. */
+ZPPAPI ZppStatus zppsSIDGainQuant_G723_16s(const Zpp16s* energies, const Zpp16s* exponents, Zpp16s* index, int count);
+
+/* Gain of an index 0..63. Status: zppStsNullPointer; zppStsBadCodedParam for index. Clause A.4. */
+ZPPAPI ZppStatus zppsSIDGainDecode_G723_16s(Zpp16s index, Zpp16s* gain);
+
+/* Comfort-noise excitation of a frame. history: 145, in and out. *seed: in and out; 12345 at the start of every pause.
+ * dst: 240. lags: 2, gainIndices: 4, out: what zppsTamingUpdate_G723_32s_I needs; the offsets are 1, 0, 1, 3. gain: 0..16383.
+ * Status: zppStsNullPointer; zppStsBadArgument for gain. Clause A.4. */
+ZPPAPI ZppStatus zppsComfortNoise_G723_16s(Zpp16s* history, Zpp16s* seed, Zpp16s* dst, Zpp16s* lags, Zpp16s* gainIndices,
+                                           Zpp16s gain);
+
 #ifdef __cplusplus
 }
 #endif

@@ -86,6 +86,11 @@ ZPPAPI ZppStatus zppsLevinsonDurbin_G729_32f(const Zpp32f* autoCorr, int order, 
  * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len below 1; zppStsOutOfRange for len above 12. */
 ZPPAPI ZppStatus zppsLagWindow_G729_32s_I(Zpp32s* autoCorr, int len);
 
+/* Lag window of the backward analysis, in place (Annex E): then all lags are raised by one and normalised together by the shift
+ * of lag 0; other lags saturate. srcDst: 31 values, lag 0 first, in: as zppsWinHybrid_G729E_16s32s gives them, srcDst[0] of 0
+ * or more; out: srcDst[0] of 2^30 or more, fit for zppsLevinsonDurbin_G729_32s16s with order 30. */
+ZPPAPI ZppStatus zppsLagWindow_G729E_32s_I(Zpp32s* srcDst);
+
 /* LP coefficients to LSPs by a search of sign changes (clause 3.2.3): over 60 intervals, each halved four times; G729A: 50
  * intervals, halved twice. a: 11; prevLsp: 10; lsp: 10, out. When fewer than ten roots are found, lsp = prevLsp, also with
  * zppStsOk. a[0] is not read. */
@@ -371,6 +376,10 @@ ZPPAPI ZppStatus zppsDecodeGain_G729_16s(Zpp32s energy, Zpp16s* memory, const Zp
  * attenuation: Q15, multiplies both gains when index is null. */
 ZPPAPI ZppStatus zppsDecodeGain_G729I_16s(Zpp32s energy, Zpp16s attenuation, Zpp16s* memory, const Zpp16s* index, Zpp16s* gain);
 
+/* As the standard's decoders do at 6.4 kbit/s (Annexes D and I): the code gain saturates, and without indices the gains fade by
+ * 0.9 and 0.98 as at 8 kbit/s. index: 2, of which the low three bits count, or null. Status as at 8 kbit/s. */
+ZPPAPI ZppStatus zppsDecodeGain_G729D_16s(Zpp32s energy, Zpp16s* memory, const Zpp16s* index, Zpp16s* gain);
+
 /* Quantises the gain pair of a subframe at 8 kbit/s (ITU-T G.729 clause 3.9): writes index and gain, updates the memory.
  * target: 40; adaptive: 40, filtered adaptive vector; code: 40, code vector Q13; filtered: 40, filtered code vector Q12.
  * taming: 1 when the pitch gain must stay below 1 (clause 3.7.3: or the synthesis filter may be unstable after losses), else 0.
@@ -411,6 +420,12 @@ ZPPAPI ZppStatus zppsGainCodebookSearch_G729D_32f(const Zpp32f* target, const Zp
  * Status: zppStsOk; zppStsNullPointer; zppStsOutOfRange for the delay, then for the gain factor. */
 ZPPAPI ZppStatus zppsLongTermPostFilter_G729_16s(Zpp16s gainFactor, int delay, const Zpp16s* residual, Zpp16s* dst,
                                                  Zpp16s* delayOut);
+
+/* The same with one more delay, for a lost frame that repeats the 143 2/3 of the frame before (Annexes D to I and the main
+ * body). delay: 18..144. residual: 40 samples and 153 before the pointer, of which the first is read for a delay of 144 only.
+ * delayOut: 146 at most. */
+ZPPAPI ZppStatus zppsLongTermPostFilter_G729I_16s(Zpp16s gainFactor, int delay, const Zpp16s* residual, Zpp16s* dst,
+                                                  Zpp16s* delayOut);
 
 /* Residual and harmonic postfilter (ITU-T G.729 clause A.4.2.1).
  * delay: 18..145, integer pitch delay of the subframe. speech: 40 samples of the synthesis and 10 before the pointer.

@@ -70,6 +70,10 @@ ZPPAPI ZppStatus zppsSynthesisFilter_G729_16s(const Zpp16s* coef, const Zpp16s* 
  * len below 1. Source: ITU-T G.729 clause 3.3. */
 ZPPAPI ZppStatus zppsResidualFilter_G729_16s(const Zpp16s* coef, const Zpp16s* src, Zpp16s* dst, int len);
 
+/* The same with coef[0..order] and the `order` samples before src (ITU-T G.729 Annex E: order 30). The sum is exact.
+ * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len, then for order, below 1. */
+ZPPAPI ZppStatus zppsResidualFilter_G729E_16s(const Zpp16s* coef, int order, const Zpp16s* src, Zpp16s* dst, int len);
+
 /* Harmonic sharpening: srcDst[n] = sat16(srcDst[n] + min((gain * srcDst[n - lag]) >> 15, 32767)), n ascending, so that changed
  * samples feed later ones. gain: Q15; srcDst: len samples, and the lag samples before them are read.
  * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len below 1; zppStsOutOfRange for a lag below 1.

@@ -4,6 +4,7 @@
 #include "core/variants.h"
 
 // Element-wise kernels accept a destination that is one of their sources. Shift counts and scale factors have been checked.
+// ownLShiftC_16s drops the upper bits, ownLShiftCSat_16s (shift 0..15) saturates.
 #define ZPP_CORE_KERNELS(KERNEL)                                                                                     \
   KERNEL(ownSet_16s, W7, void(Zpp16s value, Zpp16s * dst, int len))                                                  \
   KERNEL(ownSet_32s, W7, void(Zpp32s value, Zpp32s * dst, int len))                                                  \
@@ -15,6 +16,7 @@
   KERNEL(ownMul_NR_16s_Sfs, W7, void(const Zpp16s* src1, const Zpp16s* src2, Zpp16s* dst, int len, int scaleFactor)) \
   KERNEL(ownMulC_NR_16s_Sfs, W7, void(const Zpp16s* src, Zpp16s value, Zpp16s* dst, int len, int scaleFactor))       \
   KERNEL(ownLShiftC_16s, W7, void(const Zpp16s* src, Zpp16s* dst, int len, int shift))                               \
+  KERNEL(ownLShiftCSat_16s, W7, void(const Zpp16s* src, Zpp16s* dst, int len, int shift))                            \
   KERNEL(ownLShiftC_32s, W7, void(const Zpp32s* src, Zpp32s* dst, int len, int shift))                               \
   KERNEL(ownRShiftC_16s, W7, void(const Zpp16s* src, Zpp16s* dst, int len, int shift))                               \
   KERNEL(ownRShiftC_32s, W7, void(const Zpp32s* src, Zpp32s* dst, int len, int shift))                               \
@@ -53,8 +55,3 @@ Zpp32s ownPow2(Zpp16s exponent, Zpp16s fraction);
 Zpp32s ownInvSqrt(Zpp32s x);
 // dst[n] = (a[n] * b[n]) >> shift without rounding or saturation: the caller guarantees the range.
 void ownMul_16s_NoS_Sfs(const Zpp16s* a, const Zpp16s* b, Zpp16s* dst, int len, int shift);
-// dst[n] = low 16 bits of the double-precision product of a[n] and b[n]
-void ownMul_32s16s(const Zpp32s* a, const Zpp32s* b, Zpp16s* dst, int len);
-// dst[n] = sat16(src[n] * 2^-scaleFactor): half to even, but plain truncation at scale factor 15, where ITU-T G.729's 16-bit
-// correlation matrix takes the upper half of a doubled sum.
-void ownConvert_32s16s_sfs(const Zpp32s* src, Zpp16s* dst, int len, int scaleFactor);

@@ -59,6 +59,10 @@ void ownLShiftC_16s_PX(const Zpp16s* src, Zpp16s* dst, int len, int shift) {
   for (int n = 0; n < len; ++n) dst[n] = low16(shlWrap32(src[n], shift));
 }
 
+void ownLShiftCSat_16s_PX(const Zpp16s* src, Zpp16s* dst, int len, int shift) {
+  for (int n = 0; n < len; ++n) dst[n] = sat16(src[n] * (1 << shift));
+}
+
 void ownLShiftC_32s_PX(const Zpp32s* src, Zpp32s* dst, int len, int shift) {
   for (int n = 0; n < len; ++n) dst[n] = shlWrap32(src[n], shift);
 }
@@ -97,12 +101,4 @@ void ownMulC_32f_PX(const Zpp32f* src, Zpp32f value, Zpp32f* dst, int len) {
 
 void ownMul_16s_NoS_Sfs(const Zpp16s* a, const Zpp16s* b, Zpp16s* dst, int len, int shift) {
   for (int n = 0; n < len; ++n) dst[n] = low16(shr32(Zpp32s{a[n]} * b[n], shift));
-}
-
-void ownMul_32s16s(const Zpp32s* a, const Zpp32s* b, Zpp16s* dst, int len) {
-  for (int n = 0; n < len; ++n) dst[n] = low16(mulDpf(toDpf(a[n]), toDpf(b[n])));
-}
-
-void ownConvert_32s16s_sfs(const Zpp32s* src, Zpp16s* dst, int len, int scaleFactor) {
-  for (int n = 0; n < len; ++n) dst[n] = scaleFactor == 15 ? sat16(src[n] >> 15) : sat16(scaled(src[n], scaleFactor));
 }

@@ -147,6 +147,15 @@ void ownLShiftC_16s_W7(const Zpp16s* src, Zpp16s* dst, int len, int shift) {
   ownLShiftC_16s_PX(src + n, dst + n, len - n, shift);
 }
 
+void ownLShiftCSat_16s_W7(const Zpp16s* src, Zpp16s* dst, int len, int shift) {
+  const int n = blocks<8>(len, [&](int i) {
+    V x = load(src + i);
+    for (int s = 0; s < shift; ++s) x = _mm_adds_epi16(x, x);
+    store(dst + i, x);
+  });
+  ownLShiftCSat_16s_PX(src + n, dst + n, len - n, shift);
+}
+
 void ownLShiftC_32s_W7(const Zpp32s* src, Zpp32s* dst, int len, int shift) {
   const int n = blocks<4>(len, [&](int i) { store(dst + i, _mm_sll_epi32(load(src + i), shiftCount(shift))); });
   ownLShiftC_32s_PX(src + n, dst + n, len - n, shift);

@@ -155,11 +155,12 @@ class Adpcm {
     return slow + ((product + (product >> 31 & 63)) >> 6);
   }
 
-  // TRANS: a tone, and a difference above 3/4 of the slow scale factor
+  // TRANS: a tone, and a difference above 3/4 of the slow scale factor. yu of at most 5120 lets yl rise to 327617 and no further:
+  // the exponent stays below 10, from where on the standard limits the threshold.
   bool isTransition(int magnitude) const {
     if (!tone) return false;
     const int exponent = yl >> 15, mantissa = yl >> 10 & 31;
-    const int threshold = exponent > 9 ? 31744 : (32 + mantissa) << exponent;
+    const int threshold = (32 + mantissa) << exponent;
     return magnitude > (threshold + (threshold >> 1)) >> 1;
   }
 

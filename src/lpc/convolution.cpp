@@ -26,6 +26,13 @@ ZppStatus zppsResidualFilter_G729_16s(const Zpp16s* coef, const Zpp16s* src, Zpp
   return zppStsOk;
 }
 
+ZppStatus zppsResidualFilter_G729E_16s(const Zpp16s* coef, int order, const Zpp16s* src, Zpp16s* dst, int len) {
+  if (anyNull(coef, src, dst)) return zppStsNullPointer;
+  if (len < 1 || order < 1) return zppStsBadSize;
+  ownResidualFilter_G729E_16s(coef, order, src, dst, len);
+  return zppStsOk;
+}
+
 ZppStatus zppsHarmonicFilter_16s_I(Zpp16s gain, int lag, Zpp16s* srcDst, int len) {
   if (anyNull(srcDst)) return zppStsNullPointer;
   if (len < 1) return zppStsBadSize;

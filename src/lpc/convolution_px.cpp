@@ -28,6 +28,14 @@ void ownResidualFilter_G729_16s_PX(const Zpp16s* coef, const Zpp16s* src, Zpp16s
   }
 }
 
+void ownResidualFilter_G729E_16s_PX(const Zpp16s* coef, int order, const Zpp16s* src, Zpp16s* dst, int len) {
+  for (int n = 0; n < len; ++n) {
+    Zpp64s sum = 0;
+    for (int i = 0; i <= order; ++i) sum += Zpp32s{coef[i]} * src[n - i];
+    dst[n] = sat16((sum + 2048) >> 12);
+  }
+}
+
 void ownHarmonicFilter_16s_PX(Zpp16s gain, int lag, Zpp16s* srcDst, int len) {
   for (int n = 0; n < len; ++n) srcDst[n] = addSat16(srcDst[n], mulQ15(gain, srcDst[n - lag]));
 }

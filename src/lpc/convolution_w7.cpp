@@ -102,6 +102,32 @@ void ownResidualFilter_G729_16s_W7(const Zpp16s* coef, const Zpp16s* src, Zpp16s
   }
 }
 
+// As above; orders 1..31
+void ownResidualFilter_G729E_16s_W7(const Zpp16s* coef, int order, const Zpp16s* src, Zpp16s* dst, int len) {
+  constexpr int kMostPairs = 16;
+  if (order == kLpcOrder) return ownResidualFilter_G729_16s_W7(coef, src, dst, len);
+  if (len < 8 || order >= 2 * kMostPairs) return ownResidualFilter_G729E_16s_PX(coef, order, src, dst, len);
+  int magnitudes = 0;
+  for (int i = 0; i <= order; ++i) magnitudes += std::abs(coef[i]);
+  if (magnitudes > 65534) return ownResidualFilter_G729E_16s_PX(coef, order, src, dst, len);
+  const int pairs = (order + 1) / 2;
+  V factors[kMostPairs];
+  for (int k = 0; k < pairs; ++k) factors[k] = pairOf(coef[2 * k], coef[2 * k + 1]);
+  const V last = order % 2 == 0 ? pairOf(coef[order], 0) : _mm_setzero_si128();
+  for (int n = 0; n < len; n += 8) {
+    if (n > len - 8) n = len - 8;
+    V low = _mm_set1_epi32(2048), high = low;
+    const auto add = [&](V x, V before, V factor) {
+      low = _mm_add_epi32(low, _mm_madd_epi16(_mm_unpacklo_epi16(x, before), factor));
+      high = _mm_add_epi32(high, _mm_madd_epi16(_mm_unpackhi_epi16(x, before), factor));
+    };
+    const Zpp16s* x = src + n;
+    for (int k = 0; k < pairs; ++k) add(load(x - 2 * k), load(x - 2 * k - 1), factors[k]);
+    if (order % 2 == 0) add(load(x - order), _mm_setzero_si128(), last);
+    store(dst + n, _mm_packs_epi32(_mm_srai_epi32(low, 12), _mm_srai_epi32(high, 12)));
+  }
+}
+
 void ownHarmonicFilter_16s_W7(Zpp16s gain, int lag, Zpp16s* srcDst, int len) {
   int n = 0;
   if (lag >= 8) {  // the eight samples of a step then do not feed each other

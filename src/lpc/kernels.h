@@ -28,7 +28,9 @@ inline constexpr int kLpcOrder = 10;
 //   saturated.
 // ownSynthesisFilter_NR_16s: 1/A(z) of order 10, coef[0] the factor of the input, scaleFactor 12 or 13. hist: ten past outputs,
 //   oldest first, read before dst is written, or null for zeros; src may be dst. True when a sample was clamped.
+// ownSynthesisFilter_G729E_16s: the same of any order at scale factor 12; hist holds `order` outputs outside dst.
 // ownResidualFilter_G729_16s: A(z) of order 10, coef Q12, over src[-10..len-1].
+// ownResidualFilter_G729E_16s: the same of an order of 1 or more over src[-order..len-1].
 // ownHarmonicFilter_16s: srcDst[n] += gain * srcDst[n - lag], gain Q15, ascending, lag 1 or more.
 // ownConvPartial_16s_Sfs: dst[n] = sat16(the exact sum of src1[k] * src2[n - k], k = 0..n, >> scaleFactor), truncating,
 //   scaleFactor 0 or more; ownConvPartial_16s32s: the sums modulo 2^32.
@@ -44,7 +46,10 @@ inline constexpr int kLpcOrder = 10;
   KERNEL(ownDotProd_G729A_16s32s, W7, bool(const Zpp16s* src1, const Zpp16s* src2, int len, Zpp32s* dp))                       \
   KERNEL(ownSynthesisFilter_NR_16s, W7,                                                                                        \
          bool(const Zpp16s* coef, const Zpp16s* src, Zpp16s* dst, int len, int scaleFactor, const Zpp16s* hist))               \
+  KERNEL(ownSynthesisFilter_G729E_16s, W7,                                                                                     \
+         bool(const Zpp16s* coef, int order, const Zpp16s* src, Zpp16s* dst, int len, const Zpp16s* hist))                     \
   KERNEL(ownResidualFilter_G729_16s, W7, void(const Zpp16s* coef, const Zpp16s* src, Zpp16s* dst, int len))                    \
+  KERNEL(ownResidualFilter_G729E_16s, W7, void(const Zpp16s* coef, int order, const Zpp16s* src, Zpp16s* dst, int len))        \
   KERNEL(ownHarmonicFilter_16s, W7, void(Zpp16s gain, int lag, Zpp16s* srcDst, int len))                                       \
   KERNEL(ownConvPartial_16s_Sfs, W7, void(const Zpp16s* src1, const Zpp16s* src2, Zpp16s* dst, int len, int scaleFactor))      \
   KERNEL(ownConvPartial_16s32s, W7, void(const Zpp16s* src1, const Zpp16s* src2, Zpp32s* dst, int len))
@@ -61,8 +66,6 @@ void ownAutoCorr_NormE_NR_16s(const Zpp16s* src, int len, int firstLag, int step
 void ownAutoCorr_Inv_16s32s(const Zpp16s* src, int len, Zpp32s* dst, int lenDst);
 // dst[k] = the exact sum of src1[n] * src2[n + k], n = 0..len-1, doubled, saturated and rounded to its upper half
 void ownCrossCorr_NR_16s(const Zpp16s* src1, const Zpp16s* src2, int len, Zpp16s* dst, int lags);
-// The synthesis filter of any order at scale factor 12; hist holds `order` outputs outside dst
-bool ownSynthesisFilter_G729E_16s(const Zpp16s* coef, int order, const Zpp16s* src, Zpp16s* dst, int len, const Zpp16s* hist);
 // dst = the impulse response of coef[0]/A(z), coef[0] in front
 void ownSynthesisFilterZeroStateResponse_NR_16s(const Zpp16s* coef, Zpp16s* dst, int len, int scaleFactor);
 

@@ -4,22 +4,8 @@
 #include "core/checks.h"
 #include "core/fixed_point.h"
 #include "lpc/kernels.h"
-#include "lpc/synthesis_filter.h"
 
 using namespace zpp;
-
-bool ownSynthesisFilter_G729E_16s(const Zpp16s* coef, int order, const Zpp16s* src, Zpp16s* dst, int len, const Zpp16s* hist) {
-  bool overflow = false;
-  for (int n = 0; n < len; ++n) {
-    Zpp32s acc = Zpp32s{coef[0]} * src[n];
-    const int inBlock = n < order ? n : order;
-    for (int i = 1; i <= inBlock; ++i) acc = subWrap32(acc, Zpp32s{coef[i]} * dst[n - i]);
-    if (hist != nullptr)
-      for (int i = inBlock + 1; i <= order; ++i) acc = subWrap32(acc, Zpp32s{coef[i]} * hist[order + n - i]);
-    dst[n] = synthesisOutput(acc, 12, overflow);
-  }
-  return overflow;
-}
 
 void ownSynthesisFilterZeroStateResponse_NR_16s(const Zpp16s* coef, Zpp16s* dst, int len, int scaleFactor) {
   std::memset(dst, 0, static_cast<unsigned>(len) * sizeof(Zpp16s));

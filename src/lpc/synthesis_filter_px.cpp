@@ -1,4 +1,4 @@
-// LP synthesis filter of order 10: portable kernel.
+// LP synthesis filters: portable kernels.
 #include <cstring>
 
 #include "lpc/kernels.h"
@@ -19,5 +19,19 @@ bool ownSynthesisFilter_NR_16s_PX(const Zpp16s* coef, const Zpp16s* src, Zpp16s*
   };
   for (int n = 0; n < len && n < kLpcOrder; ++n) dst[n] = start[kLpcOrder + n] = filtered(start + kLpcOrder + n, src[n]);
   for (int n = kLpcOrder; n < len; ++n) dst[n] = filtered(dst + n, src[n]);
+  return overflow;
+}
+
+bool ownSynthesisFilter_G729E_16s_PX(const Zpp16s* coef, int order, const Zpp16s* src, Zpp16s* dst, int len,
+                                     const Zpp16s* hist) {
+  bool overflow = false;
+  for (int n = 0; n < len; ++n) {
+    Zpp32s acc = Zpp32s{coef[0]} * src[n];
+    const int inBlock = n < order ? n : order;
+    for (int i = 1; i <= inBlock; ++i) acc = subWrap32(acc, Zpp32s{coef[i]} * dst[n - i]);
+    if (hist != nullptr)
+      for (int i = inBlock + 1; i <= order; ++i) acc = subWrap32(acc, Zpp32s{coef[i]} * hist[order + n - i]);
+    dst[n] = synthesisOutput(acc, 12, overflow);
+  }
   return overflow;
 }

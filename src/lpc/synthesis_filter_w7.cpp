@@ -1,9 +1,11 @@
-// LP synthesis filter of order 10: SSE2 kernel.
+// LP synthesis filters: SSE2 kernels.
 //
 // The recursion is serial: what counts is the path from one output to the next. The outputs are computed in scalar registers,
 // with the two to five latest outputs, and a sample is clamped behind a branch that is hardly ever taken, so that this path is
 // one multiplication, one subtraction and one shift. All older outputs arrive as sums of four coming outputs, which pmaddwd
 // adds up meanwhile, two past outputs at a time.
+#include <cstring>
+
 #include "core/fixed_point.h"
 #include "core/simd_w7.h"
 #include "lpc/kernels.h"
@@ -66,5 +68,71 @@ bool ownSynthesisFilter_NR_16s_W7(const Zpp16s* coef, const Zpp16s* src, Zpp16s*
     y1 = z3;
   }
   if (n < len) overflow |= ownSynthesisFilter_NR_16s_PX(coef, src + n, dst + n, len - n, scaleFactor, dst + n - kLpcOrder);
+  return overflow;
+}
+
+// Orders up to 32: as above, with as many pairs as it takes and the outputs of the past read from a copy
+bool ownSynthesisFilter_G729E_16s_W7(const Zpp16s* coef, int order, const Zpp16s* src, Zpp16s* dst, int len,
+                                     const Zpp16s* hist) {
+  constexpr int kMost = 32, kBlock = 64, kPairs = kMost / 2;
+  if (order > kMost || len < 4) return ownSynthesisFilter_G729E_16s_PX(coef, order, src, dst, len, hist);
+  alignas(16) Zpp16s a[kMost + 16] = {};  // zeros behind the order
+  std::memcpy(a, coef, static_cast<unsigned>(order + 1) * sizeof *a);
+  // Pair k lies 4 + 2 k samples before a block of four. An even number of pairs, so that two sums share them.
+  const int pairs = order <= 4 ? 2 : ((order - 1) / 2 + 1) & ~1;
+  V factor[kPairs];
+  for (int k = 0; k < pairs; ++k) {
+    const V from = load(a + 3 + 2 * k);
+    factor[k] = _mm_unpacklo_epi16(_mm_srli_si128(from, 2), from);
+  }
+  const V inputFactor = pairOf(a[0], 1 << 11), ones = _mm_set1_epi16(1);
+  const Zpp32s a1 = a[1], a2 = a[2], a3 = a[3], a4 = a[4], a5 = a[5];
+
+  alignas(16) Zpp16s past[kMost + kBlock] = {};
+  if (hist != nullptr) std::memcpy(past + kMost - order, hist, static_cast<unsigned>(order) * sizeof *past);
+  const auto pairAt = [](const Zpp16s* samples) {
+    int pair = 0;
+    std::memcpy(&pair, samples, sizeof pair);
+    return pair;
+  };
+  bool overflow = false;
+  const auto output = [&](Zpp32s sum) {
+    const Zpp32s y = sum >> 12;
+    if (y != static_cast<Zpp16s>(y)) [[unlikely]] {
+      overflow = true;
+      return Zpp32s{sat16(y)};
+    }
+    return y;
+  };
+  Zpp32s y2 = past[kMost - 2], y1 = past[kMost - 1];
+  Zpp16s* y = past + kMost;
+  int n = 0;
+  for (; n + 4 <= len; n += 4, y += 4) {
+    if (y == past + kMost + kBlock) {
+      std::memcpy(past, past + kBlock, kMost * sizeof *past);
+      y = past + kMost;
+    }
+    V acc = _mm_madd_epi16(_mm_unpacklo_epi16(load4(src + n), ones), inputFactor), rest = _mm_setzero_si128();
+    for (int k = pairs - 2; k >= 0; k -= 2) {  // the latest outputs last
+      const V older = _mm_set1_epi32(pairAt(y - 6 - 2 * k)), newer = _mm_set1_epi32(pairAt(y - 4 - 2 * k));
+      rest = _mm_sub_epi32(rest, _mm_madd_epi16(older, factor[k + 1]));
+      acc = _mm_sub_epi32(acc, _mm_madd_epi16(newer, factor[k]));
+    }
+    alignas(16) Zpp32s sum[4];
+    store(sum, _mm_add_epi32(acc, rest));
+    const Zpp32s z0 = output(subWrap32(subWrap32(sum[0], a2 * y2), a1 * y1));
+    const Zpp32s z1 = output(subWrap32(subWrap32(subWrap32(sum[1], a3 * y2), a2 * y1), a1 * z0));
+    const Zpp32s z2 = output(subWrap32(subWrap32(subWrap32(subWrap32(sum[2], a4 * y2), a3 * y1), a2 * z0), a1 * z1));
+    const Zpp32s z3 =
+        output(subWrap32(subWrap32(subWrap32(subWrap32(subWrap32(sum[3], a5 * y2), a4 * y1), a3 * z0), a2 * z1), a1 * z2));
+    // Stored in the pairs in which they are soon read again
+    const Zpp32s stored[2] = {(z1 * 65536) | (z0 & 0xffff), (z3 * 65536) | (z2 & 0xffff)};
+    std::memcpy(y, &stored[0], sizeof stored[0]);
+    std::memcpy(y + 2, &stored[1], sizeof stored[1]);
+    std::memcpy(dst + n, stored, sizeof stored);
+    y2 = z2;
+    y1 = z3;
+  }
+  if (n < len) overflow |= ownSynthesisFilter_G729E_16s_PX(coef, order, src + n, dst + n, len - n, y - order);
   return overflow;
 }

@@ -6,7 +6,9 @@
 #include <numeric>
 #include <random>
 
+#include "amr/pitch/kernels.h"
 #include "amr/pitch/lag_coding.h"
+#include "core/fixed_point.h"
 #include "support/golden.h"
 #include "support/guarded.h"
 #include "zppsc.h"
@@ -80,6 +82,24 @@ TEST(FixedCodebook, DecodesWhatTheSearchWrites) {
     }
 }
 
+// At the two highest rates the pulses take the signs of target and residual, each over its norm. A loud residual counts as one
+// whose doubled energy is 2^31 - 1; where the target is the stronger, the signs are still its own.
+TEST(FixedCodebook, TakesTheSignsOfTheTargetBesideALoudResidual) {
+  std::array<Zpp16s, 40> impulse = {4096};
+  for (const ZppSpeechRate rate : {ZPP_RATE_10200, ZPP_RATE_12200})
+    for (const int level : {100, 5000, 6000, 8000, 12000}) {
+      std::array<Zpp16s, 40> target = {}, residual, code, filtered;
+      std::array<Zpp16s, 10> codeword;
+      residual.fill(static_cast<Zpp16s>(level));
+      const std::size_t tracks = rate == ZPP_RATE_10200 ? 4 : 5;
+      std::fill_n(target.begin(), tracks, Zpp16s{-1000});
+      ASSERT_EQ(zppsAlgebraicCodebookSearch_GSMAMR_16s(40, 0, target.data(), residual.data(), impulse.data(), code.data(),
+                                                       filtered.data(), codeword.data(), 0, rate),
+                zppStsOk);
+      for (std::size_t n = 0; n < tracks; ++n) EXPECT_LT(code[n], 0) << rate << ", residual " << level << ", sample " << n;
+    }
+}
+
 // Every lag that the searches can find has an index of its own that decodes to it.
 TEST(LagCoding, RoundTrip) {
   const auto isLast = [](int resolution, int fraction) { return fraction == (resolution == 3 ? 1 : 3); };
@@ -119,6 +139,31 @@ TEST(LagCoding, RoundTrip) {
         }
     }
   }
+}
+
+// Sums that saturate half-way and come back: with 32767 as excitation from a response of magnitudes 32768 on
+TEST(AdaptiveCodebook, FiltersTheExcitationWithSaturatingSums) {
+  std::mt19937 random(6);
+  for (const int total : {30000, 32767, 32768, 32769, 32780, 40000, 65536, 131072, 400000})
+    for (int repeat = 0; repeat < 20; ++repeat) {
+      std::array<Zpp16s, 80> past;
+      std::array<Zpp16s, 40> impulse, filtered, wanted;
+      for (Zpp16s& x : past) x = repeat % 2 == 0 ? Zpp16s{32767} : static_cast<Zpp16s>(random() % 3 == 0 ? 32767 : -32768);
+      int left = total;
+      for (std::size_t n = 0; n < 40; ++n) {
+        const int magnitude =
+            std::min({left, 32767, n == 39 ? left : static_cast<int>(random() % static_cast<unsigned>(total / 8))});
+        impulse[n] = static_cast<Zpp16s>(n < 12 ? magnitude : -magnitude);
+        left -= magnitude;
+      }
+      for (std::size_t n = 0; n < 40; ++n) {
+        Zpp32s sum = 0;
+        for (std::size_t i = 0; i <= n; ++i) sum = zpp::macDbl(sum, past[i], impulse[n - i]);
+        wanted[n] = zpp::high16(zpp::shlSat32(sum, 3));
+      }
+      ownFilteredExcitation_GSMAMR_16s(past.data() + 20, 20, impulse.data(), filtered.data());
+      ASSERT_EQ(filtered, wanted) << total << ' ' << repeat;
+    }
 }
 
 struct Decoded {

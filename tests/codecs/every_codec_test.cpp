@@ -29,7 +29,7 @@ Samples signalFor(const Codec& codec, int samples, std::uint32_t seed = 1) {
 TEST(EveryCodec, DecodesPiecesOfAnySizeInEveryFraming) {
   for (const Codec& codec : catalogue())
     for (const auto& framing : codec.framings) {
-      const Samples speech = signalFor(codec, 4000);
+      const Samples speech = signalFor(codec, 4160);
       const Bytes stream = encoded(codec, framing.name, speech);
       const Samples whole = decoded(codec, framing.name, stream);
       ASSERT_EQ(whole.size(), speech.size()) << codec.name;
@@ -43,7 +43,7 @@ TEST(EveryCodec, TakesFramesForLostInEveryFraming) {
   for (const Codec& codec : catalogue())
     for (const auto& framing : codec.framings) {
       const codecs::framing::Format format{&codec, framing.name, codec.options};
-      const Samples speech = signalFor(codec, 4000);
+      const Samples speech = signalFor(codec, 4160);
       const Bytes stream = encoded(format, speech);
       const auto frame = static_cast<std::size_t>(codec.codec->frameSamples);
       const Samples whole = decoded(format, stream);

@@ -75,16 +75,18 @@ inline std::uint32_t crc32(std::span<const std::int16_t> samples) {
   return ~crc;
 }
 
-// A frame in the serial format of ITU-T G.192, the first bit in the highest place of the first octet
-inline void appendSerial(std::span<const std::uint8_t> octets, bool lost, codecs::framing::Bytes& stream) {
+// A frame in the serial format of ITU-T G.192, the first bit in the highest place of the first octet; unused: so many of its
+// last bits are none
+inline void appendSerial(std::span<const std::uint8_t> octets, bool lost, codecs::framing::Bytes& stream,
+                         std::size_t unused = 0) {
   const auto put = [&stream](std::size_t word) {
     stream.push_back(static_cast<std::uint8_t>(word));
     stream.push_back(static_cast<std::uint8_t>(word >> 8));
   };
   put(lost ? 0x6b20 : 0x6b21);
-  put(8 * octets.size());
-  for (const unsigned octet : octets)
-    for (int bit = 7; bit >= 0; --bit) put(octet >> bit & 1 ? 0x81 : 0x7f);
+  const std::size_t bits = 8 * octets.size() - unused;
+  put(bits);
+  for (std::size_t bit = 0; bit < bits; ++bit) put(octets[bit / 8] >> (7 - bit % 8) & 1 ? 0x81 : 0x7f);
 }
 
 }  // namespace test

@@ -100,6 +100,62 @@ TEST(HighPassFilter, SaturatesAlikeInBlocksAndSampleBySample) {
     }
 }
 
+// The filter of clauses 3.1 and 4.2.5 step by step
+class PlainHighPass {
+ public:
+  explicit PlainHighPass(const Zpp16s* coef) : b_(coef), a_(coef + 3) {}
+  Zpp16s operator()(Zpp16s x0, int scaleFactor) {
+    Zpp32s acc = 0;
+    for (int i = 0; i < 2; ++i) {
+      const Dpf y = toDpf(y_[i]);
+      acc = macDbl(macDbl(acc, y.hi, a_[i + 1]), mulQ15(y.lo, a_[i + 1]), 1);
+    }
+    acc = macDbl(macDbl(macDbl(acc, x0, b_[0]), x_[0], b_[1]), x_[1], b_[2]);
+    y_[1] = y_[0];
+    y_[0] = fromDpf(toDpf(shlSat32(acc, 15 - scaleFactor)));
+    x_[1] = x_[0];
+    x_[0] = x0;
+    return roundHigh16(shlSat32(y_[0], scaleFactor - 12));
+  }
+
+ private:
+  const Zpp16s *b_, *a_;
+  Zpp32s y_[2] = {};
+  Zpp16s x_[2] = {};
+};
+
+// In the first cases the product of a past input saturates and its sum with the feedback does not: a unit less than in exact
+// arithmetic, which turns a rounding.
+TEST(HighPassFilter, SaturatesAtEverySum) {
+  std::vector<std::pair<V16, V16>> cases = {{{0, 3840, -32768, 0, 32767, 0}, {-32768, 0, 0, 0}},
+                                            {{3840, -32768, 0, 0, 32767, 0}, {-32768, 0, 0, 0}}};
+  unsigned noise = 3;
+  const auto next = [&noise](bool extreme) {
+    noise = noise * 1664525u + 1013904223u;
+    const int x = static_cast<int>(noise >> 16) - 32768;
+    return static_cast<Zpp16s>(extreme ? x < -10000 ? -32768 : x < 10000 ? 0 : 32767 : x);
+  };
+  for (int i = 0; i < 300; ++i) {
+    V16 coef(6), signal(40);
+    for (auto& c : coef) c = static_cast<Zpp16s>(next(i % 2 == 0) / (i % 5 + 1));
+    for (auto& x : signal) x = next(i % 3 == 0);
+    cases.emplace_back(coef, signal);
+  }
+  for (const auto& [coef, signal] : cases)
+    for (const int scaleFactor : {12, 13})
+      for (const std::size_t block : {std::size_t{1}, std::size_t{3}, signal.size()}) {
+        V16 wanted = signal, filtered = signal;
+        PlainHighPass plain(coef.data());
+        for (auto& x : wanted) x = plain(x, scaleFactor);
+        unsigned char state[24];
+        zppsHighPassFilterInit_G729(coef.data(), state);
+        for (std::size_t n = 0; n < signal.size(); n += block)
+          zppsHighPassFilter_G729_16s_ISfs(&filtered[n], static_cast<int>(std::min(block, signal.size() - n)), scaleFactor,
+                                           state);
+        ASSERT_EQ(filtered, wanted) << "case of " << coef[0] << ' ' << coef[1] << ' ' << coef[2] << ", block " << block;
+      }
+}
+
 TEST(ScalarOperators, MatchTheReference) {
   for (const auto& golden : cases("core/ownNorm_32s_I.cases")) {
     auto x = as<Zpp32s>(golden.in.at("srcDst"));

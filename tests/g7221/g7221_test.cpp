@@ -7,6 +7,7 @@
 #include <random>
 
 #include "codecs/g7221/tables.h"
+#include "g7221/quantisation.h"
 #include "g7221/tables.h"
 #include "zppsc.h"
 
@@ -71,6 +72,22 @@ TEST(RegionCoding, WritesTheWordsOfItsBitsAtEverySetting) {
           ASSERT_EQ(words[used - 1] << bits % 32, 0u) << "bits behind the end";
         }
       }
+}
+
+// The two lowest bits of step and dead zone, handled apart, count as if all bits were taken at once.
+TEST(RegionCoding, QuantisesWithAllBitsOfStepAndDeadZone) {
+  for (int category = 0; category < 7; ++category)
+    for (int power = 0; power < 64; ++power) {
+      const Quantiser quantiser(category, power);
+      const int inverse = 4 * quantiser.inverse + quantiser.inverseLowBits;
+      const int deadZone = 4 * cnstIntDeadZone_G722[category] + cnstIntDeadZone_G722_low_bits[category];
+      EXPECT_EQ(inverse, (cnstStepSizeInv_G722[category] * cnstStdDeviationInv_G722[power] + 4096) >> 13);
+      for (int magnitude = 0; magnitude < 5000; ++magnitude) {
+        const auto level = std::min<Zpp64s>((Zpp64s{magnitude} * inverse + deadZone) >> 15, cnstMaxBin_G722[category]);
+        ASSERT_EQ(quantiser(static_cast<Zpp16s>(magnitude)), level) << category << ' ' << power << ' ' << magnitude;
+        ASSERT_EQ(quantiser(static_cast<Zpp16s>(-magnitude)), level) << category << ' ' << power << ' ' << -magnitude;
+      }
+    }
 }
 
 TEST(RegionCoding, OfAZeroRegionTakesTheShortestCodes) {

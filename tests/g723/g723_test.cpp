@@ -6,7 +6,9 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "core/fixed_point.h"
 #include "g723/lsf/root_search.h"
+#include "g723/tables.h"
 #include "support/golden.h"
 #include "support/guarded.h"
 
@@ -61,6 +63,28 @@ TEST(Autocorrelation, SaturatesStepByStepInTimeOrder) {
   EXPECT_EQ(norm, 0);
   EXPECT_EQ(autocorr[0], 32767);
   EXPECT_EQ(autocorr[1], 16375) << "an exact sum gives 32747";
+}
+
+// Blocks with energies around 2^31 whose lags grow and then shrink
+TEST(Autocorrelation, SaturatesFromAnEnergyOf31BitsOn) {
+  for (const Zpp16s level : {1000, 3453, 3454, 3455, 3456, 3700, 4300, 4900, 9000}) {
+    V16 block(180), autocorr(11), wanted(11);
+    for (std::size_t n = 0; n < 180; ++n) block[n] = static_cast<Zpp16s>(n < 120 || n % 2 == 0 ? level : -level);
+    const auto lag = [&block](std::size_t k) {
+      Zpp32s sum = 0;
+      for (std::size_t j = k; j < 180; ++j) sum = zpp::addSat32(sum, block[j] * block[j - k]);
+      return sum;
+    };
+    const Zpp32s energy = zpp::addSat32(lag(0), lag(0) >> 10);
+    const int shift = zpp::norm32(energy);
+    wanted[0] = zpp::roundHigh16(zpp::shlSat32(energy, shift));
+    for (std::size_t k = 1; k < 11; ++k)
+      wanted[k] = zpp::roundHigh16(zpp::mul32Q15(zpp::shlSat32(lag(k), shift), BinomWindowCoeffTbl_G723[k]));
+    Zpp32s norm = -1;
+    ASSERT_EQ(zppsAutoCorr_NormE_G723_16s(block.data(), autocorr.data(), &norm), zppStsOk);
+    EXPECT_EQ(norm, shift) << level;
+    EXPECT_EQ(autocorr, wanted) << level;
+  }
 }
 
 TEST(Autocorrelation, TakesTheMostNegativeBlock) {

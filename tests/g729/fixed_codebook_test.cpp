@@ -64,7 +64,10 @@ TEST(CorrelationMatrix, SaturatesStepByStep) {
     falling[static_cast<std::size_t>(n)] = static_cast<Zpp16s>(32767 - 50 * n);
     alternating[static_cast<std::size_t>(n)] = static_cast<Zpp16s>(n % 7 < 4 ? -32768 : 32767);
   }
-  for (const auto& h : {rising, falling, alternating, V16(40, -32768)}) {
+  std::vector<V16> responses = {rising, falling, alternating, V16(40, -32768)};
+  // Halved, of energies around 2^30: their sums saturate from there on.
+  for (const Zpp16s level : {10360, 10362, 10364, 12247, 14000, 16000}) responses.push_back(V16(40, level));
+  for (const auto& h : responses) {
     V32 matrix(616);
     ASSERT_EQ(zppsToeplizMatrix_G729_16s32s(h.data(), matrix.data()), zppStsOk);
     const V16 narrow = matrixOf(h);

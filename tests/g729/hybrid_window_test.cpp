@@ -79,7 +79,7 @@ TEST(HybridWindow, SaturatesStepByStep) {
         for (std::size_t n = 0; n < kLength; ++n) {
           const int noise = static_cast<int>(random() % static_cast<unsigned>(amplitude / 4 + 1));
           src[n] = static_cast<Zpp16s>((n / static_cast<std::size_t>(period)) % 2 ? noise - amplitude : amplitude - noise);
-          w[n] = mulQ15(src[n], hw[kLength - 1 - n]);
+          w[n] = mulQ15(src[n], hw[n]);
         }
         ASSERT_EQ(zppsWinHybrid_G729E_16s32s(src.data(), dst.data(), state.get()), zppStsOk);
         for (std::size_t lag = 0; lag < kLags; ++lag) {

@@ -103,6 +103,18 @@ TEST_F(Lsp, IndexFieldsBeyondTheirWidthCountByTheirLowBits) {
   }
 }
 
+// Behind a higher one, a low LSP is far off the table's end: the standard's sums stop there.
+TEST_F(Lsp, NormalisedFrequenciesOfReversedLspsSaturate) {
+  Ten lsp, lsf;
+  lsp.fill(-32768);
+  lsp[9] = 32767;
+  zppsLSPToLSF_Norm_G729_16s(lsp.data(), lsf.data());
+  Ten expected;
+  expected.fill(32767);
+  expected[9] = 0;
+  EXPECT_EQ(lsf, expected);
+}
+
 TEST_F(Lsp, RefusedModesLeaveTheMemoryAlone) {
   for (const Zpp16s mode : {-32768, -1, 4, 32767}) {
     const std::array<Zpp16s, 4> idx = {mode, 0, 0, 0};

@@ -3,8 +3,10 @@
 
 #include <algorithm>
 #include <array>
+#include <random>
 #include <vector>
 
+#include "core/fixed_point.h"
 #include "zppsc.h"
 
 namespace {
@@ -109,13 +111,139 @@ TEST(OpenLoopPitch, SaturatesAtFullScale) {
     }
 }
 
-// Annex A scales by the energy of the odd samples alone: loud even samples saturate once, in the doubled sum.
-TEST(OpenLoopPitch, AnnexASurvivesLoudEvenSamples) {
-  std::vector<Zpp16s> speech(143 + 80);
-  for (unsigned n = 1; n < speech.size(); n += 2) speech[n] = n % 100 < 50 ? 32767 : -32768;
-  Zpp16s delay = 0;
-  EXPECT_EQ(zppsOpenLoopPitchSearch_G729A_16s(speech.data() + 143, &delay), zppStsOk);
-  EXPECT_EQ(delay, 100);
+// The searches on saturating sums, without a shorter way for signals of any level
+class OpenLoop {
+ public:
+  static constexpr int kSpan = 143 + 80;
+  OpenLoop(const std::vector<Zpp16s>& signal, int step) : step_(step), scaled_(signal) {
+    const Zpp64s energy = 2 * energyOf(signal, step);
+    for (Zpp16s& x : scaled_) {
+      if (energy > zpp::kMax32) x = zpp::shr16(x, 3);
+      if (energy < 1048576) x = zpp::shlSat16(x, 3);
+    }
+  }
+  static Zpp64s energyOf(const std::vector<Zpp16s>& signal, int step) {
+    Zpp64s sum = 0;
+    for (std::size_t n = 0; n < signal.size(); n += static_cast<std::size_t>(step)) sum += Zpp64s{signal[n]} * signal[n];
+    return sum;
+  }
+  Zpp32s correlation(int lag) const { return dot(0, lag, 0); }
+  // The delay of the largest correlation, the smallest of several; then what the root of the energy leaves of it
+  int best(int first, int last, int lagStep = 1) const {
+    int lag = first;
+    for (int l = first; l <= last; l += lagStep) lag = correlation(l) > correlation(lag) ? l : lag;
+    return lag;
+  }
+  Zpp16s normalised(int lag) const {
+    Zpp32s root = dot(lag, lag, step_ - 1);
+    zppsInvSqrt_32s_I(&root, 1);
+    return zpp::low16(zpp::mulDpf(zpp::toDpf(correlation(lag)), zpp::toDpf(root)));
+  }
+
+ private:
+  // Saturated at each step, but once where every second sample is taken
+  Zpp32s dot(int lag1, int lag2, Zpp64s sum) const {
+    for (int n = 143; n < kSpan; n += step_) {
+      sum += Zpp64s{2} * scaled_[static_cast<std::size_t>(n - lag1)] * scaled_[static_cast<std::size_t>(n - lag2)];
+      if (step_ == 1) sum = zpp::sat32(sum);
+    }
+    return zpp::sat32(sum);
+  }
+  int step_;
+  std::vector<Zpp16s> scaled_;
+};
+
+int openLoopDelay(const std::vector<Zpp16s>& signal) {
+  const OpenLoop search(signal, 1);
+  int lag = search.best(80, 143);
+  for (const int shorter : {search.best(40, 79), search.best(20, 39)})
+    if (search.normalised(shorter) > zpp::mulQ15(search.normalised(lag), 27853)) lag = shorter;
+  return lag;
+}
+
+int openLoopDelayOfAnnexA(const std::vector<Zpp16s>& signal) {
+  const OpenLoop search(signal, 2);
+  const int shortest = search.best(20, 39), middle = search.best(40, 79), coarse = search.best(80, 142, 2);
+  int longest = coarse;
+  for (const int lag : {coarse + 1, coarse - 1})
+    if (search.correlation(lag) > search.correlation(longest)) longest = lag;
+  Zpp16s norms[] = {search.normalised(shortest), search.normalised(middle), search.normalised(longest)};
+  const auto favour = [&](int lag, int multiple, Zpp16s& norm, int share) {
+    if (std::abs(2 * lag - multiple) < 5) norm = zpp::addSat16(norm, share);
+    if (std::abs(3 * lag - multiple) < 7) norm = zpp::addSat16(norm, share);
+  };
+  favour(middle, longest, norms[1], norms[2] >> 2);
+  favour(shortest, middle, norms[0], zpp::mulQ15(norms[1], 6554));
+  if (std::max(norms[0], norms[1]) < norms[2]) return longest;
+  return norms[0] < norms[1] ? middle : shortest;
+}
+
+class OpenLoopPitchOf : public testing::Test {
+ protected:
+  std::mt19937 random{29};
+  int between(int low, int high) { return low + static_cast<int>(random() % static_cast<unsigned>(high - low + 1)); }
+  // A noisy period; samples of the one phase (odd offsets) and of the other at levels of their own
+  std::vector<Zpp16s> voiced(int oddLevel, int evenLevel) {
+    std::vector<Zpp16s> signal(OpenLoop::kSpan);
+    const auto period = static_cast<std::size_t>(between(20, 143));
+    for (std::size_t n = 0; n < signal.size(); ++n) {
+      const int level = n % 2 == 0 ? oddLevel : evenLevel;
+      const int past = n < period ? 0 : signal[n - period];
+      signal[n] = static_cast<Zpp16s>(
+          std::clamp(n < period ? between(-level, level) : past + between(-level, level) / 4, -level, level));
+    }
+    return signal;
+  }
+  // Gives the samples from `first` in steps of `step` the energy wanted: squares in the oldest ones make up what is missing.
+  static void setEnergy(std::vector<Zpp16s>& signal, std::size_t first, std::size_t step, Zpp64s wanted) {
+    Zpp64s energy = 0;
+    std::size_t n = signal.size() - 1 - (signal.size() - 1 - first) % step;
+    for (; n > first + 8 * step; n -= step) {
+      if (energy + Zpp64s{signal[n]} * signal[n] > wanted) signal[n] = 0;
+      energy += Zpp64s{signal[n]} * signal[n];
+    }
+    for (;; n -= step) {
+      Zpp64s root = 0;
+      while (root < 32767 && (root + 1) * (root + 1) <= wanted - energy) ++root;
+      signal[n] = static_cast<Zpp16s>(root);
+      energy += root * root;
+      if (n == first) break;
+    }
+    ASSERT_EQ(energy, wanted);
+  }
+  static void check(const std::vector<Zpp16s>& signal, const std::string& what) {
+    Zpp16s delay = 0;
+    EXPECT_EQ(zppsOpenLoopPitchSearch_G729_16s(signal.data() + 143, &delay), zppStsOk);
+    EXPECT_EQ(delay, openLoopDelay(signal)) << what;
+    EXPECT_EQ(zppsOpenLoopPitchSearch_G729A_16s(signal.data() + 143, &delay), zppStsOk);
+    EXPECT_EQ(delay, openLoopDelayOfAnnexA(signal)) << what << ", Annex A";
+  }
+};
+
+TEST_F(OpenLoopPitchOf, LevelsThatDifferBetweenPhases) {
+  for (int i = 0; i < 200; ++i)
+    for (const int odd : {0, 1, 60, 120, 4000, 32767})
+      for (const int even : {0, 90, 5000, 12000, 32767})
+        check(voiced(odd, even), std::to_string(odd) + " " + std::to_string(even));
+}
+
+// Where the signal begins to be scaled, and where doubled sums begin to saturate
+TEST_F(OpenLoopPitchOf, EnergiesAtTheBounds) {
+  for (const Zpp64s bound : {Zpp64s{524288}, Zpp64s{1} << 30})
+    for (const int offset : {-1, 0, 1})
+      for (int i = 0; i < 50; ++i) {
+        const int level = bound == 524288 ? 80 : 4400;
+        const std::string what = std::to_string(bound + offset);
+        auto signal = voiced(level, level);
+        setEnergy(signal, 0, 1, bound + offset);
+        check(signal, what);
+        signal = voiced(level * 3 / 2, i % 2 == 0 ? level : 32767);
+        setEnergy(signal, 0, 2, bound + offset);
+        check(signal, what + " of the odd phase");
+        signal = voiced(i % 2 == 0 ? level : 3000, level * 3 / 2);
+        setEnergy(signal, 1, 2, bound + offset);
+        check(signal, what + " of the even phase");
+      }
 }
 
 TEST(DecodeAdaptiveVector, RefusesDelaysOutsideThePastExcitation) {

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <random>
 
+#include "core/fixed_point.h"
 #include "support/golden.h"
 #include "support/guarded.h"
 #include "zppsc.h"
@@ -76,20 +77,25 @@ TEST(LongTermPostfilter, OfAnnexBTakesDelaysTooShortAsTheShortest) {
 
 // The period of a pulse train of limited bandwidth is found to 1/8 sample, and the delayed signal falls on the current one.
 TEST(LongTermPostfilter, FindsFractionalPeriods) {
-  for (const int delay : {18, 19, 47, 90, 142, 143})
-    for (int eighths = -6; eighths <= 6; ++eighths) {
+  for (const int delay : {18, 19, 47, 90, 142, 143, 144})
+    for (int eighths = -6; eighths <= (delay == 144 ? 14 : 6); ++eighths) {
       const double period = delay + eighths / 8.0;
-      std::array<Zpp16s, 192> residual;
-      for (int n = 0; n < 192; ++n) {
+      std::array<Zpp16s, 193> residual;
+      for (int n = 0; n < 193; ++n) {
         double sum = 0;
-        for (int k = 1; k < 0.2 * period; ++k) sum += std::cos(2 * 3.14159265358979 * k * (n - 170) / period);
+        for (int k = 1; k < 0.2 * period; ++k) sum += std::cos(2 * 3.14159265358979 * k * (n - 171) / period);
         residual[static_cast<std::size_t>(n)] = static_cast<Zpp16s>(std::lround(40000 / period * sum));
       }
-      Subframe dst;
-      Zpp16s selected = 0;
-      ASSERT_EQ(zppsLongTermPostFilter_G729_16s(16384, delay, residual.data() + 152, dst.data(), &selected), zppStsOk);
+      Subframe dst, same;
+      Zpp16s selected = 0, sameSelected = 0;
+      const Zpp16s* current = residual.data() + 153;
+      ASSERT_EQ(zppsLongTermPostFilter_G729I_16s(16384, delay, current, dst.data(), &selected), zppStsOk);
       EXPECT_EQ(selected, std::ceil(period)) << period;
-      for (std::size_t n = 0; n < 40; ++n) EXPECT_NEAR(dst[n], residual[152 + n], 50) << period << ", sample " << n;
+      for (std::size_t n = 0; n < 40; ++n) EXPECT_NEAR(dst[n], current[n], 50) << period << ", sample " << n;
+      if (delay == 144) continue;
+      ASSERT_EQ(zppsLongTermPostFilter_G729_16s(16384, delay, current, same.data(), &sameSelected), zppStsOk);
+      EXPECT_EQ(sameSelected, selected) << period;
+      EXPECT_EQ(same, dst) << period;
     }
 }
 
@@ -107,6 +113,84 @@ TEST(LongTermPostfilter, IsOffWithoutAMatch) {
     EXPECT_EQ(selected, 0);
     EXPECT_TRUE(std::equal(dst.begin(), dst.end(), residual.begin() + 152));
   }
+}
+
+// A square wave at full scale: the interpolated signal overshoots the 16 bits and is held at them.
+TEST(LongTermPostfilter, SaturatesTheInterpolatedSignal) {
+  constexpr std::array<Zpp16s, 11> flat = {4096};
+  for (const double period : {40.5, 61.25, 97.625}) {
+    std::array<Zpp16s, 194> residual;
+    for (int n = 0; n < 194; ++n)
+      residual[static_cast<std::size_t>(n)] = std::fmod(n, period) < period / 2 ? Zpp16s{32767} : Zpp16s{-32768};
+    std::array<Zpp16s, 50> speech = {};
+    std::copy_n(residual.end() - 40, 40, speech.begin() + 10);
+    const auto integer = static_cast<Zpp16s>(period);
+
+    Subframe dst, dstAnnexB;
+    Zpp16s selected = 0, voicing = 0;
+    ASSERT_EQ(zppsLongTermPostFilter_G729_16s(16384, integer, residual.data() + 154, dst.data(), &selected), zppStsOk);
+    ASSERT_NE(selected, 0) << period;
+    for (std::size_t n = 0; n < 40; ++n) {
+      const Zpp16s* past = residual.data() + 154 + n - selected;
+      // Where the current sample and all that the interpolation looks at are of one sign, nothing changes it.
+      if (!std::all_of(past - 8, past + 9, [&](Zpp16s x) { return x == residual[154 + n]; })) continue;
+      EXPECT_NEAR(dst[n], residual[154 + n], 60) << period << ", sample " << n;
+    }
+    ASSERT_EQ(zppsLongTermPostFilter_G729B_16s(integer, speech.data() + 10, flat.data(), residual.data(), dstAnnexB.data(),
+                                               &voicing, 1),
+              zppStsOk);
+    EXPECT_EQ(dstAnnexB, dst) << period;
+  }
+}
+
+// Annex A clause A.4.2.1 on saturating sums
+Subframe harmonicallyFiltered(int delay, const Zpp16s* residual) {
+  using namespace zpp;
+  const auto dot = [residual](int lag1, int lag2, Zpp32s sum) {
+    for (int n = 0; n < 40; ++n) sum = macDbl(sum, shr16(residual[n - lag1], 2), shr16(residual[n - lag2], 2));
+    return sum;
+  };
+  const int shortest = std::min(delay - 3, 137);
+  int lag = shortest;
+  for (int l = shortest; l < shortest + 7; ++l) lag = dot(0, l, 0) > dot(0, lag, 0) ? l : lag;
+  const Zpp32s correlation = std::max(dot(0, lag, 0), 0), past = dot(lag, lag, 1), current = dot(0, 0, 1);
+  const int norm = norm32(std::max({correlation, past, current}));
+  const auto upper = [norm](Zpp32s x) { return roundHigh16(shlSat32(x, norm)); };
+  const Zpp16s c = upper(correlation), p = upper(past), e = upper(current);
+  Zpp16s gain = 32767, pastGain = 0;
+  if (subSat32(mulDbl(c, c), mulDbl(p, e) >> 1) >= 0) {
+    const auto half = static_cast<Zpp16s>(mulQ15(c, 16384) >> 1), whole = static_cast<Zpp16s>((p >> 1) + half);
+    if (c > p) {
+      gain = 21845, pastGain = 10923;
+    } else if (whole > 0) {
+      pastGain = divQ15(half, whole);
+      gain = static_cast<Zpp16s>(32767 - pastGain);
+    }
+  }
+  Subframe dst;
+  for (int n = 0; n < 40; ++n) {
+    const Zpp16s x = residual[n];
+    dst[static_cast<std::size_t>(n)] = pastGain == 0 ? x : addSat16(mulQ15(gain, x), mulQ15(pastGain, residual[n - lag]));
+  }
+  return dst;
+}
+
+TEST(HarmonicPostfilter, SaturatesAtFullScale) {
+  std::mt19937 random(5);
+  for (const int peak : {300, 16000, 16384, 16388, 16400, 18000, 20724, 20732, 26000, 32000, 32767})
+    for (int trial = 0; trial < 300; ++trial) {
+      // Full-scale samples of a sign that holds for a while; current ones like those a delay ago, but for some
+      const int delay = static_cast<int>(random() % 125) + 18;
+      std::array<Zpp16s, 194> residual;
+      Zpp16s value = static_cast<Zpp16s>(peak);
+      for (std::size_t n = 0; n < residual.size(); ++n) {
+        if (random() % 4 == 0) value = static_cast<Zpp16s>(random() % 2 == 0 ? -peak - (trial % 2) : peak);
+        residual[n] = n < 154 || random() % 8 == 0 ? value : residual[n - static_cast<std::size_t>(delay)];
+      }
+      Subframe dst;
+      ASSERT_EQ(_zppsHarmonicPostFilter_G729A_16s(static_cast<Zpp16s>(delay), residual.data() + 154, dst.data()), zppStsOk);
+      ASSERT_EQ(dst, harmonicallyFiltered(delay, residual.data() + 154)) << peak << ' ' << trial;
+    }
 }
 
 TEST(ShortTermPostfilter, TellsOfClampedOutputs) {
@@ -152,6 +236,21 @@ TEST(TiltCompensation, OfAnnexASurvivesResponsesOfAnyEnergy) {
   expected[2] = static_cast<Zpp16s>(-((10000 * 26213) >> 15));
   EXPECT_EQ(zppsTiltCompensation_G729A_16s(coef.data(), signal.data() + 1), zppStsOk);
   EXPECT_EQ(signal, expected);
+}
+
+// 1/80 of the quotient of the sums of magnitudes, Q14: 143.503 and 102.497. Were a sample of -32768 counted as 32767, they
+// would be 143.499 and 102.500, and round the other way.
+TEST(GainControl, CountsTheLargestMagnitudeInFull) {
+  const auto firstOutput = [](Subframe src, Subframe dst) {
+    Zpp16s gain = 0;
+    EXPECT_EQ(zppsGainControl_G729_16s_I(src.data(), dst.data(), &gain), zppStsOk);
+    return dst[0];
+  };
+  Subframe src = {}, dst;
+  std::fill_n(src.begin(), 28, Zpp16s{-32768});
+  dst.fill(32767);
+  EXPECT_EQ(firstOutput(src, dst), 2 * 144);
+  EXPECT_EQ(firstOutput({32767}, {-32768, -32768}), -2 * 102);
 }
 
 // The running gain settles where the output has the level of the source: unity, and half for an output twice as loud.

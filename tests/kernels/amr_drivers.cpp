@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "amr/fixed_codebook/kernels.h"
 #include "amr/pitch/kernels.h"
 
@@ -111,9 +113,17 @@ DRIVE(ownFilteredCode_GSMAMR_16s, only({2, 3, 4, 8, 10})) {
 DRIVE(ownNormCorr_GSMAMR_16s, only({1, 15, 28})) {
   repeat(rig, [&](Zpp16s level, int run) {
     const int minLag = rig.scalar(14, 143 - n), maxLag = minLag + n - 1;
-    const auto* excitation = rig.template in<Zpp16s>(40, static_cast<Zpp16s>(-level), level, maxLag);
-    const auto* target = within(rig, level);
-    rig.run(excitation, target, response(rig, 32767 >> (run % 5), run), minLag, maxLag, rig.template out<Zpp16s>(n));
+    auto* excitation = rig.template inOut<Zpp16s>(40, static_cast<Zpp16s>(-level), level, maxLag);
+    auto* target = within(rig, level);
+    auto* impulse = response(rig, 32767 >> (run % 5), run);
+    // Constant signals through a single pulse, quiet at the first lag or not: energies and correlations around 2^30
+    if (run % 2 == 1 && !rig.keep) {
+      std::fill_n(excitation - maxLag, maxLag + 40, rig.template scalar<Zpp16s>(2000, 32767));
+      if (run % 4 == 1) std::fill_n(excitation - minLag, 40, Zpp16s{3});
+      std::fill_n(target, 40, rig.template scalar<Zpp16s>(0, 1 << rig.scalar(4, 13)));
+      impulse = rig.template made<Zpp16s>(40, [](Zpp16s* h) { std::fill_n(h, 40, Zpp16s{0}), h[0] = 4096; });
+    }
+    rig.run(excitation, target, impulse, minLag, maxLag, rig.template out<Zpp16s>(n));
   });
 }
 

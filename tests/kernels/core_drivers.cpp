@@ -26,6 +26,9 @@ DRIVE(ownMulC_NR_16s_Sfs, upTo(200)) {
   rig.run(rig.in<Zpp16s>(n), rig.scalar<Zpp16s>(-32768, 32767), rig.out<Zpp16s>(n), n, rig.scalar(0, 35));
 }
 DRIVE(ownLShiftC_16s, upTo(200)) { rig.run(rig.in<Zpp16s>(n), rig.out<Zpp16s>(n), n, rig.scalar(0, 20)); }
+DRIVE(ownLShiftCSat_16s, upTo(200, {40, 223})) {
+  rig.run(rig.in<Zpp16s>(n), rig.out<Zpp16s>(n), n, rig.keep ? 3 : rig.scalar(0, 15));
+}
 DRIVE(ownLShiftC_32s, upTo(200)) { rig.run(rig.in<Zpp32s>(n), rig.out<Zpp32s>(n), n, rig.scalar(0, 40)); }
 DRIVE(ownRShiftC_16s, upTo(200)) { rig.run(rig.in<Zpp16s>(n), rig.out<Zpp16s>(n), n, rig.scalar(0, 20)); }
 DRIVE(ownRShiftC_32s, upTo(200)) { rig.run(rig.in<Zpp32s>(n), rig.out<Zpp32s>(n), n, rig.scalar(0, 40)); }

@@ -37,15 +37,57 @@ DRIVE(ownLPCToLSP_G729, upTo(60, {50, 60})) {
   const bool annexA = n % 2 != 0 || n == 50;
   rig.run(a, rig.in<Zpp16s>(10), annexA ? w_eval_50 : w_eval_60, annexA ? 50 : 60, annexA ? 2 : 4, rig.out<Zpp16s>(10));
 }
-DRIVE(ownLspPreSelect, upTo(60, {1})) {
+// Orders 1..30; multiples of three over the whole range, where sums saturate. The buffers end with the last value that is read.
+DRIVE(ownLevinsonSum_G729, upTo(30, {10, 30})) {
+  const int shift = rig.keep || n % 3 != 0 ? 3 : 0;
+  const auto values = [&](int downBy) {
+    return rig.made<zpp::Dpf>(n, [&](zpp::Dpf* dpf) {
+      for (int i = 0; i < n; ++i)
+        dpf[i] =
+            zpp::toDpf(downBy == 0 && rig.scalar(0, 3) == 0 ? INT32_MIN : rig.scalar<Zpp32s>(INT32_MIN, INT32_MAX) >> downBy);
+    });
+  };
+  const zpp::Dpf* r = values(shift);
+  rig.run(r, values(shift), n);
+}
+DRIVE(ownLevinsonUpdate_G729, upTo(30, {10, 30})) {
+  const int shift = rig.keep || n % 3 != 0 ? 3 : 0;
+  Zpp32s* values = rig.inOut<Zpp32s>(n);
+  for (int i = 0; i < n; ++i) reinterpret_cast<zpp::Dpf*>(values)[i] = zpp::toDpf(values[i] >> shift);
+  const Zpp32s reflection = rig.keep                              ? 0
+                            : shift == 0 && rig.scalar(0, 3) == 0 ? INT32_MIN
+                                                                  : rig.scalar<Zpp32s>(INT32_MIN, INT32_MAX);
+  rig.run(reinterpret_cast<zpp::Dpf*>(values), n, zpp::toDpf(reflection));
+}
+// Values around those whose distances from an entry add up to 2^32
+template <int columns>
+Zpp16s farFrom(RigBase& rig, const Zpp16s (&entry)[columns], int j, int distance) {
+  const int away = distance + rig.scalar(-20, 20);
+  return static_cast<Zpp16s>(entry[j] + away <= 32767 && rig.scalar(0, 1) == 0 ? entry[j] + away : entry[j] - away);
+}
+DRIVE(ownLspPreSelect, upTo(90, {1})) {
+  if (n % 4 == 0) {
+    const auto& entry = LSPCode1[rig.scalar(0, 127)];
+    return rig.run(rig.made<Zpp16s>(10, [&](Zpp16s* t) {
+      for (int j = 0; j < 10; ++j) t[j] = farFrom(rig, entry, j, 20735);
+    }));
+  }
   if (n % 2 == 0) return rig.run(rig.in<Zpp16s>(10));
   Zpp16s* target = rig.inOut<Zpp16s>(10, -6000, 6000);
   for (int j = 0; j < 10; ++j) target[j] = static_cast<Zpp16s>(target[j] + 2339 * (j + 1));
   rig.run(target);
 }
-DRIVE(ownLspSelect2, upTo(60, {1})) {
+DRIVE(ownLspSelect2, upTo(90, {1})) {
   const auto limit = static_cast<Zpp16s>(n % 2 == 0 ? 32767 : 4000);
-  rig.run(rig.in<Zpp16s>(10, static_cast<Zpp16s>(-limit), limit), rig.in<Zpp16s>(10, 0), rig.out<Zpp16s>(2));
+  const Zpp16s* residual = rig.in<Zpp16s>(10, static_cast<Zpp16s>(-limit), limit);
+  const Zpp16s* weight = rig.in<Zpp16s>(10, n % 4 == 0 ? 32760 : 0);
+  if (n % 4 == 0) {
+    const auto& entry = LSPCode2[rig.scalar(0, 31)];
+    residual = rig.made<Zpp16s>(10, [&](Zpp16s* t) {
+      for (int j = 0; j < 10; ++j) t[j] = farFrom(rig, entry, j, 29320);
+    });
+  }
+  rig.run(residual, weight, rig.out<Zpp16s>(2));
 }
 // Now and then the weights whose sum of products needs more than 32 bits; in place for odd lengths
 DRIVE(ownInterpolateC_NR_G729_16s_Sfs, upTo(60, {40})) {

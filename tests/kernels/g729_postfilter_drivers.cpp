@@ -29,7 +29,7 @@ DRIVE(ownNormaliseResidual_G729_16s, repeated) {
   rig.run(residual(rig, n, kPostfilterHistory), rig.out<Zpp16s>(kPostfilterHistory + kSubframe));
 }
 DRIVE(ownMatchFractions_G729_16s, repeated) {
-  const int delay = rig.scalar(17, 144);
+  const int delay = rig.scalar(17, 145);
   const Zpp16s* c = rig.in<Zpp16s>(kSubframe, -4096, 4096, delay + 2);
   rig.run(c, delay, reinterpret_cast<DelayedMatch(*)[2]>(rig.out<Zpp32s>(28)));
 }

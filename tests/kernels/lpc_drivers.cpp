@@ -57,8 +57,21 @@ DRIVE(ownSynthesisFilter_NR_16s, upTo(100, {40, 240})) {
   const Zpp16s* coef = rig.keep ? rig.in<Zpp16s>(11, -300, 300) : coefficients(rig);
   rig.run(coef, samples(rig, n), rig.out<Zpp16s>(n), n, rig.scalar(12, 13), rig.scalar(0, 3) == 0 ? nullptr : samples(rig, 10));
 }
+DRIVE(ownSynthesisFilter_G729E_16s, upTo(150, {40})) {
+  const int order = rig.keep ? 30 : rig.scalar(1, 34);
+  const Zpp16s top = rig.keep || n % 3 != 0 ? Zpp16s{300} : Zpp16s{32767};
+  const Zpp16s* coef = rig.in<Zpp16s>(order + 1, static_cast<Zpp16s>(-top), top);
+  const Zpp16s* hist = n % 5 == 0 ? nullptr : full(rig, order);
+  if (n % 2 == 0) return rig.run(coef, order, samples(rig, n), rig.out<Zpp16s>(n), n, hist);
+  Zpp16s* srcDst = rig.inOut<Zpp16s>(n);
+  rig.run(coef, order, srcDst, srcDst, n, hist);
+}
 DRIVE(ownResidualFilter_G729_16s, upTo(100, {40})) {
   rig.run(rig.keep ? rig.in<Zpp16s>(11, -5000, 5000) : coefficients(rig), full(rig, n, 10), rig.out<Zpp16s>(n), n);
+}
+DRIVE(ownResidualFilter_G729E_16s, upTo(100, {40})) {
+  const int order = rig.keep ? 30 : rig.scalar(1, 34), top = rig.keep || n % 3 != 0 ? 2000 : 32767;  // the sums stay in 32 bits
+  rig.run(rig.in<Zpp16s>(order + 1, -top, top), order, full(rig, n, order), rig.out<Zpp16s>(n), n);
 }
 DRIVE(ownHarmonicFilter_16s, upTo(100, {20, 40})) {
   const int lag = rig.keep ? 20 : rig.scalar(1, 60);

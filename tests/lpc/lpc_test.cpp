@@ -90,6 +90,32 @@ TEST(SynthesisFilter, DoesNotReportWhatRoundsIntoTheRange) {
   EXPECT_EQ(zppsSynthesisFilter_NR_16s_Sfs(coef.data(), x.data(), out.data(), 16, 12, nullptr), zppStsOverflowWarn);
 }
 
+// Where the magnitudes of the coefficients reach 16.0, sums leave 32 bits: full-scale input of the coefficients' signs, or of
+// the opposite ones, or with all coefficients negative.
+TEST(ResidualFilter, SaturatesAroundTheBoundOf32Bits) {
+  for (const int total : {65000, 65534, 65535, 65536, 65537, 70000, 75534, 75535, 131072, 360448})
+    for (const int sign : {1, -1, 2}) {
+      V16 coef(11), src(10 + 40);
+      for (int i = 0, left = total; i <= 10; ++i) {
+        const int magnitude = std::min({left, 32768, std::max(left / (11 - i), left - 32768 * (10 - i))});
+        coef[static_cast<std::size_t>(i)] =
+            static_cast<Zpp16s>(i % 3 == 1 || magnitude == 32768 || sign == 2 ? -magnitude : magnitude);
+        left -= magnitude;
+      }
+      for (std::size_t n = 0; n < src.size(); ++n)
+        src[n] = static_cast<Zpp16s>(n % 7 == 0 ? 100 : n * n * 3001 % 65536 - 32768);
+      for (std::size_t i = 0; i <= 10; ++i) src[30 - i] = static_cast<Zpp16s>(coef[i] * sign > 0 ? 32767 : -32768);
+      V16 dst(40), wanted(40);
+      for (std::size_t n = 0; n < 40; ++n) {
+        Zpp64s sum = 2048;
+        for (std::size_t i = 0; i <= 10; ++i) sum += Zpp64s{coef[i]} * src[10 + n - i];
+        wanted[n] = static_cast<Zpp16s>(std::clamp<Zpp64s>(sum >> 12, -32768, 32767));
+      }
+      EXPECT_EQ(zppsResidualFilter_G729_16s(coef.data(), &src[10], dst.data(), 40), zppStsOk);
+      EXPECT_EQ(dst, wanted) << total * sign;
+    }
+}
+
 TEST(AutoCorrelation, ReportsALoudFrameWithoutWriting) {
   const V16 loud(160, 32767), limit = {32767, 255, 22, 5}, above = {32767, 255, 22, 5, 1};
   V32 r(4, 7);

@@ -8,6 +8,7 @@ import math
 import os
 import pty
 import select
+import shutil
 import signal
 import struct
 import subprocess
@@ -177,6 +178,52 @@ class Streams(ProgramTest):
                     decoded = run("decode", *options, stdin=stream.stdout)
                     self.assertDone(decoded)
                     self.assertGreaterEqual(len(decoded.stdout), length)
+
+
+class G723(ProgramTest):
+    """The standard's streams, with the options that some of its runs need."""
+
+    @staticmethod
+    def vectors(name):
+        return data(os.path.join("..", "..", "vectors", "g723", "streams", name))
+
+    def test_streams_with_switched_rates_and_pauses(self):
+        speech, words = self.vectors("pauses.pcm"), struct.Struct("<H")
+        cases = self.vectors("decoded.cases").decode().splitlines()
+        rates = next(line for line in cases if line.startswith("out u8 rate")).split()[4:]
+        file = self.file("rates", b"".join(words.pack(int(rate)) for rate in rates))
+        mixed = run("encode", "-c", "g723.1", "--rates", file, "--dtx", "--raw", "-", "-", stdin=speech)
+        self.assertDone(mixed, self.vectors("pauses-mixed.bit"))
+        plain = run("encode", "-c", "g723.1-6.3", "--no-highpass", "--raw", "-", "-", stdin=self.vectors("codewords-6.3.pcm"))
+        self.assertDone(plain, self.vectors("codewords-6.3.bit"))
+        # A lost frame of speech: all before it stays.
+        lost = self.file("lost", words.pack(0) * 31 + words.pack(1))
+        options = ["-c", "g723.1", "--no-postfilter", "--raw", "-", "-"]
+        whole = run("decode", *options, stdin=mixed.stdout).stdout
+        holed = run("decode", "--lost", lost, *options, stdin=mixed.stdout).stdout
+        self.assertEqual((len(holed), holed[:14880] == whole[:14880]), (len(speech), True))
+        self.assertFalse(holed == whole)
+
+    def test_refusals(self):
+        rates = self.file("rates", bytes(2))
+        missing = run("encode", "-c", "g723.1-5.3", "--rates", rates, "--raw", "-", "-", stdin=bytes(960))
+        self.assertEqual(missing.returncode, 1)
+        cut = run("decode", "-c", "g723.1", "--raw", "-", "-", stdin=self.vectors("pauses-5.3.bit")[:30])
+        self.assertEqual(cut.returncode, 2)
+        self.assertIn(b"10 bytes that are no whole frame", cut.stderr)
+
+    @unittest.skipUnless(shutil.which("ffmpeg"), "no ffmpeg")
+    def test_another_decoder_hears_the_same(self):
+        speech = data("speech.pcm") * 6
+        for codec in "g723.1-5.3", "g723.1-6.3":
+            with self.subTest(codec=codec):
+                stream = run("encode", "-c", codec, "--raw", "-", "-", stdin=speech).stdout
+                ours = samples(run("decode", "-c", codec, "--raw", "-", "-", stdin=stream).stdout)
+                command = ["ffmpeg", "-v", "error", "-f", "g723_1", "-i", self.file("stream", stream), "-f", "s16le", "-"]
+                theirs = samples(subprocess.run(command, capture_output=True, timeout=120).stdout)
+                self.assertEqual(len(theirs), len(ours))
+                error = sum((a - b) ** 2 for a, b in zip(ours, theirs))
+                self.assertLess(error, 1e-3 * sum(a * a for a in ours))
 
 
 class Measures(ProgramTest):

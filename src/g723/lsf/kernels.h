@@ -25,6 +25,8 @@ bool ownLPCToLSF_Norm_G723_16s(const Zpp16s* lpc, Zpp16s* lsf);
 // lsf is a copy of prevLsf when the roots are not all found.
 void ownLPCToLSF_G723_16s(const Zpp16s* lpc, const Zpp16s* prevLsf, Zpp16s* lsf);
 void ownLSFToLPC_G723_16s_I(Zpp16s* lsfLpc);
+// The filters of the four subframes, on the way from one frame's LSF to the next one's
+void ownLSFInterpolation_G723_16s(const Zpp16s* prevLsf, const Zpp16s* lsf, Zpp16s* lpc);
 
 // The three band indices, packed: the first in bits 16..23, the last in bits 0..7
 Zpp32s ownLSFQuant_G723_16s32s(const Zpp16s* lsf, const Zpp16s* prevLsf);

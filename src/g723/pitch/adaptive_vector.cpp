@@ -13,9 +13,6 @@ namespace {
 constexpr int kHistory = 145, kWork = 64, kRepeated = kWork - 2;
 constexpr int kHighRateGains = 85, kLowRateGains = 170;  // gain vectors
 
-// The high rate has a smaller codebook for short lags.
-constexpr bool takesHighRateGains(int lag, ZppSpeechRate rate) { return rate == ZPP_RATE_6300 && lag < 58; }
-
 }  // namespace
 
 ZppStatus zppsDecodeAdaptiveVector_G723_16s(Zpp16s lag, Zpp16s offset, Zpp16s gainIndex, const Zpp16s* history, Zpp16s* dst,
@@ -25,8 +22,8 @@ ZppStatus zppsDecodeAdaptiveVector_G723_16s(Zpp16s lag, Zpp16s offset, Zpp16s ga
   if (outside(int{gainIndex}, 0, kLowRateGains - 1)) return zppStsBadCodedParam;
   if (rate != ZPP_RATE_5300 && rate != ZPP_RATE_6300) return zppStsOutOfRange;
   // The index behind the last row is let through: it finds the spare row.
-  if (takesHighRateGains(lag, rate) && gainIndex > kHighRateGains) return zppStsBadCodedParam;
-  ownDecodeAdaptiveVector_G723_16s(lag + offset - 1, AdCdbkGainTbl_G723[takesHighRateGains(lag, rate) ? 0 : 1][gainIndex],
+  if (ownTakesHighRateGains(lag, rate) && gainIndex > kHighRateGains) return zppStsBadCodedParam;
+  ownDecodeAdaptiveVector_G723_16s(lag + offset - 1, AdCdbkGainTbl_G723[ownTakesHighRateGains(lag, rate) ? 0 : 1][gainIndex],
                                    history, dst);
   return zppStsOk;
 }
@@ -38,6 +35,11 @@ ZppStatus _zppsExcitationDelay_G723_16s(const Zpp16s* history, Zpp16s* work, int
 
 ZppStatus _zppsAdaptiveCodebookDecode_G723_16s(const Zpp16s* taps, const Zpp16s* work, Zpp16s* dst) {
   ownAdaptiveCodebookDecode_G723_16s(taps, work, dst);
+  return zppStsOk;
+}
+
+ZppStatus _zppsPitchPredictor_G723_16s(const Zpp16s* taps, const Zpp16s* history, Zpp16s* dst, int delay) {
+  ownDecodeAdaptiveVector_G723_16s(delay, taps, history, dst);
   return zppStsOk;
 }
 

@@ -61,7 +61,7 @@ void ownLSPToLSF_G729_16s(const Zpp16s* lsp, Zpp16s* lsf) {
 }
 
 void ownLSPToLSF_Norm_G729_16s(const Zpp16s* lsp, Zpp16s* lsfNorm) {
-  walkCosines(lsp, [lsfNorm](int i, int index, Zpp32s offset) { lsfNorm[i] = wrap16(index * 256 + ((offset + 2048) >> 12)); });
+  walkCosines(lsp, [lsfNorm](int i, int index, Zpp32s offset) { lsfNorm[i] = sat16(index * 256 + ((offset + 2048) >> 12)); });
 }
 
 ZppStatus ownLSFToLSP_G729_16s(const Zpp16s* lsf, Zpp16s* lsp) {

@@ -26,7 +26,10 @@ Zpp32s saturatedSum(Zpp32s sum, const Zpp16s* w, int lag, int from, int to) {
 
 void ownWinHybrid_G729E_16s32s(const Zpp16s* src, Zpp32s* dst, void* state) {
   Zpp16s w[kHybridLength];
-  for (int n = 0; n < kHybridLength; ++n) w[n] = mulQ15(src[n], hw[kHybridLength - 1 - n]);
+  constexpr int vectors = kHybridLength / 8 * 8;
+  const auto windowed = [src](int n) { return static_cast<Zpp16s>((src[n] * hw[n]) >> 15); };
+  for (int n = 0; n < vectors; ++n) w[n] = windowed(n);
+  for (int n = vectors; n < kHybridLength; ++n) w[n] = windowed(n);
 
   // No sum of products exceeds the energy of all samples, nor does one of magnitudes: when twice the energy fits 32 bits, the
   // sums that start at 0 cannot saturate, and those that start at some value cannot while that much room is left.

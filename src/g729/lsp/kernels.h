@@ -1,6 +1,7 @@
 // The kernels of the LP analysis and LSP quantisation and their processor variants (see core/variants.h).
 #pragma once
 
+#include "core/fixed_point.h"
 #include "core/variants.h"
 #include "g729/lsp/prediction.h"
 
@@ -10,9 +11,14 @@
 // prevLsp when there are fewer than ten.
 // ownLspPreSelect, ownLspSelect2: return the first-stage index, and the second-stage indices as index[0] = L2, index[1] = L3.
 // residual: the target minus its first-stage vector; weight: 0..32767.
+// ownLevinsonSum_G729: the sum of r[j] * coef[order - j], j = 1..order-1 ascending, saturated after each, r[0..order-1] and
+// coef[1..order-1]; ownLevinsonUpdate_G729: coef[j] += reflection * coef[order - j] for the same j, from the old coefficients,
+// saturated. Lower words are 0..32767.
 #define ZPP_G729_LSP_KERNELS(KERNEL)                                                                                 \
   KERNEL(ownLPCToLSP_G729, W7,                                                                                       \
          void(const Zpp16s* a, const Zpp16s* prevLsp, const Zpp16s* grid, int intervals, int halvings, Zpp16s* lsp)) \
+  KERNEL(ownLevinsonSum_G729, W7, Zpp32s(const zpp::Dpf* r, const zpp::Dpf* coef, int order))                        \
+  KERNEL(ownLevinsonUpdate_G729, W7, void(zpp::Dpf * coef, int order, zpp::Dpf reflection))                          \
   KERNEL(ownLspPreSelect, W7, int(const Zpp16s* target))                                                             \
   KERNEL(ownLspSelect2, W7, void(const Zpp16s* residual, const Zpp16s* weight, Zpp16s* index))                       \
   KERNEL(ownInterpolateC_NR_G729_16s_Sfs, W7,                                                                        \
@@ -24,6 +30,7 @@ ZPP_G729_LSP_KERNELS(ZPP_DECLARE_KERNEL)
 ZppStatus ownLevinsonDurbin_G729(const Zpp32s* autoCorr, int order, Zpp16s* a, Zpp16s* refl, Zpp16s* energy);
 ZppStatus ownLevinsonDurbin_G729B(const Zpp32s* autoCorr, Zpp16s* a, Zpp16s* refl, Zpp16s* energy);
 void ownLagWindow_G729_32s_I(Zpp32s* autoCorr, int len);
+void ownLagWindow_G729E_32s_I(Zpp32s* autoCorr);
 
 void ownLSPToLPC_G729_16s(const Zpp16s* lsp, Zpp16s* a);
 void ownLSPToLSF_G729_16s(const Zpp16s* lsp, Zpp16s* lsf);

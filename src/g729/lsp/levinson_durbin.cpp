@@ -45,20 +45,13 @@ ZppStatus ownLevinsonDurbin_G729(const Zpp32s* autoCorr, int order, Zpp16s* a, Z
   Zpp16s reflection[kMaxOrder];
   for (int i = 1; i <= order; ++i) {
     if (error.degenerate()) return zppStsOverflowWarn;
-    Zpp32s sum = 0;
-    for (int j = 1; j < i; ++j) sum = addSat32(sum, mulDpf(r[j], coef[i - j]));
-    sum = addSat32(shlSat32(sum, 4), fromDpf(r[i]));
+    const Zpp32s sum = addSat32(shlSat32(ownLevinsonSum_G729(r, coef, i), 4), fromDpf(r[i]));
     const Zpp32s k = shlSat32(negatedRatio(sum, error.alpha), error.exponent);
     reflection[i - 1] = high16(k);
     // The standard does not test the first stage.
     if (i > 1 && absSat16(reflection[i - 1]) > kMaxReflection) return zppStsOverflowWarn;
 
-    // Coefficients j and m = i - j are updated together, both from their old values.
-    for (int j = 1, m = i - 1; j <= m; ++j, --m) {
-      const Dpf oldJ = coef[j], oldM = coef[m];
-      coef[j] = toDpf(addSat32(mulDpf(toDpf(k), oldM), fromDpf(oldJ)));
-      coef[m] = toDpf(addSat32(mulDpf(toDpf(k), oldJ), fromDpf(oldM)));
-    }
+    ownLevinsonUpdate_G729(coef, i, toDpf(k));
     coef[i] = toDpf(k >> 4);
     error.reduceBy(toDpf(k));
   }
@@ -80,6 +73,24 @@ ZppStatus ownLevinsonDurbin_G729B(const Zpp32s* autoCorr, Zpp16s* a, Zpp16s* ref
 
 void ownLagWindow_G729_32s_I(Zpp32s* autoCorr, int len) {
   for (int i = 0; i < len; ++i) autoCorr[i] = mulDpf(toDpf(autoCorr[i]), toDpf(wlag[i]));
+}
+
+// The standard raises all lags by one, so that silence has a filter too.
+void ownLagWindow_G729E_32s_I(Zpp32s* autoCorr) {
+  constexpr int order = 30;
+  for (int i = 1; i <= order; ++i) autoCorr[i] = mulDpf(toDpf(autoCorr[i]), toDpf(wlagBackward[i - 1]));
+  const int norm = norm32(addSat32(autoCorr[0], 1));
+  const Zpp32s highest = kMax32 >> norm, lowest = kMin32 >> norm;  // that do not saturate
+  for (int i = 0; i <= order; ++i) {
+    const Zpp32s raised = addSat32(autoCorr[i], 1);
+    autoCorr[i] = raised > highest ? kMax32 : raised < lowest ? kMin32 : shlWrap32(raised, norm);
+  }
+}
+
+ZppStatus zppsLagWindow_G729E_32s_I(Zpp32s* srcDst) {
+  if (anyNull(srcDst)) return zppStsNullPointer;
+  ownLagWindow_G729E_32s_I(srcDst);
+  return zppStsOk;
 }
 
 ZppStatus zppsLevinsonDurbin_G729_32s16s(const Zpp32s* autoCorr, int order, Zpp16s* a, Zpp16s* refl, Zpp16s* energy) {

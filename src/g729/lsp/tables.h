@@ -51,5 +51,7 @@ extern const Zpp16s acos12[64];
 extern const Zpp16s slope_cos[64];
 // Lag window, lags 1..12: Q31, ITU-T G.729 names lag_h, lag_l (the last two lags: Annex B)
 extern const Zpp32s wlag[12];
-// Hybrid window of the backward LP analysis: 145, Q15, entry 0 for the newest sample, ITU-T G.729 Annex E name hw
+// Lag window of the backward LP analysis, lags 1..30: Q31, ITU-T G.729 Annex E names lag_h_bwd, lag_l_bwd
+extern const Zpp32s wlagBackward[30];
+// Hybrid window of the backward LP analysis: 145, Q15, the oldest sample first, ITU-T G.729 Annex E name hw (turned round)
 extern const Zpp16s hw[145];

@@ -1,7 +1,7 @@
 // Adaptive codebook: portable kernels. Sums saturate after each step, as the standard's do.
 #include "core/fixed_point.h"
-#include "g729/pitch/normalised_correlation.h"
 #include "g729/pitch/kernels.h"
+#include "g729/pitch/normalised_correlation.h"
 #include "g729/pitch/tables.h"
 
 using namespace zpp;

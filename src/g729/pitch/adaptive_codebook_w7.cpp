@@ -3,8 +3,8 @@
 
 #include "core/fixed_point.h"
 #include "core/kernels.h"
-#include "g729/pitch/normalised_correlation.h"
 #include "g729/pitch/kernels.h"
+#include "g729/pitch/normalised_correlation.h"
 #include "g729/pitch/tables.h"
 #include "lpc/kernels.h"
 #include "lpc/simd_correlation_w7.h"

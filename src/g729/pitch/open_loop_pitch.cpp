@@ -4,8 +4,8 @@
 #include "core/checks.h"
 #include "core/fixed_point.h"
 #include "core/kernels.h"
-#include "g729/pitch/normalised_correlation.h"
 #include "g729/pitch/kernels.h"
+#include "g729/pitch/normalised_correlation.h"
 #include "lpc/kernels.h"
 
 using namespace zpp;
@@ -135,7 +135,8 @@ int ownOpenLoopPitchSearch_G729A_16s(const Zpp16s* wsp) {
   Zpp32s energy;
   const bool loud = ownDotProd_G729A_16s32s(wsp - kMostLag, wsp - kMostLag, kSpan, &energy);
   if (loud || energy < kQuiet) {
-    (loud ? ownRShiftC_16s : ownLShiftC_16s)(wsp - kMostLag, copy, kSpan, 3);
+    // The energy is that of every second sample: the others may saturate.
+    (loud ? ownRShiftC_16s : ownLShiftCSat_16s)(wsp - kMostLag, copy, kSpan, 3);
     signal = copy + kMostLag;
   }
   const Phases phases(signal);

@@ -18,7 +18,7 @@ struct DelayedMatch {
 // ownNormaliseResidual_G729_16s: scaled = the 192 samples from residual[-152] on, shifted right by the result, -12..3, so that
 //   the OR of their magnitudes has 12 bits; 3 for silence.
 // ownMatchFractions_G729_16s: for each phase 1..7 the match of c[0..39] with c delayed by delay + 1 - phase/8, then by
-//   delay - phase/8. c within +-4096, which rules out overflow; 146 samples before it; delay 17..144.
+//   delay - phase/8. c within +-4096, which rules out overflow; 147 samples before it; delay 17..145.
 // ownInterpolate_G729_16s: dst[n] = the rounded sum of filter[i] * src[n - i], i = 0..taps-1, for 40 samples; taps 4 or 16;
 //   src within +-4096 and the filter a row of an interpolation table, which rules out overflow.
 // ownHarmonicFilter_G729_16s: dst = (x * gainX + y * gainY + 16384) >> 15; gains not negative, their sum 32768.
@@ -27,7 +27,7 @@ struct DelayedMatch {
 //   the low 16 bits of x[n] + factor * x[n - 1] / 2^14, rounded; x[-1] is `previous`; factor within +-16384, shift 11 or 14.
 // ownPreemphasize_G729A_16s: dst[n] = src[n] - (factor * src[n - 1] >> 15), saturated both times; src[-1] is `previous`; dst
 //   may be src.
-// ownMagnitudeSum_16s: sum of the magnitudes of 40 samples, 32768 counting as 32767.
+// ownMagnitudeSum_16s: exact sum of the magnitudes of 40 samples.
 // ownApplyGain_G729A_16s: srcDst[n] = srcDst[n] * gain[n] >> 12, saturated, 40 samples.
 // ownConvolveCircular_G729D_16s: dst[n] = the sum of code[p] * response[(n - p) mod 40] >> 15, p ascending, saturated after
 //   each; response above -32768.
@@ -45,5 +45,7 @@ struct DelayedMatch {
 
 ZPP_G729_POSTFILTER_KERNELS(ZPP_DECLARE_KERNEL)
 
-// The full-rate long-term postfilter; the delay selected, 0 when it is off. delay: 18..143, gainFactor: Q15, 0..16384
+// The full-rate long-term postfilter; the delay selected, 0 when it is off. delay: 18..144, of which the longest reads a sample
+// of history more; gainFactor: Q15, 0..16384
+inline constexpr int kLongestPostfilterDelay = 144;
 int ownLongTermPostFilter_G729_16s(Zpp16s gainFactor, int delay, const Zpp16s* residual, Zpp16s* dst);

@@ -127,9 +127,12 @@ Zpp16s residualGain(const Match& m, Zpp16s gainFactor) {
 }  // namespace
 
 int ownLongTermPostFilter_G729_16s(Zpp16s gainFactor, int delay, const Zpp16s* residual, Zpp16s* dst) {
-  Zpp16s scaled[kPostfilterHistory + kSubframe];
-  const int shift = ownNormaliseResidual_G729_16s(residual, scaled);
-  const Zpp16s* c = scaled + kPostfilterHistory;
+  Zpp16s scaled[1 + kPostfilterHistory + kSubframe];
+  const int shift = ownNormaliseResidual_G729_16s(residual, scaled + 1);
+  const Zpp16s* c = scaled + 1 + kPostfilterHistory;
+  // The longest delay reaches one sample further, which the scaling did not look at. The interpolation multiplies it by less
+  // than 0.004, so that its bounds still hold.
+  if (delay == kLongestPostfilterDelay) scaled[0] = shlSat16(residual[-kPostfilterHistory - 1], -shift);
   Selection best = ownSearchDel(c, delay);
   if (best.delay == 0) {
     std::memcpy(dst, residual, kSubframe * sizeof *dst);
@@ -146,7 +149,7 @@ int ownLongTermPostFilter_G729_16s(Zpp16s gainFactor, int delay, const Zpp16s* r
     else
       ownInterpolate_G729_16s(c - best.delay + 2, tab_hup_s[best.phase - 1], 4, interpolated);
     if (shift >= 0)
-      ownLShiftC_16s(interpolated, interpolated, kSubframe, shift);
+      ownLShiftCSat_16s(interpolated, interpolated, kSubframe, shift);
     else
       ownRShiftC_16s(interpolated, interpolated, kSubframe, -shift);
     delayed = interpolated;
@@ -178,6 +181,15 @@ void ownLongTermPostFilter_G729B_16s(int delay, const Zpp16s* speech, const Zpp1
 ZppStatus zppsLongTermPostFilter_G729_16s(Zpp16s gainFactor, int delay, const Zpp16s* residual, Zpp16s* dst, Zpp16s* delayOut) {
   if (anyNull(residual, dst, delayOut)) return zppStsNullPointer;
   if (outside(delay, 18, 143)) return zppStsOutOfRange;
+  if (outside<int>(gainFactor, 0, 16384)) return zppStsOutOfRange;
+  *delayOut = static_cast<Zpp16s>(ownLongTermPostFilter_G729_16s(gainFactor, delay, residual, dst));
+  return zppStsOk;
+}
+
+ZppStatus zppsLongTermPostFilter_G729I_16s(Zpp16s gainFactor, int delay, const Zpp16s* residual, Zpp16s* dst,
+                                           Zpp16s* delayOut) {
+  if (anyNull(residual, dst, delayOut)) return zppStsNullPointer;
+  if (outside(delay, 18, kLongestPostfilterDelay)) return zppStsOutOfRange;
   if (outside<int>(gainFactor, 0, 16384)) return zppStsOutOfRange;
   *delayOut = static_cast<Zpp16s>(ownLongTermPostFilter_G729_16s(gainFactor, delay, residual, dst));
   return zppStsOk;

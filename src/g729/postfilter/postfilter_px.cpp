@@ -78,7 +78,7 @@ void ownPreemphasize_G729A_16s_PX(const Zpp16s* src, Zpp16s* dst, int len, Zpp16
 
 Zpp32s ownMagnitudeSum_16s_PX(const Zpp16s* src) {
   Zpp32s sum = 0;
-  for (int n = 0; n < kSubframe; ++n) sum += absSat16(src[n]);
+  for (int n = 0; n < kSubframe; ++n) sum += src[n] < 0 ? -src[n] : src[n];
   return sum;
 }
 

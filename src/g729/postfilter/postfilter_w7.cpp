@@ -133,7 +133,10 @@ void ownPreemphasize_G729A_16s_W7(const Zpp16s* src, Zpp16s* dst, int len, Zpp16
 
 Zpp32s ownMagnitudeSum_16s_W7(const Zpp16s* src) {
   V sum = _mm_setzero_si128();
-  for (int n = 0; n < kSubframe; n += 8) sum = _mm_add_epi32(sum, _mm_madd_epi16(magnitudes(load(src + n)), _mm_set1_epi16(1)));
+  for (int n = 0; n < kSubframe; n += 8) {
+    const V x = load(src + n), signs = _mm_or_si128(_mm_srai_epi16(x, 15), _mm_set1_epi16(1));
+    sum = _mm_add_epi32(sum, _mm_madd_epi16(x, signs));
+  }
   return sumLanes32(sum);
 }
 
