@@ -160,8 +160,10 @@ void SpeechDecoder::decodeSpeech(ReceiveType type, int mode, const Zpp8u* bits, 
     std::copy_n(excitation, kSubframe, vector);
     std::copy_n(excitation, kSubframe, enhanced);
     require(zppsExcitation_AMRWB_16s_I(code, excitation, scaledGain, gainPitch));
-    Zpp16s largest = 1;
-    for (int n = 0; n < kSubframe; ++n) largest = std::max(largest, absSat16(excitation[n]));
+    Zpp16s most = 0, least = 0;
+    require(zppsMax_16s(excitation, kSubframe, &most));
+    require(zppsMin_16s(excitation, kSubframe, &least));
+    const Zpp16s largest = std::max({most, absSat16(least), Zpp16s{1}});
     std::copy_backward(subframeScales_, subframeScales_ + kSubframes - 1, subframeScales_ + kSubframes);
     subframeScales_[0] = static_cast<Zpp16s>(norm16(largest) + scaling - 1);
 

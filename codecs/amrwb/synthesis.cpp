@@ -34,7 +34,7 @@ void Synthesis::subframe(const Zpp16s* lpc, const Zpp16s* excitation, int scale,
     for (Zpp16s& x : noise) x = mulQ15(x, gain);
   }
   makeHighBand(lpc, highBand, noise);
-  for (int n = 0; n < kInputSubframe; ++n) pcm[n] = addSat16(pcm[n], noise[n]);
+  require(zppsAdd_16s_I(noise, pcm, kInputSubframe));
 }
 
 // Shapes the noise by a spectrum and limits it to the band.

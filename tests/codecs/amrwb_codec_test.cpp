@@ -1,5 +1,5 @@
-// AMR-WB on streams: all rates, pauses, changes of rate, homing, damaged and lost frames, and the three framings. What decoders
-// give is compared frame by frame with checksums of the standard's output.
+// AMR-WB on streams: all rates, pauses, changes of rate, homing frames and the three framings (amrwb_decoder_test.cpp has
+// damage and losses). What decoders give is compared frame by frame with checksums of the standard's output.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,7 +13,6 @@ namespace {
 
 using codecs::framing::Bytes;
 using codecs::framing::Format;
-using codecs::framing::Reception;
 using codecs::framing::Samples;
 using codecs::framing::StreamError;
 
@@ -59,21 +58,14 @@ TEST(AmrWbCodec, SendsDescriptorsInPausesWhileTheRateChanges) {
 }
 
 TEST(AmrWbCodec, HomingFramesResetBothSides) {
-  const Bytes expected = fileBytes(path("homing.awb"));
-  EXPECT_TRUE(encoded(codecNamed("amr-wb-12.65"), "rfc4867", filePcm(path("homing.pcm"))) == expected);
+  const Bytes expected = fileBytes(path("homing_frames.awb"));
+  EXPECT_TRUE(encoded(codecNamed("amr-wb-12.65"), "rfc4867", filePcm(path("homing_frames.pcm"))) == expected);
   compare(decoded(codecNamed("amr-wb"), "rfc4867", expected), "homing_frames");
 }
 
-TEST(AmrWbCodec, DecodesPausesDamageAndLosses) {
-  for (const std::string label :
-       {"switch", "12650_errors", "6600_errors", "dtx_23850_errors", "start", "limits", "states", "homing"}) {
-    const GoldenCase golden = caseOf(label);
-    Reception reception;
-    if (golden.in.count("types"))
-      for (const double type : golden.in.at("types")) reception.receiveTypes.push_back(static_cast<int>(type));
-    const std::string file = label == "homing" ? "decoder_homing" : label;
-    compare(decoded(format("amr-wb", "rfc4867", false), fileBytes(path(file + ".awb")), 0, reception), label);
-  }
+// Frames that the serial format marks as lost, and comfort noise of another rate than the speech before, which only the words
+// of the test program tell
+TEST(AmrWbCodec, TakesLossesAndRatesFromTheFile) {
   compare(decoded(codecNamed("amr-wb"), "itu", fileBytes(path("lost.itu")), 7), "lost");
   compare(decoded(codecNamed("amr-wb"), "words", fileBytes(path("noise_modes.words"))), "noise_modes");
 }

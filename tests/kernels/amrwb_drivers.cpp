@@ -2,6 +2,7 @@
 #include "amrwb/filters/kernels.h"
 #include "amrwb/fixed_codebook/kernels.h"
 #include "amrwb/isf/kernels.h"
+#include "amrwb/noise/kernels.h"
 #include "amrwb/pitch/kernels.h"
 
 #include "amrwb/arithmetic.h"
@@ -15,6 +16,7 @@ ZPP_AMRWB_EXCITATION_KERNELS(ZPP_KERNEL_TYPE)
 ZPP_AMRWB_FILTER_KERNELS(ZPP_KERNEL_TYPE)
 ZPP_AMRWB_FIXED_CODEBOOK_KERNELS(ZPP_KERNEL_TYPE)
 ZPP_AMRWB_ISF_KERNELS(ZPP_KERNEL_TYPE)
+ZPP_AMRWB_NOISE_KERNELS(ZPP_KERNEL_TYPE)
 ZPP_AMRWB_PITCH_KERNELS(ZPP_KERNEL_TYPE)
 
 void runAmrWbKernels(const Options& options, Tally& tally) {
@@ -22,6 +24,7 @@ void runAmrWbKernels(const Options& options, Tally& tally) {
   ZPP_AMRWB_FILTER_KERNELS(ZPP_RUN_KERNEL)
   ZPP_AMRWB_FIXED_CODEBOOK_KERNELS(ZPP_RUN_KERNEL)
   ZPP_AMRWB_ISF_KERNELS(ZPP_RUN_KERNEL)
+  ZPP_AMRWB_NOISE_KERNELS(ZPP_RUN_KERNEL)
   ZPP_AMRWB_PITCH_KERNELS(ZPP_RUN_KERNEL)
 }
 
@@ -38,15 +41,16 @@ const Zpp16s* within(Rig& rig, int n, Zpp16s most, int history = 0) {
   return rig.template in<Zpp16s>(n, static_cast<Zpp16s>(-most), most, history);
 }
 
-// LP coefficients 1.0 and a decaying rest; now and then ones that saturate
+// LP coefficients 1.0 and a decaying rest: mostly of a stable filter, now and then of one that soon saturates
 template <class Rig>
 const Zpp16s* filter(Rig& rig, int order) {
   const bool wild = rig.scalar(0, 5) == 0;
+  const int strength = rig.scalar(0, 5) == 0 ? 4 : 1;
   const auto unit = static_cast<Zpp16s>(4096 >> rig.scalar(0, 4));
   return rig.template made<Zpp16s>(order + 1, [&](Zpp16s* a) {
     a[0] = unit;
     for (int j = 1; j <= order; ++j)
-      a[j] = static_cast<Zpp16s>(wild ? rig.scalar(-32768, 32767) : rig.scalar(-unit, unit) * 2 / (j + 1));
+      a[j] = static_cast<Zpp16s>(wild ? rig.scalar(-32768, 32767) : rig.scalar(-unit, unit) * strength / (2 * j + 2));
   });
 }
 
@@ -101,6 +105,11 @@ DRIVE(ownSynthesisFilter_AMRWB_16s32s, {{1, 3, 4, 5, 16, 23, 64}, {64}}) {
   const Zpp32s most = rig.scalar(0, 3) == 0 ? (1 << 27) - 1 : 1 << 22;
   auto* dst = rig.inOut<Zpp32s>(n, -most, most, 16);
   rig.run(filter(rig, 16), within(rig, n, level(rig)), dst, n, rig.scalar(0, 8));
+}
+
+DRIVE(ownNoise_AMRWB_16s, {{8, 16, 80, 256}, {80, 256}}) {
+  auto* seed = rig.inOut<Zpp16s>(1);
+  rig.run(rig.out<Zpp16s>(n), n, rig.scalar(0, 4), seed);
 }
 
 DRIVE(ownNormCorr_AMRWB_16s, only({1, 9, 24})) {

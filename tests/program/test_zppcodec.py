@@ -297,6 +297,50 @@ class GsmAmr(ProgramTest):
                 self.assertSimilar(theirs.stdout, own, 0.5)
 
 
+class AmrWb(ProgramTest):
+    """Storage files: rates that change, receive types and losses from files, and other programs."""
+
+    @staticmethod
+    def vectors(name):
+        return data(os.path.join("..", "..", "vectors", "amrwb", "streams", name))
+
+    def test_rates_types_and_losses_come_from_files(self):
+        stored = self.vectors("pauses.awb")
+        speech, words = self.vectors("pauses.pcm"), struct.Struct("<H")
+        rates = [8, 8, 5] + 5 * [8] + [5] + 3 * [0] + 8 * [2] + 8 * [8] + 8 * [0] + 9 * [2] + [1]
+        file = self.file("rates", b"".join(words.pack(rate) for rate in rates))
+        mixed = run("encode", "-c", "amr-wb", "--rates", file, "--dtx", "--raw", "-", "-", stdin=speech)
+        self.assertDone(mixed, stored)
+        options = ["-c", "amr-wb", "--raw", "-", "-"]
+        whole = run("decode", *options, stdin=stored).stdout
+        # The third frame lost, by a list of losses and by receive types
+        lost = self.file("lost", words.pack(0) * 2 + words.pack(1))
+        types = self.file("types", b"0 0\n2\n")
+        holed = run("decode", "--lost", lost, *options, stdin=stored).stdout
+        self.assertEqual((len(holed), holed[:1280] == whole[:1280], holed == whole), (len(speech), True, False))
+        self.assertDone(run("decode", "--frame-types", types, *options, stdin=stored), holed)
+
+    def test_refusals(self):
+        options = ["decode", "-c", "amr-wb-12.65", "--raw", "-", "-"]
+        for stream, reason in (b"#!AMR\n" + bytes(9), b"#!AMR-WB"), (self.vectors("mode2.awb")[:-1], b"no whole frame"):
+            refused = run(*options, stdin=stream)
+            self.assertEqual(refused.returncode, 2)
+            self.assertIn(reason, refused.stderr)
+
+    @unittest.skipUnless(shutil.which("ffmpeg"), "no ffmpeg")
+    def test_another_decoder_hears_the_same(self):
+        # The other decoder computes in floating point, and its noise above 6.4 kHz is another.
+        for codec, most in ("amr-wb-12.65", 0.03), ("amr-wb-23.85", 0.03), ("amr-wb-6.60", 0.15):
+            with self.subTest(codec=codec):
+                stream = run("encode", "-c", codec, "--raw", "-", "-", stdin=self.vectors("speech.pcm")).stdout
+                ours = samples(run("decode", "-c", codec, "--raw", "-", "-", stdin=stream).stdout)
+                command = ["ffmpeg", "-v", "error", "-f", "amr", "-i", self.file("speech.awb", stream), "-f", "s16le", "-"]
+                theirs = samples(subprocess.run(command, stdin=subprocess.DEVNULL, capture_output=True, timeout=120).stdout)
+                self.assertEqual(len(theirs), len(ours))
+                error = sum((a - b) ** 2 for a, b in zip(ours, theirs))
+                self.assertLess(error, most * sum(a * a for a in ours))
+
+
 class Measures(ProgramTest):
     def test_roundtrip_measures_the_signal_that_decode_delivers(self):
         speech = self.file("speech.pcm", data("speech.pcm"))

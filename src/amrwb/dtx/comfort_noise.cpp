@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "amrwb/dtx/kernels.h"
+#include "amrwb/noise/kernels.h"
 #include "core/checks.h"
 
 using namespace zpp;
@@ -47,7 +48,7 @@ void ownComfortNoise_AMRWB_16s(Zpp16s* dst, Zpp32s logEnergy, Zpp16s* seed) {
   const Zpp16s exponent = addSat16(high16(logEnergy), 15);
   const auto fraction = static_cast<Zpp16s>((logEnergy & 0xffff) >> 1);
   const Floating level = normalised(ownPow2(exponent, fraction));
-  for (int n = 0; n < kFrame; ++n) dst[n] = shr16(nextRandom(*seed), 4);
+  ownNoise_AMRWB_16s(dst, kFrame, 4, seed);
   const Floating root = inverseSqrt(energy12(dst, kFrame));
   const Zpp16s gain = mulQ15(high16(level.mantissa), high16(root.mantissa));
   const int shift = level.exponent - 15 + root.exponent + 4;

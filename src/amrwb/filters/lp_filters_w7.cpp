@@ -7,19 +7,15 @@
 #include <cstring>
 
 #include "amrwb/filters/kernels.h"
-#include "core/simd_w7.h"
+#include "amrwb/simd_w7.h"
 
 using namespace zpp;
-using amrwb::kOrder;
+using namespace zpp::amrwb;
 
 namespace {
 
 // The sum of the magnitudes of 16 coefficients or more
 int magnitudesOf(const Zpp16s* coef, int count) {
-  const auto magnitudes = [](V a) {
-    const V sign = _mm_srai_epi16(a, 15);
-    return _mm_madd_epi16(a, _mm_or_si128(sign, _mm_set1_epi16(1)));
-  };
   int sum = sumLanes32(_mm_add_epi32(magnitudes(load(coef)), magnitudes(load(coef + 8))));
   for (int i = 16; i < count; ++i) sum += std::abs(coef[i]);
   return sum;
@@ -166,7 +162,11 @@ void ownSynthesisFilter_AMRWB_16s32s_W7(const Zpp16s* lpc, const Zpp16s* src, Zp
   const Zpp64s room = (Zpp64s{1} << 30) - 2 * magnitudes - Zpp64s{ownMaxAbs_16s(src, len) + 1} * std::abs(inputFactor);
   const Zpp32s harmless = room < 0 ? -1 : static_cast<Zpp32s>(std::min<Zpp64s>(32766, room / magnitudes));
   bool isHarmless = shift <= 8 && magnitudes < 1 << 18 && harmless >= 0;
-  for (int j = 1; j <= kOrder; ++j) isHarmless = isHarmless && std::abs(dst[-j] / 4096) < harmless;
+  const auto upperWords = [](const Zpp32s* y) {
+    return _mm_packs_epi32(_mm_srai_epi32(load(y), 12), _mm_srai_epi32(load(y + 4), 12));
+  };
+  const V older = upperWords(dst - 16), newer = upperWords(dst - 8);
+  isHarmless = isHarmless && largestMagnitude(_mm_max_epi16(older, newer), _mm_min_epi16(older, newer)) < harmless;
   const Zpp32s limit = isHarmless ? (harmless * 65536) >> shift : 0;
 
   int n = 0;

@@ -50,12 +50,22 @@ void ownUpSampling_AMRWB_16s_W7(const Zpp16s* src, Zpp16s* dst, int len, Zpp16s*
   const Zpp16s* x = signal + 1;
   for (int n = 0; n < len; n += 4, x += 4, dst += 5) {
     dst[0] = x[11];  // the filter of fraction 0 is a delay
-    if (loud && ownMaxAbs_16s(x, kUpSamplingMemory + 3) > largest) {
-      for (int f = 1; f < 5; ++f)
-        dst[f] = roundHigh16(shlSat32(dotProductStepwise(x + 4 * f / 5, upSamplingTaps[(4 * f) % 5], kUpSamplingMemory, 0), 1));
-      continue;
-    }
     V sum[4];
+    if (loud) {
+      unrolled<4>([&](auto i) {
+        constexpr int f = i + 1;
+        const Zpp16s* const taps = upSamplingTaps[(4 * f) % 5];
+        const V t[3] = {load(taps), load(taps + 8), load(taps + 16)};
+        sum[i] = windowMagnitudes<3>(x + 4 * f / 5, t);
+      });
+      const V limit = _mm_set1_epi32((1 << 30) - 1);
+      if (_mm_movemask_epi8(_mm_cmpgt_epi32(sumsOfLanes32(sum[0], sum[1], sum[2], sum[3]), limit)) != 0) {
+        for (int f = 1; f < 5; ++f)
+          dst[f] =
+              roundHigh16(shlSat32(dotProductStepwise(x + 4 * f / 5, upSamplingTaps[(4 * f) % 5], kUpSamplingMemory, 0), 1));
+        continue;
+      }
+    }
     unrolled<4>([&](auto i) {
       constexpr int f = i + 1;
       const Zpp16s* const taps = upSamplingTaps[(4 * f) % 5];
@@ -68,22 +78,25 @@ void ownUpSampling_AMRWB_16s_W7(const Zpp16s* src, Zpp16s* dst, int len, Zpp16s*
 
 void ownHighBandFilter_AMRWB_16s_I_W7(const Zpp16s* coef, Zpp16s* srcDst, int len, int inputShift, Zpp16s* mem) {
   constexpr int block = 80;
-  int magnitudes = 1;
-  for (int i = 0; i <= kHighBandMemory; ++i) magnitudes += std::abs(coef[i]);
-  const int largest = ((1 << 30) - 1) / magnitudes;
-  const int largestInput = ownMaxAbs_16s(srcDst, len) + (inputShift > 0 ? (1 << inputShift) - 1 : 0);
-  if (largestInput >> inputShift > largest || ownMaxAbs_16s(mem, kHighBandMemory) > largest)
-    return ownHighBandFilter_AMRWB_16s_I_PX(coef, srcDst, len, inputShift, mem);
-
   V taps[4];
   for (int i = 0; i < 3; ++i) taps[i] = load(coef + 8 * i);
   taps[3] = loadFirst(coef + 24, 7);
+  const V sums = _mm_add_epi32(_mm_add_epi32(magnitudes(taps[0]), magnitudes(taps[1])),
+                               _mm_add_epi32(magnitudes(taps[2]), magnitudes(taps[3])));
+  const int largest = ((1 << 30) - 1) / (sumLanes32(sums) + 1);
+  const int largestInput = ownMaxAbs_16s(srcDst, len) + (1 << inputShift) - 1;
+  if (largestInput >> inputShift > largest || ownMaxAbs_16s(mem, kHighBandMemory) > largest)
+    return ownHighBandFilter_AMRWB_16s_I_PX(coef, srcDst, len, inputShift, mem);
+
+  const V shift = _mm_cvtsi32_si128(inputShift);
   Zpp16s signal[kHighBandMemory + block + 8] = {};
   std::memcpy(signal, mem, kHighBandMemory * sizeof(Zpp16s));
   while (len > 0) {
     const int count = len < block ? len : block;
-    for (int n = 0; n < count; ++n) signal[kHighBandMemory + n] = shr16(srcDst[n], inputShift);
     int n = 0;
+    for (; n + 8 <= count; n += 8) store(signal + kHighBandMemory + n, _mm_sra_epi16(load(srcDst + n), shift));
+    for (; n < count; ++n) signal[kHighBandMemory + n] = shr16(srcDst[n], inputShift);
+    n = 0;
     for (; n + 4 <= count; n += 4)
       storeFour(srcDst + n, rounded(sumsOfLanes32(windowSums<4>(signal + n, taps), windowSums<4>(signal + n + 1, taps),
                                                   windowSums<4>(signal + n + 2, taps), windowSums<4>(signal + n + 3, taps)),

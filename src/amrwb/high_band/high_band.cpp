@@ -1,6 +1,7 @@
 // Noise of the high band and its gain (3GPP TS 26.190 clauses 5.10 and 6.3).
 #include "amrwb/high_band/kernels.h"
 #include "amrwb/high_band/tables.h"
+#include "amrwb/noise/kernels.h"
 #include "core/checks.h"
 
 using namespace zpp;
@@ -45,10 +46,10 @@ void ownHighBandNoise_AMRWB_16s(const Zpp16s* src, Zpp16s* dst, int scale, Zpp16
   scaleRound16(src, excitation, kSubframe, -3);
   Floating wanted = energy12(excitation, kSubframe);
   wanted.exponent -= 2 * (scale - 3);
-  for (int n = 0; n < kHighBandSubframe; ++n) dst[n] = shr16(nextRandom(*seed), 3);
+  ownNoise_AMRWB_16s(dst, kHighBandSubframe, 3, seed);
   const Floating ratio = levelRatio(wanted, energy12(dst, kHighBandSubframe));
   const Zpp16s gain = high16(shlSat32(ratio.mantissa, ratio.exponent + 1));
-  for (int n = 0; n < kHighBandSubframe; ++n) dst[n] = mulQ15(dst[n], gain);
+  for (int n = 0; n < kHighBandSubframe; ++n) dst[n] = static_cast<Zpp16s>((dst[n] * gain) >> 15);  // dst is of 13 bits
 }
 
 Zpp16s ownHighBandGain_AMRWB_16s(const Zpp16s* src, int vadHist) {

@@ -11,6 +11,9 @@ namespace {
 
 constexpr int kMaxHalf = 10;
 
+// The double-precision product as one of 64 bits, for c other than -32768: the two halves of x share its factor.
+constexpr Zpp32s product(Zpp32s x, Zpp16s c) { return 2 * static_cast<Zpp32s>((Zpp64s{x >> 1} * c) >> 15); }
+
 // f = the product over i of (1 - 2 isp[2i] z + z^2), its first degree + 1 coefficients, in Q23 (Get_isp_pol). The high band's
 // filters need two bits of headroom while the product grows.
 void multiplyOut(const Zpp16s* isp, Zpp32s* f, int degree, bool headroom) {
@@ -20,7 +23,10 @@ void multiplyOut(const Zpp16s* isp, Zpp32s* f, int degree, bool headroom) {
   for (int i = 2; i <= degree; ++i) {
     const Zpp16s q = isp[2 * (i - 1)];
     f[i] = f[i - 2];
-    for (int t = i; t >= 2; --t) f[t] = addSat32(subSat32(f[t], shlSat32(mulDpf16(toDpf(f[t - 1]), q), 1)), f[t - 2]);
+    for (int t = i; t >= 2; --t) {
+      const Zpp32s half = q == kMin16 ? mulDpf16(toDpf(f[t - 1]), q) : product(f[t - 1], q);
+      f[t] = addSat32(subSat32(f[t], addSat32(half, half)), f[t - 2]);
+    }
     f[1] = msuDbl(f[1], q, unit);
   }
   if (headroom)
