@@ -1,9 +1,9 @@
-#include "codecs/g729f/postfilter.h"
+#include "codecs/g729/single_precision/postfilter.h"
 
 #include <cmath>
 
 #include "codecs/codec.h"
-#include "codecs/g729f/tables.h"
+#include "codecs/g729/single_precision/tables.h"
 
 namespace codecs::g729f {
 namespace {

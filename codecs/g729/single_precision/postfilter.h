@@ -1,7 +1,7 @@
 // The postfilter of ITU-T G.729 Annex C (clauses 4.2 and A.4.2): long-term, short-term, tilt compensation, gain control.
 #pragma once
 
-#include "codecs/g729f/filters.h"
+#include "codecs/g729/single_precision/filters.h"
 
 namespace codecs::g729f {
 

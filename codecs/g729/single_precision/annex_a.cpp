@@ -1,6 +1,6 @@
 // The encoder of Annex A: the weighted synthesis filter is 1/A(z/0.75) of the quantised filter.
 #include "codecs/codec.h"
-#include "codecs/g729f/encoder.h"
+#include "codecs/g729/single_precision/encoder.h"
 
 namespace codecs::g729f {
 

@@ -1,4 +1,4 @@
-#include "codecs/g729f/tables.h"
+#include "codecs/g729/single_precision/tables.h"
 
 namespace codecs::g729f {
 

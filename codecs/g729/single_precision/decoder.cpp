@@ -1,11 +1,11 @@
-#include "codecs/g729f/decoder.h"
+#include "codecs/g729/single_precision/decoder.h"
 
 #include <cmath>
 
 #include "codecs/codec.h"
 #include "codecs/g729/delay_coding.h"
-#include "codecs/g729f/functions.h"
-#include "codecs/g729f/tables.h"
+#include "codecs/g729/single_precision/functions.h"
+#include "codecs/g729/single_precision/tables.h"
 
 namespace codecs::g729f {
 namespace {

@@ -1,8 +1,8 @@
-#include "codecs/g729f/encoder.h"
+#include "codecs/g729/single_precision/encoder.h"
 
 #include "codecs/codec.h"
 #include "codecs/g729/delay_coding.h"
-#include "codecs/g729f/tables.h"
+#include "codecs/g729/single_precision/tables.h"
 
 namespace codecs::g729f {
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "codecs/g729/frame.h"
+#include "codecs/g729/single_precision/filters.h"
 #include "codecs/g729/taming.h"
-#include "codecs/g729f/filters.h"
 
 namespace codecs::g729f {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "codecs/g729/frame.h"
-#include "codecs/g729f/postfilter.h"
+#include "codecs/g729/single_precision/postfilter.h"
 
 namespace codecs::g729f {
 

@@ -2,8 +2,8 @@
 // but they do not choose the same bits.
 #pragma once
 
-#include "codecs/g729f/decoder.h"
-#include "codecs/g729f/encoder.h"
+#include "codecs/g729/single_precision/decoder.h"
+#include "codecs/g729/single_precision/encoder.h"
 
 namespace codecs::g729f {
 

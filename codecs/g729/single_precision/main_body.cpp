@@ -2,9 +2,9 @@
 #include <cmath>
 
 #include "codecs/codec.h"
-#include "codecs/g729f/encoder.h"
-#include "codecs/g729f/functions.h"
-#include "codecs/g729f/tables.h"
+#include "codecs/g729/single_precision/encoder.h"
+#include "codecs/g729/single_precision/functions.h"
+#include "codecs/g729/single_precision/tables.h"
 
 namespace codecs::g729f {
 namespace {

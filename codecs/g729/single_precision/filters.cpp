@@ -1,4 +1,4 @@
-#include "codecs/g729f/filters.h"
+#include "codecs/g729/single_precision/filters.h"
 
 #include "codecs/codec.h"
 
