@@ -5,6 +5,7 @@
 //   explicit Encoder(const Options& options);
 //   int encode(const Zpp16s* pcm, Zpp8u* payload);      one frame; the octets written, 0 where nothing is sent
 //   void setBitRate(int bitRate);                       codecs whose rate may change from frame to frame
+//   int unsent(Zpp8u* payload) const;                   codecs whose standard keeps in its files what was not sent: that payload
 //   unsigned flags() const;                             what the standard's test files tell of the last frame beside its bits
 //
 //   explicit Decoder(const Options& options);

@@ -1,6 +1,7 @@
 // The table of codecs. A codec moves in with one row.
 #include "codecs/registry.h"
 
+#include "codecs/amr/amr.h"
 #include "codecs/amrwb/decoder.h"
 #include "codecs/amrwb/encoder.h"
 #include "codecs/g711/g711.h"
@@ -10,7 +11,7 @@
 #include "codecs/g728/decoder.h"
 #include "codecs/g728/encoder.h"
 #include "codecs/g729/g729.h"
-#include "codecs/g729f/g729f.h"
+#include "codecs/g729/single_precision/g729f.h"
 #include "codecs/gsmfr/gsmfr.h"
 
 namespace codecs {
@@ -62,14 +63,16 @@ constexpr CodecRow kRows[] = {
         about("g729", "ITU-T G.729", "G729", 8000, 40, k8000, 8000, kDtx | kConcealment)),
     codecRow<g729::EncoderA, g729::DecoderA, 80, 10>(
         about("g729a", "ITU-T G.729 Annex A", "G729", 8000, 40, k8000, 8000, kDtx | kConcealment)),
-    codecRow<gsmfr::Encoder, gsmfr::Decoder, gsmfr::kFrame, gsmfr::kPayload>(
-        about("gsm-fr", "3GPP TS 46.010 (GSM full rate)", "GSM", 8000, 0, k13000, 13000, kDtx | kConcealment)),
     codecRow<g729::EncoderI, g729::DecoderI, 80, 15>(
         about("g729i", "ITU-T G.729 Annex I", "G729", 8000, 40, kG729, 8000, kDtx | kConcealment)),
     codecRow<g729f::Encoder<g729f::MainBodyEncoder>, g729f::Decoder<g729f::MainBodyPostfilter>, 80, 10>(
         about("g729f", "ITU-T G.729 Annex C", "G729", 8000, 40, k8000, 8000, kConcealment)),
     codecRow<g729f::Encoder<g729f::AnnexAEncoder>, g729f::Decoder<g729f::AnnexAPostfilter>, 80, 10>(
         about("g729af", "ITU-T G.729 Annex C (Annex A)", "G729", 8000, 40, k8000, 8000, kConcealment)),
+    codecRow<gsmfr::Encoder, gsmfr::Decoder, gsmfr::kFrame, gsmfr::kPayload>(
+        about("gsm-fr", "3GPP TS 46.010 (GSM full rate)", "GSM", 8000, 0, k13000, 13000, kDtx | kConcealment)),
+    codecRow<amr::Encoder, amr::Decoder, amr::kFrame, amr::kMaxPayload>(
+        about("amr", "3GPP TS 26.071 (GSM-AMR)", "AMR", 8000, 40, amr::kBitRates, 12200, kDtx | kConcealment), 1),
     codecRow<amrwb::Encoder, amrwb::Decoder, amrwb::kInputFrame, amrwb::kMaxPayload>(
         about("amr-wb", "3GPP TS 26.171 (AMR-WB, ITU-T G.722.2)", "AMR-WB", 16000, 95, kAmrWb, 12650, kDtx | kConcealment)),
 };

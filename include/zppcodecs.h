@@ -13,13 +13,19 @@
  *   g726                    codes without gaps, the first in the least significant bits (RFC 3551 G726-16 ... G726-40); with
  *                           variant 1 in the most significant ones (AAL2-G726-16 ..., ITU-T I.366.2 Annex E)
  *   g722.1                  60 octets at 24 kbit/s, 80 at 32 kbit/s (RFC 5577)
+ *   g723.1                  24 octets at 6.3 kbit/s, 20 at 5.3 kbit/s, 4 of a silence descriptor, told apart by the two least
+ *                           significant bits of the first octet; the first bit is the least significant one of an octet
+ *                           (RFC 3551). The decoder also takes the single octet that stands for nothing sent in files
+ *   g728                    5 octets, four indices of 10 bits (RFC 3551)
  *   g729, g729a             10 octets of speech, 2 of a silence descriptor (RFC 3551)
- *   gsm-fr                  33 octets, speech or silence descriptor: a signature of four bits, then the parameters (RFC 3551).
- *                           In discontinuous transmission every frame has a payload; a link leaves out those of a pause
- *                           behind the first descriptor, but for one in 24, and the decoder takes them as not sent
  *   g729i                   8, 10 or 15 octets of speech at 6.4, 8 and 11.8 kbit/s (RFC 3551: G729D, G729, G729E), 2 of a
  *                           silence descriptor
  *   g729f, g729af           those of g729, g729a, in single precision
+ *   gsm-fr                  33 octets, speech or silence descriptor: a signature of four bits, then the parameters (RFC 3551).
+ *                           In discontinuous transmission every frame has a payload; a link leaves out those of a pause
+ *                           behind the first descriptor, but for one in 24, and the decoder takes them as not sent
+ *   amr, amr-wb             a frame of the storage format of RFC 4867: an octet with the frame's type and quality bit, then its
+ *                           octet-aligned bits. A cleared quality bit marks a damaged frame, type 15 one without data
  *
  * In discontinuous transmission a frame for which nothing is sent has a payload of 0 octets.
  */
@@ -92,9 +98,11 @@ ZPPCAPI const char* zppcErrorText(int error);
 /* How a stream is coded. All zero: the codec's defaults. */
 typedef struct {
   int bitRate; /* bit/s; 0: the default */
-  int dtx;     /* 1: discontinuous transmission (encoder; decoders understand it always); 0: none */
-  int variant; /* a choice of the codec's own, 0 the usual one. g726: 1, the bit order of AAL2. Another value than the codec
-                  knows is ZPPC_ERROR_OPTION. */
+  int dtx;     /* 1: discontinuous transmission; 0: none. Decoders understand it always, but for that of gsm-fr, whose silence
+                  descriptors are not told from speech by their size: it looks for them where dtx is 1 */
+  int variant; /* a choice of the codec's own, 0 the usual one. g726: 1, the bit order of AAL2. g723.1: 1, no high-pass filter
+                  (encoder), no postfilter (decoder). g728: 1, no postfilter (decoder). amr: 1, voice activity detection option
+                  2 (encoder). Another value than the codec knows is ZPPC_ERROR_OPTION. */
 } ZppcOptions;
 
 /* Bytes of memory that a stream of this codec needs, at any alignment.

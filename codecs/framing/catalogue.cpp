@@ -1,4 +1,5 @@
 // The names under which the program offers the codecs, and how their payloads may lie in files.
+#include "codecs/framing/amr_files.h"
 #include "codecs/framing/amrwb_files.h"
 #include "codecs/framing/framing.h"
 #include "codecs/framing/groups.h"
@@ -34,6 +35,15 @@ Entry g723(std::string_view name, int bitRate) {
   static const std::vector<Choice> framings = {{"frames", kindsAndOctets}, {"rfc3551", kindsAndOctetsOfSpeech}};
   Entry named = decodingWithout("no-postfilter", entry(name, "g723.1", bitRate, {24, 20, 4}, framings));
   named.encoderSwitch = "no-highpass";
+  named.everyRate = bitRate == 0;
+  return named;
+}
+
+// A name for a rate of GSM-AMR, 0 for all
+Entry amr(std::string_view name, int bitRate) {
+  static const std::vector<Choice> framings = {{"rfc4867", amrStorage}, {"words", amrSentWords}, {"rx", amrReceivedWords}};
+  Entry named = entry(name, "amr", bitRate == 0 ? 12200 : bitRate, {32, 27, 21, 20, 18, 16, 14, 13, 6, 1}, framings);
+  named.encoderSwitch = "vad";
   named.everyRate = bitRate == 0;
   return named;
 }
@@ -76,12 +86,21 @@ const std::vector<Entry>& catalogue() {
       entry("g729a", "g729a", 8000, {10, 2}, celp),
       entry("g729b", "g729", 8000, {10, 2}, celp, true),
       entry("g729ab", "g729a", 8000, {10, 2}, celp, true),
-      entry("gsm-fr", "gsm-fr", 13000, {33}, rpe),
       entry("g729d", "g729i", 6400, {8, 2}, celp),
       entry("g729e", "g729i", 11800, {15, 2}, celp),
       entry("g729i", "g729i", 8000, {15, 10, 8, 2}, celp, false, true),
       entry("g729f", "g729f", 8000, {10}, celp),
       entry("g729af", "g729af", 8000, {10}, celp),
+      entry("gsm-fr", "gsm-fr", 13000, {33}, rpe),
+      amr("amr-4.75", 4750),
+      amr("amr-5.15", 5150),
+      amr("amr-5.90", 5900),
+      amr("amr-6.70", 6700),
+      amr("amr-7.40", 7400),
+      amr("amr-7.95", 7950),
+      amr("amr-10.2", 10200),
+      amr("amr-12.2", 12200),
+      amr("amr", 0),
       entry("amr-wb-6.60", "amr-wb", 6600, wideBandOctets, wideBand),
       entry("amr-wb-8.85", "amr-wb", 8850, wideBandOctets, wideBand),
       entry("amr-wb-12.65", "amr-wb", 12650, wideBandOctets, wideBand),

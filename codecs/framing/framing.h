@@ -53,6 +53,9 @@ class Framing {
   // Appends what stands behind the last frame.
   virtual void end([[maybe_unused]] Bytes& stream) {}
 
+  // Takes what stands before the first frame, and returns its bytes, 0 until it is all there or when it has been taken. Called
+  // before every take. Throws StreamError for bytes that begin no stream.
+  virtual std::size_t takeBegin([[maybe_unused]] std::span<const std::uint8_t> stream) { return 0; }
   // The frame at the front of stream; none if the stream ends within it. ended: nothing follows the bytes of stream.
   // single: of sample-based codecs no more than one frame. Throws StreamError for bytes that are no frame at all.
   virtual std::optional<Frame> take(std::span<const std::uint8_t> stream, bool ended, bool single) = 0;

@@ -18,25 +18,21 @@ void AmrStorage::append(std::span<const std::uint8_t> payload, int, Bytes& strea
     stream.insert(stream.end(), payload.begin(), payload.end());
 }
 
-std::optional<Frame> AmrStorage::take(std::span<const std::uint8_t> stream, bool ended, bool) {
-  std::size_t size = 0;
-  if (!begun_) {
-    const std::size_t there = std::min(stream.size(), magic_.size());
-    if (!std::equal(magic_.begin(), magic_.begin() + static_cast<std::ptrdiff_t>(there), stream.begin()) ||
-        (ended && there > 0 && there < magic_.size()))
-      throw StreamError("it does not begin with the line " + std::string(magic_.substr(0, magic_.size() - 1)));
-    if (there < magic_.size()) return std::nullopt;
-    size = magic_.size();
-  }
-  if (stream.size() <= size) return std::nullopt;
-  const auto octets = static_cast<std::size_t>(sizes_[stream[size] >> 3 & 15]);
-  if (stream.size() < size + octets) return std::nullopt;
-  Frame frame{.size = size + octets};
-  if (octets > 1) {
-    const auto payload = stream.subspan(size, octets);
-    frame.payload.assign(payload.begin(), payload.end());
-  }
-  begun_ = true;
+std::size_t AmrStorage::takeBegin(std::span<const std::uint8_t> stream) {
+  if (begun_) return 0;
+  const auto there = static_cast<std::ptrdiff_t>(std::min(stream.size(), magic_.size()));
+  if (!std::equal(magic_.begin(), magic_.begin() + there, stream.begin()))
+    throw StreamError("it does not begin with the line " + std::string(magic_.substr(0, magic_.size() - 1)));
+  begun_ = stream.size() >= magic_.size();
+  return begun_ ? magic_.size() : 0;
+}
+
+std::optional<Frame> AmrStorage::take(std::span<const std::uint8_t> stream, bool, bool) {
+  if (!begun_ || stream.empty()) return std::nullopt;
+  const auto octets = static_cast<std::size_t>(sizes_[stream[0] >> 3 & 15]);
+  if (stream.size() < octets) return std::nullopt;
+  Frame frame{.size = octets};
+  if (octets > 1) frame.payload.assign(stream.begin(), stream.begin() + static_cast<std::ptrdiff_t>(octets));
   return frame;
 }
 

@@ -136,7 +136,7 @@ void StreamDecoder::decode(const Frame& frame, Samples& samples) {
 }
 
 void StreamDecoder::decode(bool ended, Samples& samples) {
-  std::size_t used = 0;
+  std::size_t used = framing_->takeBegin(pending_);
   const bool single = !reception_.lost.empty();
   while (const auto frame = framing_->take(std::span(pending_).subspan(used), ended, single)) {
     used += frame->size;

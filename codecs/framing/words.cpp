@@ -75,12 +75,6 @@ std::unique_ptr<Framing> serialBits(const Entry& entry, const ZppcOptions&) {
   return std::make_unique<SerialBits>(bitsOf(entry.octets));
 }
 
-std::unique_ptr<Framing> serialBitsOrNone(const Entry& entry, const ZppcOptions&) {
-  std::vector<int> sizes = bitsOf(entry.octets);
-  sizes.push_back(0);
-  return std::make_unique<SerialBits>(std::move(sizes));
-}
-
 std::unique_ptr<Framing> serialBitsOfG729(const Entry& entry, const ZppcOptions&) {
   std::vector<int> sizes = bitsOf(entry.octets);
   std::ranges::replace(sizes, 120, 118);

@@ -31,9 +31,8 @@ class SerialBits : public Framing {
 
 std::unique_ptr<Framing> packedWords(const Entry& entry, const ZppcOptions& options);
 std::unique_ptr<Framing> serialBits(const Entry& entry, const ZppcOptions& options);
-// Of codecs with discontinuous transmission: frames without bits are those for which nothing was sent.
-std::unique_ptr<Framing> serialBitsOrNone(const Entry& entry, const ZppcOptions& options);
-// Of G.729: the same, but 118 bits for 15 octets; silence descriptors may also come without their last bit.
+// Of G.729: frames without bits are those for which nothing was sent, 15 octets are 118 bits, and silence descriptors may also
+// come without their last bit.
 std::unique_ptr<Framing> serialBitsOfG729(const Entry& entry, const ZppcOptions& options);
 
 }  // namespace codecs::framing

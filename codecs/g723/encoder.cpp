@@ -29,8 +29,7 @@ int Encoder::encode(const Zpp16s* pcm, Zpp8u* payload) {
   Weighted weighted, scaled;
   weightSpeech(input, weighting, weighted);
   blockScaled(weighted.data(), scaled.data(), kHistory + kFrame);
-  for (unsigned half = 0; half < 2; ++half)
-    require(zppsOpenLoopPitchSearch_G723_16s(scaled.data() + kHistory + 2 * kSubframe * half, &frame.lag[half]));
+  frame.lag = openLoopLags(scaled);
   dtx_.setLags(frame.lag);
 
   if (speech)
@@ -90,6 +89,15 @@ void Encoder::weightSpeech(const Input& input, const Weighting& weighting, Weigh
   std::copy(weighted.end() - kHistory, weighted.end(), pastWeighted_.begin());
 }
 
+// Clause 2.9: one of each half frame
+std::array<Zpp16s, 2> Encoder::openLoopLags(const Weighted& scaled) {
+  std::array<Zpp16s, 2> lags;
+  for (unsigned half = 0; half < 2; ++half)
+    require(zppsOpenLoopPitchSearch_G723_16s(scaled.data() + kHistory + 2 * kSubframe * half, &lags[half]));
+  return lags;
+}
+
+// Clauses 2.10 to 2.19
 void Encoder::codeSpeech(const Weighted& weighted, const Weighted& scaled, const Weighting& weighting, Frame& frame) {
   std::array<HarmonicShaping, kSubframes> shaping;
   Excitation shaped;  // the speech of a subframe, then its target

@@ -30,6 +30,7 @@ class Encoder {
   Filters analyse(const Input& input, std::array<Autocorrelation, kSubframes>& autocorrelations);
   Zpp32s quantiseLsf(const Filter& filter) const;
   void weightSpeech(const Input& input, const Weighting& weighting, Weighted& weighted);
+  static std::array<Zpp16s, 2> openLoopLags(const Weighted& scaled);
   void codeSpeech(const Weighted& weighted, const Weighted& scaled, const Weighting& weighting, Frame& frame);
   void codeSubframe(int subframe, const Filter& filter, const Zpp16s* weighting, const HarmonicShaping& shaping, Zpp16s* target,
                     Zpp16s& searchTime, Frame& frame);

@@ -10,17 +10,30 @@ namespace codecs::g729 {
 
 BackwardAnalysis::BackwardAnalysis() { require(zppsWinHybridInit_G729E_16s(window_.data())); }
 
-BackwardFilter BackwardAnalysis::analyse() {
-  std::array<Zpp32s, kBackwardOrder + 1> autocorrelation;
+void BackwardAnalysis::observe() {
+  if (pendingFrames_ == kMostPending) solve();
+  Autocorrelation& autocorrelation = pending_[pendingFrames_++];
   require(zppsWinHybrid_G729E_16s32s(synthesis_.data(), autocorrelation.data(), window_.data()));
   require(zppsLagWindow_G729E_32s_I(autocorrelation.data()));
-  BackwardFilter a;
-  std::array<Zpp16s, kBackwardOrder> reflection;
-  Zpp16s energy;
-  if (!warns(zppsLevinsonDurbin_G729_32s16s(autocorrelation.data(), kBackwardOrder, a.data(), reflection.data(), &energy)))
-    stable_ = a;
-  if (std::ranges::find(stable_, Zpp16s{32767}) == stable_.end()) unclipped_ = stable_;
-  return weight(AnyFilter(unclipped_), 32113).a;  // 0.98
+}
+
+// Goes back in time to the first filter that is stable and not clipped.
+void BackwardAnalysis::solve() {
+  while (pendingFrames_ > 0) {
+    BackwardFilter a;
+    std::array<Zpp16s, kBackwardOrder> reflection;
+    Zpp16s energy;
+    const Zpp32s* const autocorrelation = pending_[--pendingFrames_].data();
+    if (warns(zppsLevinsonDurbin_G729_32s16s(autocorrelation, kBackwardOrder, a.data(), reflection.data(), &energy))) continue;
+    if (std::ranges::find(a, Zpp16s{32767}) != a.end()) continue;
+    filter_ = a;
+    pendingFrames_ = 0;
+  }
+}
+
+BackwardFilter BackwardAnalysis::filter() {
+  solve();
+  return weight(AnyFilter(filter_), 32113).a;  // 0.98
 }
 
 BackwardFilter mix(const BackwardFilter& newest, const BackwardFilter& old, Zpp16s share) {

@@ -10,8 +10,10 @@ namespace codecs::g729 {
 class BackwardAnalysis {
  public:
   BackwardAnalysis();
-  // The filter for the next frame, from the frames before it. An unstable or a clipped one gives way to the last that was not.
-  BackwardFilter analyse();
+  // Looks at the synthesis before a frame of 11.8 kbit/s: to be called in each.
+  void observe();
+  // The filter for the frame. An unstable or a clipped one gives way to the last that was not.
+  BackwardFilter filter();
 
   // Makes room for a frame.
   void shift() { shiftFrame(synthesis_); }
@@ -23,7 +25,15 @@ class BackwardAnalysis {
   static constexpr int kPast = 65;
   alignas(16) std::array<Zpp16s, kPast + kFrameSize> synthesis_{};
   std::array<Zpp8u, 124> window_;
-  BackwardFilter stable_{4096}, unclipped_{4096};
+
+  // What the frames saw whose filters nobody has asked for, the newest last. A decoder of forward frames solves one of many:
+  // when the last filter is neither unstable nor clipped, those before it do not matter.
+  static constexpr int kMostPending = 8;
+  using Autocorrelation = std::array<Zpp32s, kBackwardOrder + 1>;
+  void solve();
+  std::array<Autocorrelation, kMostPending> pending_{};
+  int pendingFrames_ = 0;
+  BackwardFilter filter_{4096};
 };
 
 // newest * (1 - share) + old * share, share Q12

@@ -110,7 +110,8 @@ MainBodyEncoder::Quantised MainBodyEncoder::quantise(const Lsp& lsp) {
 // The filters that the decoder will use
 void MainBodyEncoder::chooseFilters(const Analysis& analysis, const Quantised& quantised) {
   if (rate_ == Rate::kbit12) {
-    const BackwardFilter newest = synthesis_.analyse();
+    synthesis_.observe();
+    const BackwardFilter newest = synthesis_.filter();
     const AnySubframeFilters interpolated = interpolation_.towards(newest);
     backward_ = mode_.take({.speech = speech(0),
                             .newest = newest,

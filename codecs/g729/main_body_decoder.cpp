@@ -102,9 +102,11 @@ void MainBodyDecoder::decodeSpeech(const SpeechParameters& parameters) {
 void MainBodyDecoder::deriveFilters(const SpeechParameters& parameters) {
   BackwardFilter newest;
   if (kind_.rate == Rate::kbit12) {
-    newest = synthesis_.analyse();
+    const bool lossBegins = kind_.lost && !last_.lost;
+    synthesis_.observe();
+    if (kind_.backward || lossBegins) newest = synthesis_.filter();
     if (kind_.backward && shareBeforeLoss_ != 0) newest = mix(newest, beforeLoss_, shareBeforeLoss_);
-    if (kind_.lost && !last_.lost) beforeLoss_ = newest;
+    if (lossBegins) beforeLoss_ = newest;
   }
   synthesis_.shift();
   if (kind_.backward) {

@@ -77,7 +77,7 @@ ZPPAPI ZppStatus zppsAdaptiveCodebookSearch_GSMAMR_16s(const Zpp16s* target, con
  *   indices from 61 on in subframes 1 and 3.
  * excitation: 194: 154 past samples, read only, then the vector, written.
  * lag: out: the integer lag of the vector; at 12.2 kbit/s in: the previous subframe's. Lags that no encoder sends are limited
- *   to 143 and to the rate's smallest.
+ *   to 143 and to the rate's smallest; 144, where it is coded relative to the lag before, is sent, and may be repeated.
  * vector: 40, a copy of the vector. badFrame: not 0 for an erased frame. rate: ZPP_RATE_DTX decodes as ZPP_RATE_10200.
  * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for the subframe; zppStsOutOfRange for the rate, then, except at 12.2
  * kbit/s, for a lagIndex outside 0..511. */
@@ -101,6 +101,192 @@ ZPPAPI ZppStatus zppsAdaptiveCodebookGainCoeffs_GSMAMR_16s(const Zpp16s* target,
 ZPPAPI ZppStatus zppsImpulseResponseTarget_GSMAMR_16s(const Zpp16s* speech, const Zpp16s* weight1, const Zpp16s* weight2,
                                                       const Zpp16s* quantLpc, const Zpp16s* errorMem, const Zpp16s* weightMem,
                                                       Zpp16s* impulse, Zpp16s* residual, Zpp16s* target);
+
+/* ---- GSM-AMR, whole codec ---------------------------------------------------------------------------------------------------
+ *
+ * The steps of a frame of 160 samples beside codebooks and closed-loop pitch (3GPP TS 26.073, described in TS 26.090
+ * to 26.094). rate: the eight rates above unless a function names others. Flags are 0 or not 0. Lengths of buffers stand in the
+ * comments; a source and a destination must not overlap unless told. Status of all: zppStsNullPointer for any null pointer,
+ * then zppStsOutOfRange for a rate, subframe, state or frame type that the function does not name, and nothing is written; else
+ * zppStsOk.
+ *
+ * condition: 7 words on the frame, kept by the caller for the decoder's steps: [0] bad (erased), [1] the frame before was bad,
+ * [2] degraded, [3] the frame before was degraded, [4] background noise, [5] voiced hangover count, 0..10, [6] concealment
+ * state, 0..6. gainMem: 8 words, prediction memory of the code gain, newest first: [0..3] energies for 12.2 kbit/s, Q10 of
+ * log2, at first -2381; [4..7] energies for the other rates, Q10 of dB, at first -14336.
+ */
+
+/* LP coefficients to LSPs (TS 26.090 clause 5.2.3). a: 11, Q12. prevLsp, lsp: 10, Q15, may be one buffer; with fewer than ten
+ * roots lsp = prevLsp. */
+ZPPAPI ZppStatus zppsLPCToLSP_GSMAMR_16s(const Zpp16s* a, const Zpp16s* prevLsp, Zpp16s* lsp);
+
+/* LP filters of the four subframes by interpolation (TS 26.090 clause 5.2.6). prevLsp: 10, Q15, of the end of the frame before.
+ * lsp: 10; at 12.2 kbit/s 20, of the middle and of the end of the frame. a: 4 x 11, Q12. */
+ZPPAPI ZppStatus zppsInterpolateLSP_GSMAMR_16s(const Zpp16s* prevLsp, const Zpp16s* lsp, Zpp16s* a, ZppSpeechRate rate);
+
+/* Quantises LSPs (TS 26.090 clause 5.2.5). lsp, quantLsp: 10, at 12.2 kbit/s 20 as above, Q15. residualMem: 10, in and out, the
+ * quantised LSF residual of the frame before, 16384 = 4000 Hz, at first 0. idx: 3 indices, at 12.2 kbit/s 5; for ZPP_RATE_DTX,
+ * the silence descriptor, 4, the first one of the starting predictor; residualMem is only written then. */
+ZPPAPI ZppStatus zppsLSPQuant_GSMAMR_16s(const Zpp16s* lsp, Zpp16s* residualMem, Zpp16s* quantLsp, Zpp16s* idx,
+                                         ZppSpeechRate rate);
+
+/* Decodes LSPs, or substitutes those of an erased frame (TS 26.090 clause 6.1, TS 26.091). idx: as the quantiser writes it,
+ * bits beyond an index's width are ignored; not used in a bad frame. residualMem: 10, in and out; zeros after ZPP_RATE_DTX,
+ * which is never a bad frame. lsf: 10, in: the quantised LSFs of the frame before, out: this one's, 16384 = 4000 Hz, at first
+ * the mean of the five-way quantiser. quantLsp: 10, at 12.2 kbit/s 20. */
+ZPPAPI ZppStatus zppsLSPDecode_GSMAMR_16s(const Zpp16s* idx, Zpp16s badFrame, Zpp16s* residualMem, Zpp16s* lsf,
+                                          Zpp16s* quantLsp, ZppSpeechRate rate);
+
+/* Open-loop pitch search (TS 26.090 clause 5.3): the lags of the two half frames.
+ * weighted: 160, weighted speech, Q0; 143 samples before it are read. lags: 2.
+ * lagMem: 8 words, in and out, touched at 10.2 kbit/s only: [0..4] past lags, newest first, at first 40, [5] their median, at
+ *   first 40, [6] weight of the past, Q15, at first 0, [7] whether it is in use, at first 0.
+ * gainFlag: 2, above 0 for a periodic half frame; 0 but at 10.2 kbit/s. */
+ZPPAPI ZppStatus zppsOpenLoopPitchSearchNonDTX_GSMAMR_16s(const Zpp16s* weighted, Zpp16s* lagMem, Zpp16s* gainFlag,
+                                                          Zpp16s* lags, ZppSpeechRate rate);
+
+/* The same with the measurements for voice activity detection, option 1 (TS 26.094 clause 3.3). vadMem: 5 words, in and out:
+ * [0] tone register, [1] correlation of the high-passed signal, Q15, at first 13106, [2] pitch register, [3] count of similar
+ * lags, [4] last lag; the others at first 0. */
+ZPPAPI ZppStatus zppsOpenLoopPitchSearchDTXVAD1_GSMAMR_16s(const Zpp16s* weighted, Zpp16s* lagMem, Zpp16s* vadMem,
+                                                           Zpp16s* gainFlag, Zpp16s* lags, ZppSpeechRate rate);
+
+/* The same with the measurements for option 2 (TS 26.094 clause 4.3). correlation: 2: the sum of the correlations at the lags
+ * and that of the energies. ltpFlag: 1 where prediction gains much, else 0. */
+ZPPAPI ZppStatus zppsOpenLoopPitchSearchDTXVAD2_GSMAMR_16s32s(const Zpp16s* weighted, Zpp16s* lagMem, Zpp16s* gainFlag,
+                                                              Zpp16s* lags, Zpp32s* correlation, Zpp16s* ltpFlag,
+                                                              ZppSpeechRate rate);
+
+/* Voice activity detection, option 1 (TS 26.094 clause 3). state: any alignment. speech: 160, the high-passed new samples; 40
+ * samples before it are read. vadMem: as above; [2] in and out, the others read. flag: 0 or 1. */
+ZPPAPI ZppStatus zppsVAD1GetSize_GSMAMR_16s(Zpp32s* size); /* 116 */
+ZPPAPI ZppStatus zppsVAD1Init_GSMAMR_16s(void* state);
+ZPPAPI ZppStatus zppsVAD1_GSMAMR_16s(const Zpp16s* speech, Zpp16s* vadMem, Zpp16s* flag, void* state);
+
+/* Voice activity detection, option 2 (TS 26.094 clause 4). state: any alignment. speech: 160, the high-passed new samples.
+ * ltpFlag: of the frame before. flag: 0 or 1. */
+ZPPAPI ZppStatus zppsVAD2GetSize_GSMAMR_16s(Zpp32s* size); /* 188 */
+ZPPAPI ZppStatus zppsVAD2Init_GSMAMR_16s(void* state);
+ZPPAPI ZppStatus zppsVAD2_GSMAMR_16s(const Zpp16s* speech, Zpp16s ltpFlag, Zpp16s* flag, void* state);
+
+/* Which frames become silence descriptors (TS 26.093 clause 5.1). vadFlag: of this frame. dtxMem: 2 words, in and out: hangover
+ * count, at first 7, and frames since the last analysis, at first 32767. silence: 1 for a frame of silence. newSid: 1 when its
+ * descriptor is to be computed. */
+ZPPAPI ZppStatus zppsDTXDecision_GSMAMR_16s(Zpp16s vadFlag, Zpp16s* dtxMem, Zpp16s* silence, Zpp16s* newSid);
+
+/* What descriptors are made of (TS 26.092 clause 5.1). speech: 160. lsp: 10, unquantised, of the frame's end. lspHist: 80,
+ * logEnergyHist: 8, in and out: of the last eight frames, oldest first; at first the LSPs after reset, and zeros. */
+ZPPAPI ZppStatus zppsDTXHistory_GSMAMR_16s(const Zpp16s* speech, const Zpp16s* lsp, Zpp16s* lspHist, Zpp16s* logEnergyHist);
+
+/* The silence descriptor of the last eight frames (TS 26.092 clause 5.2). gainMem: 8, written. sid: 5: starting predictor,
+ * three LSF indices, energy index 0..63. */
+ZPPAPI ZppStatus zppsSIDQuant_GSMAMR_16s(const Zpp16s* lspHist, const Zpp16s* logEnergyHist, Zpp16s* gainMem, Zpp16s* sid);
+
+/* Quantises the pitch gain at 12.2 kbit/s (TS 26.090 clause 5.6.2). limit: Q14, 32767 for none. gain: Q14, in and out. idx:
+ * 0..15.
+ */
+ZPPAPI ZppStatus zppsPitchGainQuant_GSMAMR_16s(Zpp16s limit, Zpp16s* gain, Zpp16s* idx);
+
+/* Quantises the gains of a subframe (TS 26.090 clause 5.8).
+ * target: 40, before the adaptive codebook. codeTarget: 40, target of the fixed codebook. filteredVector, filteredCode: 40, of
+ * the two codebooks. code: 40. residual: 40, LP residual; vector: 40, adaptive-codebook vector (these two at 7.95 kbit/s only).
+ * coefficients: 4, from zppsAdaptiveCodebookGainCoeffs_GSMAMR_16s, not at 12.2 kbit/s. limit: of the pitch gain, Q14.
+ * gainMem: in and out. adaptMem: 8 words, in and out, at 7.95 kbit/s only, at first 0.
+ * pitchGain: Q14, in at 7.95 kbit/s: unquantised; out; left alone at 12.2 kbit/s. codeGain: Q1.
+ * idx: 1 index; at 7.95 kbit/s 2, of the pitch and of the code gain. rate: all but 4.75. */
+ZPPAPI ZppStatus zppsGainQuant_GSMAMR_16s(const Zpp16s* target, const Zpp16s* codeTarget, const Zpp16s* filteredVector,
+                                          const Zpp16s* filteredCode, const Zpp16s* code, const Zpp16s* residual,
+                                          const Zpp16s* vector, const Zpp16s* coefficients, Zpp16s limit, Zpp16s* gainMem,
+                                          Zpp16s* adaptMem, Zpp16s* pitchGain, Zpp16s* codeGain, Zpp16s* idx,
+                                          ZppSpeechRate rate);
+
+/* 4.75 kbit/s, subframes 0 and 2: measures for the next one. gainMem: read. unquantMem: 8, written: the prediction memory of
+ * the next subframe. first: 14 words, written for zppsGainQuantSecond_GSMAMR_16s. codeGain: Q1, provisional. */
+ZPPAPI ZppStatus zppsGainQuantFirst_GSMAMR_16s(const Zpp16s* target, const Zpp16s* codeTarget, const Zpp16s* filteredVector,
+                                               const Zpp16s* filteredCode, const Zpp16s* code, const Zpp16s* coefficients,
+                                               const Zpp16s* gainMem, Zpp16s* unquantMem, Zpp16s* first, Zpp16s* codeGain);
+
+/* 4.75 kbit/s, subframes 1 and 3: quantises the gains of both, the vectors being this subframe's. gainMem: in and out.
+ * pitchGain, codeGain: 2 each, Q14 and Q1. idx: 0..255. */
+ZPPAPI ZppStatus zppsGainQuantSecond_GSMAMR_16s(const Zpp16s* target, const Zpp16s* codeTarget, const Zpp16s* filteredVector,
+                                                const Zpp16s* filteredCode, const Zpp16s* code, const Zpp16s* coefficients,
+                                                Zpp16s limit, const Zpp16s* unquantMem, const Zpp16s* first, Zpp16s* gainMem,
+                                                Zpp16s* pitchGain, Zpp16s* codeGain, Zpp16s* idx);
+
+/* Decodes a pitch gain of its own (TS 26.090 clause 6.1). idx: its low 4 bits count. gain: Q14. rate: 7.95 and 12.2 kbit/s. */
+ZPPAPI ZppStatus zppsPitchGainDecode_GSMAMR_16s(Zpp16s idx, Zpp16s* gain, ZppSpeechRate rate);
+
+/* Decodes the gains of a subframe. idx: the gain index, at 7.95 and 12.2 kbit/s that of the code gain; bits beyond its width
+ * are ignored. code: 40, sharpened. gainMem: in and out. pitchGain: Q14, left alone at 7.95 and 12.2 kbit/s. codeGain: Q1.
+ * subframe: 0..3. */
+ZPPAPI ZppStatus zppsGainDecode_GSMAMR_16s(Zpp16s idx, const Zpp16s* code, Zpp16s* gainMem, Zpp16s* pitchGain, Zpp16s* codeGain,
+                                           Zpp16s subframe, ZppSpeechRate rate);
+
+/* Substitute gains in bad frames, limits after them, and the memory of both; every subframe (TS 26.091). gain: in and out, in a
+ * bad frame only out. mem: 7 words, in and out: the last five gains, oldest first, the last gain, the last one of a good frame;
+ * at first 1640 five times, 0, 16384 for the pitch gain, 1 five times, 0, 1 for the code gain. In a bad frame gainMem moves on
+ * too. */
+ZPPAPI ZppStatus zppsPitchGainConceal_GSMAMR_16s_I(Zpp16s* gain, Zpp16s* mem, const Zpp16s* condition);
+ZPPAPI ZppStatus zppsCodeGainConceal_GSMAMR_16s_I(Zpp16s* gain, Zpp16s* mem, Zpp16s* gainMem, const Zpp16s* condition);
+
+/* The code gain smoothed in stationary noise (TS 26.090 clause 6.1). prevLsf, lsf: 10, of the frame before and of this one.
+ * lsfMean: 10, their long-term mean. mem: 9 words, in and out: seven past gains, oldest first, count of changes, count of
+ * stationary subframes; at first 0. smoothed: equal to codeGain at 7.4, 7.95 and 12.2 kbit/s. subframe: 0..3. */
+ZPPAPI ZppStatus zppsCodeGainSmooth_GSMAMR_16s(Zpp16s codeGain, const Zpp16s* prevLsf, const Zpp16s* lsf, const Zpp16s* lsfMean,
+                                               Zpp16s* mem, Zpp16s* smoothed, const Zpp16s* condition, Zpp16s subframe,
+                                               ZppSpeechRate rate);
+
+/* Anti-sparseness processing (TS 26.090 clause 6.1). code: 40, in and out, changed at 4.75 to 6.7 and at 7.95 kbit/s. mem: 8
+ * words, in and out: five past pitch gains, newest first, last choice 0..2, last code gain, onset count; at first 0. */
+ZPPAPI ZppStatus zppsPhaseDispersion_GSMAMR_16s_I(Zpp16s pitchGain, Zpp16s codeGain, Zpp16s* code, Zpp16s* mem,
+                                                  const Zpp16s* condition, ZppSpeechRate rate);
+
+/* Level of the excitation in background noise, at 4.75, 5.15 and 5.9 kbit/s, and its history at all (TS 26.091). excitation:
+ * 40, in and out. energyHist: 9, in and out, oldest first, at first 0. */
+ZPPAPI ZppStatus zppsExcitationControl_GSMAMR_16s_I(Zpp16s* excitation, Zpp16s* energyHist, const Zpp16s* condition,
+                                                    ZppSpeechRate rate);
+
+/* Emphasis of the pitch (TS 26.090 clause 6.1). vector: 40, of the adaptive codebook. excitation: 40. sharpening: Q15, acts
+ * above 16384. pitchGain: Q14. dst: 40, equal to excitation when nothing acts. */
+ZPPAPI ZppStatus zppsPitchEmphasis_GSMAMR_16s(const Zpp16s* vector, const Zpp16s* excitation, Zpp16s sharpening,
+                                              Zpp16s pitchGain, Zpp16s* dst, ZppSpeechRate rate);
+
+/* 1/A(z) of order 10 with the standard's saturation at every step. a: 11, Q12. src, dst: len, may be one buffer. hist: 10 past
+ * outputs, oldest first, only read.
+ * Status: also zppStsBadSize for len below 1; zppStsOverflowWarn, with everything written, when anything saturated. */
+ZPPAPI ZppStatus zppsSynthesisFilter_GSMAMR_16s(const Zpp16s* a, const Zpp16s* src, Zpp16s* dst, int len, const Zpp16s* hist);
+
+/* Detects background noise, once a speech frame (TS 26.091). speech: 160, before the postfilter. pitchGainHist: 9, oldest
+ * first. energyHist: 60, in and out, oldest first; noiseCount; voicedHangover, 0..10: in and out, all at first 0.
+ * backgroundNoise: 0 or 1. */
+ZPPAPI ZppStatus zppsBackgroundNoise_GSMAMR_16s(const Zpp16s* speech, const Zpp16s* pitchGainHist, Zpp16s* energyHist,
+                                                Zpp16s* noiseCount, Zpp16s* voicedHangover, Zpp16s* backgroundNoise);
+
+/* Postfilter of a frame (TS 26.090 clause 6.2.1). a: 4 x 11, Q12. speech: 160, in and out. mem: 22 words, in and out: 10 past
+ * inputs, 10 past outputs of the all-pole part, oldest first, the last sample before it, the gain, Q12; at first 4096, the
+ * others 0. */
+ZPPAPI ZppStatus zppsPostFilter_GSMAMR_16s_I(const Zpp16s* a, Zpp16s* speech, Zpp16s* mem, ZppSpeechRate rate);
+
+/* Comfort noise (TS 26.092 clause 6, TS 26.093 clause 5.2). state: any alignment. Frame types: 0 good speech, 1 degraded
+ * speech, 2 onset, 3 bad speech, 4 first silence descriptor, 5 update of it, 6 bad silence descriptor, 7 no data. States of the
+ * decoder: 0 speech, 1 comfort noise, 2 comfort noise that fades. */
+ZPPAPI ZppStatus zppsComfortNoiseGetSize_GSMAMR_16s(Zpp32s* size); /* 416 */
+ZPPAPI ZppStatus zppsComfortNoiseInit_GSMAMR_16s(void* state);
+
+/* Takes note of a frame, whatever its type. prevState: after the frame before, at first 1. newState: of this one. */
+ZPPAPI ZppStatus zppsDTXReceive_GSMAMR_16s(Zpp16s frameType, Zpp16s prevState, Zpp16s* newState, void* state);
+
+/* A frame of comfort noise, for a newState of 1 or 2. sid: 5 words, the descriptor, used after a frame of type 5 only; bits
+ * beyond a word's width are ignored. residualMem: 10, lsf: 10, gainMem: 8, in and out, the decoder's. synthMem: 10, in and out,
+ * past synthesis, oldest first. speech: 160. a: 4 x 11, Q12, four times the same. lsp: 10, Q15. rate: the speech rate in force.
+ */
+ZPPAPI ZppStatus zppsComfortNoise_GSMAMR_16s(const Zpp16s* sid, Zpp16s prevState, Zpp16s newState, Zpp16s* residualMem,
+                                             Zpp16s* lsf, Zpp16s* gainMem, Zpp16s* synthMem, Zpp16s* speech, Zpp16s* a,
+                                             Zpp16s* lsp, void* state, ZppSpeechRate rate);
+
+/* After every speech frame: what comfort noise is made of until a descriptor comes. speech: 160, before the postfilter.
+ * lsf: 10. */
+ZPPAPI ZppStatus zppsComfortNoiseUpdate_GSMAMR_16s(const Zpp16s* speech, const Zpp16s* lsf, void* state);
 
 #ifdef __cplusplus
 }

@@ -8,7 +8,7 @@
 extern "C" {
 #endif
 
-/* ---- G.728: low-delay CELP in the fixed-point arithmetic of Annex G, concealment of Annex I -----------------------------------
+/* ---- G.728: low-delay CELP in the fixed-point arithmetic of Annex G, concealment of Annex I ---------------------------------
  *
  * The codec works on vectors of 5 samples; 4 vectors are an adaptation cycle (20 samples, 2.5 ms at 8 kHz). Signals and
  * histories are oldest sample first. Forms of data:
@@ -21,10 +21,10 @@ extern "C" {
  *   library: after all other checks they give zppStsBadArgument.
  *
  * Any 16-bit value is allowed as a Q of a block or gain; those beyond +-64 count as +-64. State blocks are the caller's, of any
- * alignment. Where a comment lists no status, the function returns zppStsOk, or zppStsNullPointer for a null pointer. Nothing is
- * written on an error. */
+ * alignment. Where a comment lists no status, the function returns zppStsOk, or zppStsNullPointer for a null pointer. Nothing
+ * is written on an error. */
 
-/* ---- Weighting filter W(z) of order 10 on the input speech (clause 3.3, block 4) -------------------------------------------- */
+/* ---- Weighting filter W(z) of order 10 on the input speech (clause 3.3, block 4) ----------------------------------------- */
 
 /* *size = 64 */
 ZPPAPI ZppStatus zppsIIR16sGetStateSize_G728_16s(Zpp32s* size);
@@ -34,19 +34,19 @@ ZPPAPI ZppStatus zppsIIR16sInit_G728_16s(void* state);
 ZPPAPI ZppStatus zppsIIR16s_G728_16s(const Zpp16s* coefZero, const Zpp16s* coefPole, const Zpp16s* src, Zpp16s* dst,
                                      void* state);
 
-/* ---- Synthesis filter of order 50 (clause 4.4, block 32) --------------------------------------------------------------------- */
+/* ---- Synthesis filter of order 50 (clause 4.4, block 32) ----------------------------------------------------------------- */
 
 /* *size = 144 */
 ZPPAPI ZppStatus zppsSynthesisFilterGetStateSize_G728_16s(Zpp32s* size);
 /* Ten zero vectors of Q 16. */
 ZPPAPI ZppStatus zppsSynthesisFilterInit_G728_16s(void* state);
 /* One vector of speech: what the memory gives by itself plus the response to exc, clipped to +-4095, normalised to 14 bits.
- * coef: 50 words. exc: block. dst: block; may be exc. erased: 0, or 1 in an erased frame (Annex I), where the Q of the result is
- * at most 16.
+ * coef: 50 words. exc: block. dst: block; may be exc. erased: 0, or 1 in an erased frame (Annex I), where the Q of the result
+ * is at most 16.
  * Status: zppStsOk; zppStsNullPointer; zppStsOutOfRange for another value of erased. */
 ZPPAPI ZppStatus zppsSynthesisFilter_G728_16s(const Zpp16s* coef, const Zpp16s* exc, Zpp16s* dst, Zpp32s erased, void* state);
 
-/* ---- Synthesis and weighting filter in cascade (clause 3.5, blocks 9, 10 and 22) --------------------------------------------- */
+/* ---- Synthesis and weighting filter in cascade (clause 3.5, blocks 9, 10 and 22) ----------------------------------------- */
 
 /* *size = 208 */
 ZPPAPI ZppStatus zppsCombinedFilterGetStateSize_G728_16s(Zpp32s* size);
@@ -61,7 +61,7 @@ ZPPAPI ZppStatus zppsCombinedFilterZeroInput_G728_16s(const Zpp16s* coef, const 
 ZPPAPI ZppStatus zppsCombinedFilterZeroState_G728_16s(const Zpp16s* coef, const Zpp16s* coefZero, const Zpp16s* coefPole,
                                                       const Zpp16s* exc, Zpp16s* dst, void* state);
 
-/* ---- Hybrid window and autocorrelation (clauses 3.3, 3.7 and 3.8, blocks 36, 43 and 49) --------------------------------------
+/* ---- Hybrid window and autocorrelation (clauses 3.3, 3.7 and 3.8, blocks 36, 43 and 49) -------------------------------------
  *
  * The window covers n = order + lenNew + lenNonRec samples and moves on by lenNew. The codec's geometries (order, lenNew,
  * lenNonRec, decay): 50, 20, 35, 2 for the synthesis filter, 10, 20, 30, 1 for the weighting filter, 10, 4, 20, 2 for the log
@@ -76,28 +76,28 @@ ZPPAPI ZppStatus zppsWinHybridGetStateSize_G728_16s(Zpp32s order, Zpp32s lenNew,
  * Status: as above; zppStsBadScale unless decay is 1..15. */
 ZPPAPI ZppStatus zppsWinHybridInit_G728_16s(const Zpp16s* window, Zpp32s order, Zpp32s lenNew, Zpp32s lenNonRec, Zpp32s decay,
                                             void* state);
-/* One analysis. src: the lenNew newest samples, of any Q common to all calls. dst: order + 1 autocorrelations, normalised by lag
- * 0. *valid: 1, or 0 when the last lag is zero before it is rounded, which asks to keep the predictor of before; dst and the
- * state are written in either case. */
+/* One analysis. src: the lenNew newest samples, of any Q common to all calls. dst: order + 1 autocorrelations, normalised by
+ * lag 0. *valid: 1, or 0 when the last lag is zero before it is rounded, which asks to keep the predictor of before; dst and
+ * the state are written in either case. */
 ZPPAPI ZppStatus zppsWinHybrid_G728_16s(const Zpp16s* src, Zpp16s* dst, Zpp32s* valid, void* state);
 /* The same for src of lenNew / 5 blocks, oldest first. A state serves one of the two forms.
  * Status: zppStsOk; zppStsNullPointer; zppStsBadSize when lenNew or n is not a multiple of 5. */
 ZPPAPI ZppStatus zppsWinHybridBlock_G728_16s(const Zpp16s* src, Zpp16s* dst, Zpp32s* valid, void* state);
 
-/* ---- Levinson-Durbin recursion and bandwidth expansion (blocks 37, 38, 44, 45, 50, 51 and 85) -------------------------------- */
+/* ---- Levinson-Durbin recursion and bandwidth expansion (blocks 37, 38, 44, 45, 50, 51 and 85) ---------------------------- */
 
 /* src: order + 1 autocorrelations. dst: order predictor coefficients, Q *scale. *rc1: first reflection coefficient, Q15.
  * *residual: prediction error, in the scale of src. *scale: 15, 14 or 13.
- * Status: zppStsOk; zppStsNullPointer; zppStsBadSize unless order is 1..50; zppStsLpcCalcErr, nothing written, for a breakdown at
- * one of the first eleven stages (stage m computes the predictor of order m): a prediction error or an energy that is not
+ * Status: zppStsOk; zppStsNullPointer; zppStsBadSize unless order is 1..50; zppStsLpcCalcErr, nothing written, for a breakdown
+ * at one of the first eleven stages (stage m computes the predictor of order m): a prediction error or an energy that is not
  * positive, a reflection coefficient of 1 or more, a coefficient of 4 or more; zppStsOverflowWarn for a breakdown at a later
  * stage: dst holds the predictor of the stages completed with zeros behind it, *scale and *residual are its own. The standard
  * keeps the predictor of before in both cases. */
 ZPPAPI ZppStatus zppsLevinsonDurbin_G728_16s_Sfs(const Zpp16s* src, int order, Zpp16s* dst, Zpp16s* rc1, Zpp16s* residual,
                                                  int* scale);
 /* Continues a recursion that has reached startOrder. srcDst: startOrder coefficients in, order out. *residual, *scale: in and
- * out. startOrder 0 begins anew: *residual and srcDst are only written, *scale is checked but not used. *rc1 is written by a new
- * recursion only. With startOrder = order nothing changes.
+ * out. startOrder 0 begins anew: *residual and srcDst are only written, *scale is checked but not used. *rc1 is written by a
+ * new recursion only. With startOrder = order nothing changes.
  * Status: as above; zppStsOutOfRange unless startOrder is 0..order; zppStsBadScale unless *scale is 0..15. */
 ZPPAPI ZppStatus zppsLevinsonDurbin_G728_16s_ISfs(const Zpp16s* src, int startOrder, int order, Zpp16s* srcDst, Zpp16s* rc1,
                                                   Zpp16s* residual, int* scale);
@@ -106,7 +106,7 @@ ZPPAPI ZppStatus zppsLevinsonDurbin_G728_16s_ISfs(const Zpp16s* src, int startOr
  * zppStsOverflowWarn, nothing written, when a result does not fit. */
 ZPPAPI ZppStatus zppsWeightLPC_G728_16s_Sfs(const Zpp16s* src, const Zpp16s* weight, Zpp16s* dst, int len, int scale);
 
-/* ---- Backward gain adapter (clause 3.8, blocks 20 and 30) ---------------------------------------------------------------------- */
+/* ---- Backward gain adapter (clause 3.8, blocks 20 and 30) ---------------------------------------------------------------- */
 
 /* Predicts the gain of the next vector (blocks 46 to 48). coef: 10 words; src: the ten last logGains, oldest first. previous:
  * null, or the logGain predicted for the vector before, over which the result may grow by 2 dB at most (after an erasure).
@@ -119,10 +119,10 @@ ZPPAPI ZppStatus zppsLogGainPredict_G728_16s(const Zpp16s* coef, const Zpp16s* s
  * zppStsBadArgument for a rate without codebook. */
 ZPPAPI ZppStatus zppsLogGainUpdate_G728_16s(Zpp16s logGain, Zpp16s* dst, Zpp32s index, Zpp32s rate);
 
-/* ---- Excitation codebook (clause 3.9, blocks 12 to 19, 21, 24, 29 and 31) ------------------------------------------------------- */
+/* ---- Excitation codebook (clause 3.9, blocks 12 to 19, 21, 24, 29 and 31) ------------------------------------------------ */
 
-/* Impulse response of the cascade (block 12): dst = 5 words, Q13, dst[0] = 8192. Of coef, coefZero and coefPole the first 4 words
- * are read. */
+/* Impulse response of the cascade (block 12): dst = 5 words, Q13, dst[0] = 8192. Of coef, coefZero and coefPole the first 4
+ * words are read. */
 ZPPAPI ZppStatus zppsImpulseResponse_G728_16s(const Zpp16s* coef, const Zpp16s* coefZero, const Zpp16s* coefPole, Zpp16s* dst);
 /* Energies of the 128 shape vectors filtered by the impulse response src (blocks 14, 15). src: 5 words, Q13; dst: 128 words,
  * Q5. */
@@ -140,25 +140,25 @@ ZPPAPI ZppStatus zppsExcitationVector_G728_16s(const Zpp16s* gain, Zpp16s* dst, 
  * Status: zppStsOk; zppStsNullPointer; zppStsBadScale unless scale is 0..15. */
 ZPPAPI ZppStatus zppsConvertBlock_G728_16s_Sfs(const Zpp16s* src, Zpp16s* dst, int scale);
 
-/* ---- Postfilter adapter (clause 4.7, blocks 81 to 84) ---------------------------------------------------------------------------- */
+/* ---- Postfilter adapter (clause 4.7, blocks 81 to 84) -------------------------------------------------------------------- */
 
 /* *size = 176 */
 ZPPAPI ZppStatus zppsPostFilterAdapterGetStateSize_G728(Zpp32s* size);
 /* Zero memories, pitch period 50. */
 ZPPAPI ZppStatus zppsPostFilterAdapterInit_G728(void* state);
-/* LPC inverse filter of order 10 (block 81) on 5 samples. coef: 10 words, Q13; src: decoded speech, Q2; dst: residual, Q1; may be
- * src. */
+/* LPC inverse filter of order 10 (block 81) on 5 samples. coef: 10 words, Q13; src: decoded speech, Q2; dst: residual, Q1; may
+ * be src. */
 ZPPAPI ZppStatus zppsLPCInverseFilter_G728_16s(const Zpp16s* coef, const Zpp16s* src, Zpp16s* dst, void* state);
 /* Pitch period (block 82), 20..140, once a cycle. src: the 20 newest residual samples, Q1; the 220 before the pointer are read.
  * Correlations beyond 32 bits count as the largest value of 32 bits. */
 ZPPAPI ZppStatus zppsPitchPeriod_G728_16s(const Zpp16s* src, Zpp32s* pitch, void* state);
-/* Long-term postfilter coefficients (blocks 83, 84). src: 100 samples of decoded speech, Q0; the pitch samples before the pointer
- * are read. *tap: single-tap pitch predictor, Q14, 0..16384. ltp: 2 words: the factor of a sample, Q14, and that of the sample a
- * pitch period before, Q16.
+/* Long-term postfilter coefficients (blocks 83, 84). src: 100 samples of decoded speech, Q0; the pitch samples before the
+ * pointer are read. *tap: single-tap pitch predictor, Q14, 0..16384. ltp: 2 words: the factor of a sample, Q14, and that of the
+ * sample a pitch period before, Q16.
  * Status: zppStsOk; zppStsNullPointer; zppStsOutOfRange unless pitch is 20..140. */
 ZPPAPI ZppStatus zppsLongTermPostFilterCoeffs_G728_16s(const Zpp16s* src, Zpp32s pitch, Zpp16s* tap, Zpp16s* ltp);
 
-/* ---- Postfilter (clause 4.6, blocks 71 to 77) -------------------------------------------------------------------------------------- */
+/* ---- Postfilter (clause 4.6, blocks 71 to 77) ---------------------------------------------------------------------------- */
 
 /* *size = 64 */
 ZPPAPI ZppStatus zppsPostFilterGetStateSize_G728_16s(Zpp32s* size);
@@ -171,7 +171,7 @@ ZPPAPI ZppStatus zppsPostFilterInit_G728_16s(void* state);
 ZPPAPI ZppStatus zppsPostFilter_G728_16s(const Zpp16s* ltp, const Zpp16s* coefZero, const Zpp16s* coefPole, const Zpp16s* src,
                                          const Zpp16s* history, Zpp16s* dst, Zpp32s pitch, Zpp16s tilt, void* state);
 
-/* ---- Frame-erasure concealment (Annex I) ----------------------------------------------------------------------------------------- */
+/* ---- Frame-erasure concealment (Annex I) --------------------------------------------------------------------------------- */
 
 /* State of the excitation of the last 140 samples and of the extrapolation: *size = 384 */
 ZPPAPI ZppStatus zppsExtrapolationGetStateSize_G728_16s(Zpp32s* size);
@@ -179,8 +179,8 @@ ZPPAPI ZppStatus zppsExtrapolationGetStateSize_G728_16s(Zpp32s* size);
 ZPPAPI ZppStatus zppsExtrapolationInit_G728_16s(void* state);
 /* Keeps a received vector's excitation. exc: block. */
 ZPPAPI ZppStatus zppsExtrapolationUpdate_G728_16s(const Zpp16s* exc, void* state);
-/* To be called before the first vector of an erasure, with step 0, and after every 10 ms of it, with step 1, 2 ... pitch and tap
- * (Q14) of the postfilter adapter are used by step 0 only: the erasure is voiced when tap exceeds 7022.
+/* To be called before the first vector of an erasure, with step 0, and after every 10 ms of it, with step 1, 2 ... pitch and
+ * tap (Q14) of the postfilter adapter are used by step 0 only: the erasure is voiced when tap exceeds 7022.
  * Status: zppStsOk; zppStsNullPointer; zppStsOutOfRange unless pitch is 20..140 and step 0 or more. */
 ZPPAPI ZppStatus zppsExtrapolationSetup_G728_16s(Zpp32s pitch, Zpp16s tap, Zpp32s step, void* state);
 /* One vector of extrapolated excitation, which is kept as well. dst: block. logGain: one word, its level. */

@@ -24,3 +24,5 @@ struct PitchSearch {
 };
 // Rows for 4.75, 5.15, 5.9, 6.7, 7.4, 7.95, 10.2 and 12.2 kbit/s, mode_dep_parm
 extern const PitchSearch searchPrm[8];
+// Square root of x from 0.25 in steps of 1/64: 49, Q15, sqrt_table of sqrt_l
+extern const Zpp16s sqrtTable[49];

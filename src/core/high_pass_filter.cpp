@@ -19,8 +19,8 @@ static_assert(sizeof(HighPassState) == 24);
 
 // acc + the feedback product, each of its two halves added with saturation
 constexpr Zpp32s macFeedback(Zpp32s acc, Dpf y, Zpp16s a) { return macDbl(macDbl(acc, y.hi, a), mulQ15(y.lo, a), 1); }
-// Half of it where nothing saturates, for even y
-constexpr Zpp32s halfFeedback(Zpp32s y, Zpp32s a) { return addWrap32((y >> 16) * a, ((y & 0xffff) * a) >> 16); }
+// Half of it where nothing saturates, for even y: both halves of the product are truncated at the same bit.
+constexpr Zpp32s halfFeedback(Zpp32s y, Zpp32s a) { return static_cast<Zpp32s>((Zpp64s{y} * a) >> 16); }
 
 constexpr int magnitude(Zpp16s x) { return x < 0 ? -x : x; }
 
@@ -50,18 +50,21 @@ void filter(Zpp16s* srcDst, int len, HighPassState& s) {
   const Zpp32s harmless = harmlessOutput(s, std::max({ownMaxAbs_16s(srcDst, len) + 1, magnitude(s.x1), magnitude(s.x2)}));
   const auto isHarmless = [harmless](Zpp32s y) { return y >= -harmless && y <= harmless; };
 
+  bool harmless1 = isHarmless(y1), harmless2 = isHarmless(y2);
   Zpp32s older = halfFeedback(y2, a2);
   for (int n = 0; n < len; ++n) {
     const Zpp32s x0 = srcDst[n];
     const Zpp32s inputs = addWrap32(addWrap32(x0 * b0, x1 * b1), x2 * b2);
     const Zpp32s half = addWrap32(inputs, addWrap32(older, halfFeedback(y1, a1)));
     Zpp32s y = shlWrap32(half, gain + 1);
-    if (!isHarmless(y1) || !isHarmless(y2) || y >> (gain + 1) != half) [[unlikely]]
+    if (!harmless1 || !harmless2 || y >> (gain + 1) != half) [[unlikely]]
       y = shlSat32(saturatingSum(s, x0, x1, x2, y1, y2), gain) & ~1;  // the state has no lowest bit
     older = halfFeedback(y1, a2);
     y2 = y1;
     y1 = y;
-    srcDst[n] = roundHigh16(shlSat32(y1, scaleFactor - 12));
+    harmless2 = harmless1;
+    harmless1 = isHarmless(y);
+    srcDst[n] = sat16(((y1 >> (27 - scaleFactor)) + 1) >> 1);
     x2 = x1;
     x1 = x0;
   }

@@ -7,21 +7,19 @@
 //   coef: 50, Q14. memory: 50 mantissas of 14 bits, oldest first: ten vectors, the k-th to be shifted right by shift[k] bits.
 //   sums[n] = the sum over the vectors of (minus the sum of coef times mantissas) >> shift. A shift of the oldest vector by 30
 //   or more drops it.
-// ownLevinsonDurbin_G728_16s: continues the recursion from startOrder to order; r: order + 1. a: startOrder coefficients in, as
-//   many as stages are complete out, at 15 - *shift bits behind the point; all order words are scratch. Returns the order
-//   reached; *residual and *shift are those of that order. startOrder is 1 or more.
-// ownShapeEnergy_G728_16s, ownCodebookSearch_G728_16s: see the entries; target: c of the search, five backward-filtered words.
+// ownLevinsonDurbin_G728_16s: continues the recursion from startOrder, 1 or more, to order; r: order + 1. a: startOrder
+//   coefficients in, as many as stages are complete out, with 15 - *shift bits behind the point; all order words are scratch.
+//   Returns the order reached; *residual and *shift are those of that order.
+// ownWeightLPC_G728_16s: dst[n] = the upper half of src[n] * weight[n] * 2^shift, rounded; false, nothing written, when one
+//   does not fit. shift 1..3; dst may be src.
+// ownShapeEnergy_G728_16s: as the entry. ownCodebookSearch_G728_16s: the code; target: five backward-filtered words.
+// ownPastSums_G728_16s: what a filter of order 10 knows of its next five outputs before the first of them. sums[n] = the sum
+//   over k = 0..9 of coefZero[k] * x[n - 1 - k], less that over k = n..9 of coefPole[k] * y[n - 1 - k], the past outputs. Reads
+//   x[-10..3] and y[-10..-1].
 // ownWindow_G728_16s: dst[n] = the upper half of src[n] * window[n] * 2^shift, rounded; shift, -1..14, brings src to 15 bits.
 // ownWindowBlock_G728_16s: the same for `vectors` vectors of five with a shift each, 1 or less, saturated.
-// ownPastSums_G728_16s: what a filter of order 10 knows of its next five outputs before the first of them. sums[n] = the sum
-// over k
-//   = 0..9 of coefZero[k] * x[n - 1 - k], less that of coefPole[k] * y[n - 1 - k] over the past outputs, n - 1 - k < 0, that is
-//   k = n..9. Reads x[-10..3] and y[-10..-1].
-// ownWeightLPC_G728_16s: dst[n] = the upper half of src[n] * weight[n] * 2^shift, rounded; false, with nothing written, when
-// one does
-//   not fit. shift 1..3; dst may be src.
-// ownFinishLags_G728_32s16s: lags 1..order of an analysis, see hybrid_window.h; leaving, newest: magnitudes below 2^31. Returns
-//   the last autocorrelation before rounding.
+// ownFinishLags_G728_32s16s: lags 1..order of an analysis, see hybrid_window.h. Returns the last autocorrelation before
+//   rounding.
 namespace zpp::g728 {
 struct LagShifts;
 }
@@ -43,5 +41,5 @@ struct LagShifts;
                 const zpp::g728::LagShifts& shifts))
 ZPP_G728_KERNELS(ZPP_DECLARE_KERNEL)
 
-// The weighting filter on five samples: x and y point at them, ten past samples of each before. outputs y = W(z) x.
+// The weighting filter on five samples: x and y point at them, ten past samples of each before; outputs y = W(z) x.
 void ownWeightingFilter_G728_16s(const Zpp16s* coefZero, const Zpp16s* coefPole, const Zpp16s* x, Zpp16s* y);

@@ -13,7 +13,7 @@ constexpr int kFirstWarningStage = 12;
 
 // Predictor with its prediction error, as a recursion carries it on
 struct Predictor {
-  Zpp16s a[kMaxLevinsonOrder + 6] = {};  // as many more as a vector store may touch
+  Zpp16s a[kMaxLevinsonOrder];
   Zpp16s rc1 = 0, residual = 0;
   int order = 0, shift = 0;  // coefficients have 15 - shift bits behind the point
 

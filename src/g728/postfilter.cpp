@@ -26,7 +26,7 @@ Zpp32s sumOfMagnitudes(const Zpp16s* x) {
   return sum;
 }
 
-// The part of the new gain in a step of the smoothing: 0.01 times the ratio of magnitudes, Q28
+// What the new gain contributes to a step of the smoothing: 0.01 times the ratio of magnitudes, Q28
 Zpp32s gainStep(Zpp32s before, Zpp32s after) {
   Floating ratio{kUnity, 14};
   if (after > 4) ratio = quotient(normalisedHigh(before), normShift(before, 32), normalisedHigh(after), normShift(after, 32));

@@ -69,7 +69,7 @@ template <bool quiet>
   Zpp32s v0 = memory[0], v1 = memory[1], v2 = memory[2], v3 = memory[3], v4 = memory[4], v5 = memory[5], v6 = memory[6],
          v7 = memory[7];
   Zpp32u seen = 0;
-  const auto see = [&seen](Zpp32s x) {
+  const auto see = [&](Zpp32s x) {
     if constexpr (!quiet) seen |= static_cast<Zpp32u>(x) + 16384;
   };
   for (int done = 0; done < len;) {

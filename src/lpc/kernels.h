@@ -34,6 +34,9 @@ inline constexpr int kLpcOrder = 10;
 // ownHarmonicFilter_16s: srcDst[n] += gain * srcDst[n - lag], gain Q15, ascending, lag 1 or more.
 // ownConvPartial_16s_Sfs: dst[n] = sat16(the exact sum of src1[k] * src2[n - k], k = 0..n, >> scaleFactor), truncating,
 //   scaleFactor 0 or more; ownConvPartial_16s32s: the sums modulo 2^32.
+// ownLPCToLSP_16s: a Q12, lsp Q15: the roots between the points of a grid of the given number of intervals, 3 to 63, each
+// interval
+//   halved as told, prevLsp when there are fewer than ten; precision 10 or 11: LspPolynomials in chebyshev.h.
 #define ZPP_LPC_KERNELS(KERNEL)                                                                                                \
   KERNEL(ownPartialCorr_16s32s, W7, void(const Zpp16s* src1, const Zpp16s* src2, int len, Zpp32s* dst, int lags))              \
   KERNEL(ownCorr_16s32s, W7, void(const Zpp16s* src1, const Zpp16s* src2, int len, Zpp32s* dst, int lags))                     \
@@ -52,7 +55,10 @@ inline constexpr int kLpcOrder = 10;
   KERNEL(ownResidualFilter_G729E_16s, W7, void(const Zpp16s* coef, int order, const Zpp16s* src, Zpp16s* dst, int len))        \
   KERNEL(ownHarmonicFilter_16s, W7, void(Zpp16s gain, int lag, Zpp16s* srcDst, int len))                                       \
   KERNEL(ownConvPartial_16s_Sfs, W7, void(const Zpp16s* src1, const Zpp16s* src2, Zpp16s* dst, int len, int scaleFactor))      \
-  KERNEL(ownConvPartial_16s32s, W7, void(const Zpp16s* src1, const Zpp16s* src2, Zpp32s* dst, int len))
+  KERNEL(ownConvPartial_16s32s, W7, void(const Zpp16s* src1, const Zpp16s* src2, Zpp32s* dst, int len))                        \
+  KERNEL(ownLPCToLSP_16s, W7,                                                                                                  \
+         void(const Zpp16s* a, const Zpp16s* prevLsp, const Zpp16s* grid, int intervals, int halvings, int precision,          \
+              Zpp16s* lsp))
 
 ZPP_LPC_KERNELS(ZPP_DECLARE_KERNEL)
 
@@ -68,6 +74,8 @@ void ownAutoCorr_Inv_16s32s(const Zpp16s* src, int len, Zpp32s* dst, int lenDst)
 void ownCrossCorr_NR_16s(const Zpp16s* src1, const Zpp16s* src2, int len, Zpp16s* dst, int lags);
 // dst = the impulse response of coef[0]/A(z), coef[0] in front
 void ownSynthesisFilterZeroStateResponse_NR_16s(const Zpp16s* coef, Zpp16s* dst, int len, int scaleFactor);
+// lsp: 10, Q15; a: 11, Q12, kept to 16 bits
+void ownLSPToLPC_G729_16s(const Zpp16s* lsp, Zpp16s* a);
 
 // --- Adaptive-codebook gain ------------------------------------------------------------------------------------------
 

@@ -212,6 +212,9 @@ TEST(AdaptiveCodebook, SubstitutesTheLagOfErasedFrames) {
     EXPECT_EQ(std::tuple(d.lag, d.lastGoodLag, d.decodedLag), std::tuple(61, 61, 53)) << rate;
     d = decode(rate, 0, 100, 143, 0, 1);
     EXPECT_EQ(std::tuple(d.lag, d.lastGoodLag), std::tuple(143, 143)) << rate;
+    // 144, which a delta subframe can have, is repeated; nothing beyond it is.
+    EXPECT_EQ(decode(rate, 0, 100, 144, 0, 1).lag, 144) << rate;
+    EXPECT_EQ(decode(rate, 0, 100, 145, 0, 1).lag, 143) << rate;
     // Long voiced hangover in background noise: the lower rates keep the decoded lag, and count on.
     d = decode(rate, 0, 100, 60, 0, 1, 1, 5);
     EXPECT_EQ(std::tuple(d.lag, d.lastGoodLag), std::tuple(rate <= ZPP_RATE_5900 ? 53 : 61, 61)) << rate;

@@ -1,7 +1,12 @@
 #include <algorithm>
 
 #include "amr/fixed_codebook/kernels.h"
+#include "amr/gain/kernels.h"
+#include "amr/gain/tables.h"
+#include "amr/lsp/kernels.h"
 #include "amr/pitch/kernels.h"
+#include "amr/postfilter/kernels.h"
+#include "amr/synthesis/kernels.h"
 
 #include "kernels/rig.h"
 
@@ -9,10 +14,18 @@ namespace test {
 
 ZPP_AMR_FIXED_CODEBOOK_KERNELS(ZPP_KERNEL_TYPE)
 ZPP_AMR_PITCH_KERNELS(ZPP_KERNEL_TYPE)
+ZPP_AMR_LSP_KERNELS(ZPP_KERNEL_TYPE)
+ZPP_AMR_GAIN_KERNELS(ZPP_KERNEL_TYPE)
+ZPP_AMR_SYNTHESIS_KERNELS(ZPP_KERNEL_TYPE)
+ZPP_AMR_POSTFILTER_KERNELS(ZPP_KERNEL_TYPE)
 
 void runAmrKernels(const Options& options, Tally& tally) {
   ZPP_AMR_FIXED_CODEBOOK_KERNELS(ZPP_RUN_KERNEL)
   ZPP_AMR_PITCH_KERNELS(ZPP_RUN_KERNEL)
+  ZPP_AMR_LSP_KERNELS(ZPP_RUN_KERNEL)
+  ZPP_AMR_GAIN_KERNELS(ZPP_RUN_KERNEL)
+  ZPP_AMR_SYNTHESIS_KERNELS(ZPP_RUN_KERNEL)
+  ZPP_AMR_POSTFILTER_KERNELS(ZPP_RUN_KERNEL)
 }
 
 namespace {
@@ -131,6 +144,68 @@ DRIVE(ownPredLt_GSMAMR_16s_I, only({11, 17, 18, 19, 20, 33, 50, 80, 144})) {
   repeat(rig, [&](Zpp16s level, int run) {
     auto* excitation = rig.template inOut<Zpp16s>(40, static_cast<Zpp16s>(-level), level, 154);
     rig.run(excitation, n, run % 11 - 5);
+  });
+}
+
+// Residuals near the codebook's entries, far from all, and such that every error saturates
+DRIVE(ownLsfSearch_GSMAMR_16s, only({64, 128, 256, 512})) {
+  const LsfCodebook& book = n == 64 ? dico5Lsf5 : n == 128 ? dico1Lsf5 : n == 256 ? dico3Lsf5 : dico3Lsf3;
+  repeat(rig, [&](Zpp16s level, int run) {
+    const auto* residual = rig.template in<Zpp16s>(4, static_cast<Zpp16s>(-level), level);
+    const auto* weight = rig.template in<Zpp16s>(4, static_cast<Zpp16s>(run % 2 == 0 ? 0 : -32768));
+    rig.run(residual, weight, book.quads, n, run % 3 == 0);
+  });
+}
+
+// Terms of one size, of sizes far apart, and such that sums saturate
+DRIVE(ownGainSearch_GSMAMR_16s, only({64, 128, 256})) {
+  const Zpp16s* table = n == 64 ? tableGainLowrates[0] : n == 128 ? tableGainHighrates[0] : tableGainMR475[0][0];
+  repeat(rig, [&](Zpp16s level, int run) {
+    const auto* words = rig.template made<Zpp16s>(22, [&](Zpp16s* word) {
+      for (int k = 0; k < 2; ++k) {
+        const int size = run % 4 == 0 ? level / 8 : run % 4 == 1 ? 16384 : 32767;
+        for (int i = 0; i < 5; ++i) {
+          const int shift = run % 3 == 0 ? rig.scalar(0, 12) : 0;
+          const bool positive = run % 5 != 0 && i % 2 == 0;
+          *word++ = rig.template scalar<Zpp16s>(positive ? 0 : -(size >> shift) - 1, size >> shift);
+          *word++ = rig.template scalar<Zpp16s>(0, 32767);
+        }
+        *word++ = rig.template scalar<Zpp16s>(run % 2 == 0 ? 16384 : 0, 32767);
+      }
+    });
+    const auto* criteria = reinterpret_cast<const GainCriterion*>(words);
+    const auto limit = static_cast<Zpp16s>(run % 6 == 0 ? 15565 : run % 17 == 0 ? -1 : 32767);
+    rig.run(criteria, table, n, n == 256 ? 2 : 1, limit);
+  });
+}
+
+DRIVE(ownApplyGains_GSMAMR_16s_I, only({40})) {
+  repeat(rig, [&](Zpp16s level, int) { rig.run(rig.template in<Zpp16s>(n), within(rig, level)); });
+}
+
+DRIVE(ownAddPitch_GSMAMR_16s, only({40})) {
+  repeat(rig, [&](Zpp16s level, int run) {
+    const Zpp16s *vector = within(rig, level), *excitation = rig.template in<Zpp16s>(n);
+    const auto sharpening = rig.template scalar<Zpp16s>(run % 7 == 0 ? -32768 : 16385, run % 7 == 0 ? -32768 : 32767);
+    rig.run(vector, excitation, sharpening, rig.template scalar<Zpp16s>(-32768, 32767), 15 + run % 2,
+            rig.template out<Zpp16s>(n));
+  });
+}
+
+DRIVE(ownDisperse_GSMAMR_16s, only({40})) {
+  repeat(rig, [&](Zpp16s level, int run) {
+    Zpp16s* pulses = within(rig, level);
+    for (int i = 0; i < n; ++i)
+      if (run % 5 != 0 && rig.scalar(0, 9) != 0) pulses[i] = 0;
+    const DispersionResponse* responses[] = {&phImpLow, &phImpMid, &phImpLowMR795, &phImpMidMR795};
+    rig.run(pulses, *responses[run % 4], rig.template out<Zpp16s>(n));
+  });
+}
+
+DRIVE(ownCompensateTilt_GSMAMR_16s_I, only({40})) {
+  repeat(rig, [&](Zpp16s level, int run) {
+    auto* srcDst = rig.template inOut<Zpp16s>(n, static_cast<Zpp16s>(-level - 1), level, 1);
+    rig.run(static_cast<Zpp16s>(run % 9 == 0 ? -32768 : rig.scalar(-32768, 32767)), srcDst);
   });
 }
 

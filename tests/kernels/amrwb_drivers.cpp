@@ -77,6 +77,10 @@ DRIVE(ownUpSampling_AMRWB_16s, {{4, 8, 64, 256}, {64}}) {
   auto* mem = rig.inOut<Zpp16s>(24, static_cast<Zpp16s>(-most), most);
   rig.run(within(rig, n, most), rig.out<Zpp16s>(n * 5 / 4), n, mem);
 }
+DRIVE(ownDecimateBy2_AMRWB_16s_I, {{4, 6, 8, 14, 256}, {256}}) {
+  auto* mem = rig.inOut<Zpp16s>(3);
+  rig.run(rig.inOut<Zpp16s>(n), n, mem);
+}
 DRIVE(ownHighBandFilter_AMRWB_16s_I, {{1, 3, 4, 79, 80, 81, 200}, {80}}) {
   const Zpp16s most = level(rig);
   auto* mem = rig.inOut<Zpp16s>(30, static_cast<Zpp16s>(-most), most);
@@ -116,6 +120,15 @@ DRIVE(ownNoise_AMRWB_16s, {{8, 16, 80, 256}, {80, 256}}) {
   rig.run(rig.out<Zpp16s>(n), n, rig.scalar(0, 4), seed);
 }
 
+DRIVE(ownConvolution_AMRWB_16s, only({1})) {
+  rig.run(within(rig, 64, level(rig)), response(rig, rig.scalar(100, 32767)), rig.out<Zpp16s>(64));
+}
+DRIVE(ownRemove_AMRWB_16s, only({1})) {
+  const auto* y = rig.in<Zpp16s>(64);
+  auto* x = rig.inOut<Zpp16s>(64);
+  auto* dst = rig.out<Zpp16s>(64);
+  rig.run(static_cast<const Zpp16s*>(x), y, static_cast<Zpp16s>(rig.scalar(0, 19661)), rig.scalar(0, 1) == 0 ? x : dst);
+}
 DRIVE(ownNormCorr_AMRWB_16s, only({1, 9, 24})) {
   const int minLag = rig.scalar(30, 235 - n), maxLag = minLag + n - 1;
   const auto* excitation = within(rig, 64, level(rig), maxLag);

@@ -25,18 +25,6 @@ void runG729Kernels(const Options& options, Tally& tally) {
 // --- LP analysis and LSP quantisation -------------------------------------------------------------------------------------
 // Sizes only repeat the random draws: even ones over the whole range, odd ones in the range of speech.
 
-// The filter of LSPs around a flat spectrum's, so that most searches find ten roots
-DRIVE(ownLPCToLSP_G729, upTo(60, {50, 60})) {
-  Zpp16s* a = rig.inOut<Zpp16s>(11);
-  if (n % 3 != 0 || n >= 50) {
-    const Zpp16s* offset = rig.in<Zpp16s>(10, -1400, 1400);
-    Zpp16s lsp[10];
-    for (int i = 0; i < 10; ++i) lsp[i] = static_cast<Zpp16s>(29250 - 6500 * i + offset[i]);
-    zppsLSPToLPC_G729_16s(lsp, a);
-  }
-  const bool annexA = n % 2 != 0 || n == 50;
-  rig.run(a, rig.in<Zpp16s>(10), annexA ? w_eval_50 : w_eval_60, annexA ? 50 : 60, annexA ? 2 : 4, rig.out<Zpp16s>(10));
-}
 // Orders 1..30; multiples of three over the whole range, where sums saturate. The buffers end with the last value that is read.
 DRIVE(ownLevinsonSum_G729, upTo(30, {10, 30})) {
   const int shift = rig.keep || n % 3 != 0 ? 3 : 0;

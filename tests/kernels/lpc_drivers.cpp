@@ -2,6 +2,7 @@
 
 #include "kernels/rig.h"
 #include "lpc/kernels.h"
+#include "lpc/tables.h"
 
 namespace test {
 
@@ -81,5 +82,22 @@ DRIVE(ownConvPartial_16s_Sfs, upTo(200, {40, 80})) {
   rig.run(samples(rig, n), samples(rig, n), rig.out<Zpp16s>(n), n, rig.keep ? 12 : rig.scalar(0, 40));
 }
 DRIVE(ownConvPartial_16s32s, upTo(200, {40})) { rig.run(full(rig, n), full(rig, n), rig.out<Zpp32s>(n), n); }
+
+// The filter of LSPs around a flat spectrum's, so that most searches find ten roots; both precisions
+DRIVE(ownLPCToLSP_16s, upTo(60, {50, 59, 60})) {
+  Zpp16s* a = rig.inOut<Zpp16s>(11);
+  if (n % 3 != 0 || n >= 50) {
+    const Zpp16s* offset = rig.in<Zpp16s>(10, -1400, 1400);
+    Zpp16s lsp[10];
+    for (int i = 0; i < 10; ++i) lsp[i] = static_cast<Zpp16s>(29250 - 6500 * i + offset[i]);
+    zppsLSPToLPC_G729_16s(lsp, a);
+  }
+  // Odd sizes search a grid of half the points, with fewer halvings.
+  const int step = n % 2 + 1, intervals = 60 / step;
+  const auto* grid = rig.made<Zpp16s>(intervals + 1, [step, intervals](Zpp16s* points) {
+    for (int i = 0; i <= intervals; ++i) points[i] = w_eval_60[step * i];
+  });
+  rig.run(a, rig.in<Zpp16s>(10), grid, intervals, 6 - 2 * step, n % 4 < 2 ? 10 : 11, rig.out<Zpp16s>(10));
+}
 
 }  // namespace test

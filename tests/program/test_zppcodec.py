@@ -17,6 +17,7 @@ import tempfile
 import time
 import unittest
 import wave
+import zlib
 
 PROGRAM = ""
 DATA = os.path.join(os.path.dirname(os.path.abspath(__file__)), "data")
@@ -224,6 +225,76 @@ class G723(ProgramTest):
                 self.assertEqual(len(theirs), len(ours))
                 error = sum((a - b) ** 2 for a, b in zip(ours, theirs))
                 self.assertLess(error, 1e-3 * sum(a * a for a in ours))
+
+
+class GsmAmr(ProgramTest):
+    """Whole streams are compared in codecs_test; here what the program adds."""
+
+    @staticmethod
+    def vectors(name):
+        return data(os.path.join("..", "..", "vectors", "amr", "streams", name))
+
+    def test_rates_detectors_and_receive_types(self):
+        speech, modes = self.vectors("check.pcm"), self.vectors("check.modes")
+        rates = self.file("rates", b"".join(struct.pack("<H", mode) for mode in modes))
+        for detector, checksum in (("1", 0x4867a850), ("2", 0x0843ab3f)):
+            options = ["-c", "amr", "--framing", "words", "--rates", rates, "--dtx", "--vad", detector, "--raw", "-", "-"]
+            stream = run("encode", *options, stdin=speech)
+            self.assertDone(stream)
+            self.assertEqual(zlib.crc32(stream.stdout), checksum)
+        types = self.file("types", b"".join(b"%d\n" % kind for kind in self.vectors("types-random.types")))
+        heard = run("decode", "-c", "amr", "--frame-types", types, "--raw", "-", "-", stdin=self.vectors("types-random.amr"))
+        self.assertDone(heard)
+        self.assertEqual(zlib.crc32(heard.stdout), 0x9560aa61)
+        # A decoder takes the rate from the stream, whatever its name says.
+        stream = run("encode", "-c", "amr-5.15", "--raw", "-", "-", stdin=speech).stdout
+        heard = [run("decode", "-c", name, "--raw", "-", "-", stdin=stream).stdout for name in ("amr-12.2", "amr", "amr-5.15")]
+        self.assertTrue(heard[0] == heard[1] == heard[2])
+
+    def test_refusals(self):
+        stream = run("encode", "-c", "amr-4.75", "--raw", "-", "-", stdin=bytes(640)).stdout
+        decode = ["decode", "-c", "amr", "--raw", "-", "-"]
+        self.assertRefused(run(*decode, stdin=stream[6:]), 2, "#!AMR")
+        self.assertRefused(run(*decode, stdin=b"RIFF"), 2, "#!AMR")
+        self.assertRefused(run(*decode, stdin=stream[:-1]), 2, "12 bytes that are no whole frame")
+        rates = self.file("rates", bytes(2))
+        self.assertRefused(run("encode", "-c", "amr-4.75", "--rates", rates, "--raw", "-", "-", stdin=bytes(320)), 1, "--rates")
+        rates = self.file("rates", b"\x08\0")
+        self.assertRefused(run("encode", "-c", "amr", "--rates", rates, "--raw", "-", "-", stdin=bytes(320)), 2, "rate 8")
+
+    def assertSimilar(self, theirs, ours, limit):
+        theirs, ours = samples(theirs), samples(ours)
+        self.assertGreaterEqual(len(theirs), len(ours))
+        error = sum((a - b) ** 2 for a, b in zip(ours, theirs))
+        self.assertLess(error, limit * sum(a * a for a in ours))
+
+    @unittest.skipUnless(shutil.which("ffmpeg"), "no ffmpeg")
+    def test_another_decoder_hears_nearly_the_same(self):
+        for codec in "amr-4.75", "amr-7.95", "amr-12.2":
+            with self.subTest(codec=codec):
+                stream = run("encode", "-c", codec, "--raw", "-", "-", stdin=self.vectors("check.pcm")).stdout
+                ours = run("decode", "-c", codec, "--raw", "-", "-", stdin=stream).stdout
+                command = ["ffmpeg", "-v", "error", "-f", "amr", "-i", self.file("stream", stream), "-f", "s16le", "-"]
+                theirs = subprocess.run(command, capture_output=True, timeout=120).stdout
+                self.assertSimilar(theirs, ours, 0.05)
+
+    @unittest.skipUnless(shutil.which("sox") and b"amr-nb" in subprocess.run(["sox", "--help"], capture_output=True).stdout,
+                         "no sox that knows GSM-AMR")
+    def test_files_are_exchanged(self):
+        speech = self.file("speech.raw", self.vectors("check.pcm"))
+        pcm = ["-t", "raw", "-e", "signed", "-b", "16", "-r", "8000", "-c", "1"]
+        stream = self.path("theirs.amr-nb")
+        for mode, codec in enumerate(("amr-4.75", "amr-5.15", "amr-5.90", "amr-6.70", "amr-7.40", "amr-7.95", "amr-10.2", "amr-12.2")):
+            with self.subTest(codec=codec):
+                subprocess.run(["sox", *pcm, speech, "-C", str(mode), stream], check=True, timeout=120)
+                theirs = run("decode", "-c", codec, "--raw", stream, "-")
+                self.assertDone(theirs)
+                ours = run("encode", "-c", codec, "--raw", speech, self.path("ours.amr-nb"))
+                self.assertDone(ours)
+                own = run("decode", "-c", codec, "--raw", self.path("ours.amr-nb"), "-").stdout
+                heard = subprocess.run(["sox", self.path("ours.amr-nb"), *pcm, "-"], capture_output=True, timeout=120).stdout
+                self.assertSimilar(heard, own, 0.02)
+                self.assertSimilar(theirs.stdout, own, 0.5)
 
 
 class AmrWb(ProgramTest):

@@ -1,6 +1,7 @@
 // Closed-loop pitch search, decoding of the lag, and the adaptive-codebook gain (3GPP TS 26.090 clauses 5.6 and 6.1).
 #include "amr/pitch/kernels.h"
 #include "amr/pitch/lag_coding.h"
+#include "amr/rate.h"
 #include "amr/tables.h"
 #include "core/checks.h"
 #include "core/fixed_point.h"
@@ -8,26 +9,11 @@
 #include "lpc/kernels.h"
 
 using namespace zpp;
+using namespace zpp::amr;
 
 namespace {
 
 constexpr int kPast = 154;  // samples of past excitation in the callers' buffers
-
-constexpr bool isSpeechRate(ZppSpeechRate rate) {
-  switch (rate) {
-    case ZPP_RATE_4750:
-    case ZPP_RATE_5150:
-    case ZPP_RATE_5900:
-    case ZPP_RATE_6700:
-    case ZPP_RATE_7400:
-    case ZPP_RATE_7950:
-    case ZPP_RATE_10200:
-    case ZPP_RATE_12200:
-      return true;
-    default:
-      return false;
-  }
-}
 
 }  // namespace
 
@@ -126,10 +112,10 @@ PitchLag ownSearchFrac(const Zpp16s* corr, int lag, int first, int last, bool th
 }
 
 // The lag that the vector is built with: as coded, unless the index or the previous lag lies outside what an encoder sends. A
-// range relative to the previous lag reaches one sample further than an index by itself; a fraction may precede the smallest
-// lag.
-PitchLag limited(PitchLag lag, LagCoding coding, int minLag) {
-  const int maxLag = coding == LagCoding::absolute ? kMaxLag : kMaxLag + 1;
+// range relative to the previous lag reaches one sample further than an index by itself, and such a lag may be `repeated`; a
+// fraction may precede the smallest lag.
+PitchLag limited(PitchLag lag, LagCoding coding, bool repeated, int minLag) {
+  const int maxLag = coding == LagCoding::absolute && !repeated ? kMaxLag : kMaxLag + 1;
   if (lag.samples > maxLag) lag.samples = kMaxLag;
   if (lag.samples < minLag && !(lag.samples == minLag - 1 && lag.fraction > 0)) lag.samples = minLag;
   if (outside(lag.fraction, -3, 3)) lag.fraction = 0;
@@ -190,11 +176,13 @@ void ownAdaptiveCodebookDecode_GSMAMR_16s(int lagIndex, Zpp16s* lastGoodLag, Zpp
   const LagRange range = getRange(previous, search.deltaBelow, search.deltaLength, search.minLag);
   PitchLag decoded = search.thirds ? ownDecLag3(lagIndex, coding, range, previous) : ownDecLag6(lagIndex, coding, range);
   const auto coded = static_cast<Zpp16s>(decoded.samples);
+  bool repeated = badFrame;
   if (!search.thirds) {
     // 61 to 63 are no indices of a delta subframe.
     if (badFrame || (coding != LagCoding::absolute && lagIndex >= 61)) {
       *decodedLag = coded;
       decoded = {*lastGoodLag, 0};
+      repeated = true;
     }
   } else {
     *decodedLag = coded;
@@ -203,9 +191,10 @@ void ownAdaptiveCodebookDecode_GSMAMR_16s(int lagIndex, Zpp16s* lastGoodLag, Zpp
       const bool lowRate = rate == ZPP_RATE_4750 || rate == ZPP_RATE_5150 || rate == ZPP_RATE_5900;
       const bool keepsDecoded = backgroundNoise && voicedHangover > 4 && lowRate;
       decoded = {keepsDecoded ? coded : *lastGoodLag, 0};
+      repeated = !keepsDecoded;
     }
   }
-  decoded = limited(decoded, coding, search.minLag);
+  decoded = limited(decoded, coding, repeated, search.minLag);
   *lag = static_cast<Zpp16s>(decoded.samples);
   adaptiveVector(excitation, decoded, search.thirds, vector);
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "amr/frame.h"
+#include "amr/rate.h"
 #include "core/variants.h"
 
 // ownNormCorr: normalised correlation of the target with the past excitation at minLag..maxLag filtered by the impulse
@@ -29,3 +30,7 @@ void ownAdaptiveCodebookDecode_GSMAMR_16s(int lagIndex, Zpp16s* lastGoodLag, Zpp
                                           int voicedHangover, ZppSpeechRate rate);
 // The past excitation `lag` samples back, filtered by the impulse response: 40 samples, truncated
 void ownFilteredExcitation_GSMAMR_16s(const Zpp16s* excitation, int lag, const Zpp16s* impulse, Zpp16s* filtered);
+// The open-loop lags of a frame, and the measurements for the voice activity detectors: vadMem, the five words of option 1, or
+// null; sums, for option 2, or null: the correlations at the lags and the energies are added.
+void ownOpenLoopPitchSearch_GSMAMR_16s(const Zpp16s* weighted, Zpp16s* lagMem, Zpp16s* gainFlag, Zpp16s* lags,
+                                       zpp::amr::Mode mode, Zpp16s* vadMem, Zpp32s* sums);

@@ -8,7 +8,8 @@
 inline constexpr int kDownSamplingMemory = 30, kUpSamplingMemory = 24, kDecimationMemory = 3, kHighBandMemory = 30;
 inline constexpr int kHighPassStateSize = 40;
 
-// ownDownSampling: len a multiple of 5 up to 320; ownUpSampling: a multiple of 4 up to 256.
+// ownDownSampling: len a multiple of 5 up to 320; ownUpSampling: a multiple of 4 up to 256;
+//   ownDecimateBy2: even, 4..256.
 // ownHighBandFilter: any length; the input is shifted right by inputShift first; coef: 31 taps, symmetric, their magnitudes
 //   below 2^18 together.
 // ownHighPassInputs: dst[n] = twice the sum of b[k] * src[n - k], k = 0..3, modulo 2^32. src[-3..len-1].
@@ -19,6 +20,7 @@ inline constexpr int kHighPassStateSize = 40;
 #define ZPP_AMRWB_FILTER_KERNELS(KERNEL)                                                                                    \
   KERNEL(ownDownSampling_AMRWB_16s, W7, void(const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* mem))                         \
   KERNEL(ownUpSampling_AMRWB_16s, W7, void(const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* mem))                           \
+  KERNEL(ownDecimateBy2_AMRWB_16s_I, W7, void(Zpp16s * srcDst, int len, Zpp16s* mem))                                       \
   KERNEL(ownHighBandFilter_AMRWB_16s_I, W7, void(const Zpp16s* coef, Zpp16s* srcDst, int len, int inputShift, Zpp16s* mem)) \
   KERNEL(ownHighPassInputs_16s32s, W7, void(const Zpp16s* b, const Zpp16s* src, Zpp32s* dst, int len))                      \
   KERNEL(ownPreemphasize_AMRWB_16s_I, W7, void(Zpp16s * srcDst, int len, Zpp16s gamma, int shift, Zpp16s* mem))             \
@@ -40,5 +42,4 @@ void ownHighPassFilterScale_AMRWB_16s(int shift, void* state);
 int ownPreemphasisScale_AMRWB_16s(const Zpp16s* src, int len, Zpp16s gamma, Zpp16s prev);
 void ownDeemphasize_AMRWB_16s_I(Zpp16s* srcDst, int len, Zpp16s gamma, Zpp16s* mem);
 void ownDeemphasize_AMRWB_32s16s(const Zpp32s* src, Zpp16s* dst, int len, Zpp16s gamma, Zpp16s* mem);
-void ownDecimateBy2_AMRWB_16s_I(Zpp16s* srcDst, int len, Zpp16s* mem);
 void ownHarmonicFilter_AMRWB_16s_I(Zpp16s gain, int lag, Zpp16s* srcDst, int len);

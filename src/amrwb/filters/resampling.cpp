@@ -1,7 +1,5 @@
 // Conversion between 16 and 12.8 kHz, decimation of the weighted speech and the filters of the high band (3GPP TS 26.190
 // clauses 5.1, 5.4 and 6.3): entries.
-#include <cstring>
-
 #include "amrwb/filters/kernels.h"
 #include "amrwb/filters/tables.h"
 #include "core/checks.h"
@@ -38,19 +36,4 @@ ZppStatus zppsHighBandFilter_AMRWB_16s_I(Zpp16s* srcDst, int len, int band, Zpp1
   else
     ownHighBandFilter_AMRWB_16s_I(lowPass7kHz, srcDst, len, 0, mem);
   return zppStsOk;
-}
-
-void ownDecimateBy2_AMRWB_16s_I(Zpp16s* srcDst, int len, Zpp16s* mem) {
-  Zpp16s last[kDecimationMemory], x[5];
-  std::memcpy(last, srcDst + len - kDecimationMemory, sizeof last);
-  std::memcpy(x, mem, kDecimationMemory * sizeof(Zpp16s));
-  for (int n = 0; n < len; n += 2) {
-    x[3] = srcDst[n];
-    x[4] = srcDst[n + 1];
-    Zpp32s sum = 0;  // the taps add up to 32767: nothing can saturate
-    for (int k = 0; k < 5; ++k) sum += decimationTaps[k] * x[k];
-    srcDst[n / 2] = roundHigh16(2 * sum);
-    for (int k = 0; k < kDecimationMemory; ++k) x[k] = x[k + 2];
-  }
-  std::memcpy(mem, last, sizeof last);
 }

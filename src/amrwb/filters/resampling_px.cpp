@@ -52,3 +52,18 @@ void ownHighBandFilter_AMRWB_16s_I_PX(const Zpp16s* coef, Zpp16s* srcDst, int le
   }
   std::memcpy(mem, signal, kHighBandMemory * sizeof(Zpp16s));
 }
+
+void ownDecimateBy2_AMRWB_16s_I_PX(Zpp16s* srcDst, int len, Zpp16s* mem) {
+  Zpp16s last[kDecimationMemory], x[5];
+  std::memcpy(last, srcDst + len - kDecimationMemory, sizeof last);
+  std::memcpy(x, mem, kDecimationMemory * sizeof(Zpp16s));
+  for (int n = 0; n < len; n += 2) {
+    x[3] = srcDst[n];
+    x[4] = srcDst[n + 1];
+    Zpp32s sum = 0;  // the taps add up to 32767: nothing can saturate
+    for (int k = 0; k < 5; ++k) sum += decimationTaps[k] * x[k];
+    srcDst[n / 2] = roundHigh16(2 * sum);
+    for (int k = 0; k < kDecimationMemory; ++k) x[k] = x[k + 2];
+  }
+  std::memcpy(mem, last, sizeof last);
+}

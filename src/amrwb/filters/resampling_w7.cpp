@@ -108,3 +108,25 @@ void ownHighBandFilter_AMRWB_16s_I_W7(const Zpp16s* coef, Zpp16s* srcDst, int le
   }
   std::memcpy(mem, signal, kHighBandMemory * sizeof(Zpp16s));
 }
+
+void ownDecimateBy2_AMRWB_16s_I_W7(Zpp16s* srcDst, int len, Zpp16s* mem) {
+  // The taps add up to 32767: nothing can saturate.
+  Zpp16s signal[kDecimationMemory + 256 + 8];
+  std::memcpy(signal, mem, kDecimationMemory * sizeof(Zpp16s));
+  std::memcpy(signal + kDecimationMemory, srcDst, static_cast<unsigned>(len) * sizeof(Zpp16s));
+  std::memset(signal + kDecimationMemory + len, 0, 8 * sizeof(Zpp16s));
+  std::memcpy(mem, signal + len, kDecimationMemory * sizeof(Zpp16s));
+  const V first = pairOf(decimationTaps[0], decimationTaps[1]), second = pairOf(decimationTaps[2], decimationTaps[3]),
+          third = pairOf(decimationTaps[4], 0);
+  const auto four = [&](const Zpp16s* x) {
+    const V sum = _mm_add_epi32(_mm_madd_epi16(load(x), first), _mm_madd_epi16(load(x + 2), second));
+    return rounded(_mm_add_epi32(sum, _mm_madd_epi16(load(x + 4), third)), 15);
+  };
+  const int outputs = len / 2;
+  int j = 0;
+  for (; j + 4 <= outputs; j += 4) storeFour(srcDst + j, four(signal + 2 * j));
+  if (j == outputs) return;
+  Zpp16s rest[4];
+  storeFour(rest, four(signal + 2 * j));
+  std::memcpy(srcDst + j, rest, static_cast<unsigned>(outputs - j) * sizeof(Zpp16s));
+}

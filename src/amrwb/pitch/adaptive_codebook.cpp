@@ -5,7 +5,6 @@
 #include "amrwb/pitch/lag_coding.h"
 #include "amrwb/pitch/tables.h"
 #include "core/checks.h"
-#include "lpc/kernels.h"
 
 using namespace zpp;
 using namespace zpp::amrwb;
@@ -76,26 +75,7 @@ Zpp16s codebookGain(const Zpp16s* target, const Zpp16s* filtered, bool clip, Zpp
   return std::min<Zpp16s>(gain, clip ? 15565 : 19661);  // 0.95, 1.2
 }
 
-// dst = x - gain * y, gain Q14, 0..1.2: the exact difference, saturated once
-void remove(const Zpp16s* x, const Zpp16s* y, Zpp16s gain, Zpp16s* dst) {
-  for (int n = 0; n < kSubframe; ++n) dst[n] = sat16((x[n] * 16384 - y[n] * gain) >> 14);
-}
-
 }  // namespace
-
-void ownConvolution_AMRWB_16s(const Zpp16s* src, const Zpp16s* impulse, Zpp16s* dst) {
-  if (!productsFit(ownDotProd_16s(src, src, kSubframe), ownDotProd_16s(impulse, impulse, kSubframe))) {
-    for (int n = 0; n < kSubframe; ++n) {
-      Zpp32s sum = 0;
-      for (int k = 0; k <= n; ++k) sum = macDbl(sum, src[k], impulse[n - k]);
-      dst[n] = roundHigh16(sum);
-    }
-    return;
-  }
-  Zpp32s sums[kSubframe];
-  ownConvPartial_16s32s(src, impulse, sums, kSubframe);
-  for (int n = 0; n < kSubframe; ++n) dst[n] = sat16((sums[n] + 0x4000) >> 15);
-}
 
 void ownAdaptiveCodebookSearch_AMRWB_16s(const Zpp16s* target, const Zpp16s* impulse, Zpp16s* excitation, Zpp16s* minLag,
                                          Zpp16s* lag, Zpp16s* fraction, Zpp16s* index, int openLoopLag, int subframe,
@@ -134,14 +114,14 @@ void ownAdaptiveCodebookContribution_AMRWB_16s(const Zpp16s* target, const Zpp16
   ownAdaptiveCodebookLowPass_AMRWB_16s(excitation, smooth, kSubframe);
   ownConvolution_AMRWB_16s(smooth, impulse, filteredVector);
   *gain = codebookGain(target, filteredVector, clip, coef);
-  remove(target, filteredVector, *gain, target2);
+  ownRemove_AMRWB_16s(target, filteredVector, *gain, target2);
   *select = 0;
 
   if (!hasLowRate(mode)) {
     Zpp16s filtered[kSubframe], remaining[kSubframe], sums[4];
     ownConvolution_AMRWB_16s(excitation, impulse, filtered);
     const Zpp16s plainGain = codebookGain(target, filtered, clip, sums);
-    remove(target, filtered, plainGain, remaining);
+    ownRemove_AMRWB_16s(target, filtered, plainGain, remaining);
     if (energy(remaining, kSubframe) <= 2 * ownDotProd_16s(target2, target2, kSubframe)) {
       *select = 1;
       *gain = plainGain;
@@ -151,5 +131,5 @@ void ownAdaptiveCodebookContribution_AMRWB_16s(const Zpp16s* target, const Zpp16
     }
   }
   if (*select == 0) std::copy_n(smooth, kSubframe, excitation);
-  remove(residualTarget, excitation, *gain, residualTarget);
+  ownRemove_AMRWB_16s(residualTarget, excitation, *gain, residualTarget);
 }

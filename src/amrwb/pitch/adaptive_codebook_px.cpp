@@ -6,6 +6,18 @@
 using namespace zpp;
 using namespace zpp::amrwb;
 
+void ownConvolution_AMRWB_16s_PX(const Zpp16s* src, const Zpp16s* impulse, Zpp16s* dst) {
+  for (int n = 0; n < kSubframe; ++n) {
+    Zpp32s sum = 0;
+    for (int k = 0; k <= n; ++k) sum = macDbl(sum, src[k], impulse[n - k]);
+    dst[n] = roundHigh16(sum);
+  }
+}
+
+void ownRemove_AMRWB_16s_PX(const Zpp16s* x, const Zpp16s* y, Zpp16s gain, Zpp16s* dst) {
+  for (int n = 0; n < kSubframe; ++n) dst[n] = sat16((x[n] * 16384 - y[n] * gain) >> 14);
+}
+
 void ownNormCorr_AMRWB_16s_PX(const Zpp16s* excitation, const Zpp16s* target, const Zpp16s* impulse, int minLag, int maxLag,
                               Zpp16s* corr) {
   const Zpp64s energyTarget = ownDotProd_16s(target, target, kSubframe);

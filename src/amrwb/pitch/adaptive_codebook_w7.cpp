@@ -3,9 +3,29 @@
 #include "amrwb/pitch/pitch_correlation.h"
 #include "amrwb/pitch/tables.h"
 #include "amrwb/simd_w7.h"
+#include "lpc/kernels.h"
 
 using namespace zpp;
 using namespace zpp::amrwb;
+
+void ownConvolution_AMRWB_16s_W7(const Zpp16s* src, const Zpp16s* impulse, Zpp16s* dst) {
+  if (!productsFit(ownDotProd_16s(src, src, kSubframe), ownDotProd_16s(impulse, impulse, kSubframe)))
+    return ownConvolution_AMRWB_16s_PX(src, impulse, dst);
+  alignas(16) Zpp32s sums[kSubframe];
+  ownConvPartial_16s32s(src, impulse, sums, kSubframe);
+  const V half = _mm_set1_epi32(0x4000);
+  const auto four = [&](int n) { return _mm_srai_epi32(_mm_add_epi32(load(sums + n), half), 15); };
+  for (int n = 0; n < kSubframe; n += 8) store(dst + n, _mm_packs_epi32(four(n), four(n + 4)));
+}
+
+void ownRemove_AMRWB_16s_W7(const Zpp16s* x, const Zpp16s* y, Zpp16s gain, Zpp16s* dst) {
+  const V factors = pairOf(16384, -gain);
+  for (int n = 0; n < kSubframe; n += 8) {
+    const V a = load(x + n), b = load(y + n);
+    store(dst + n, _mm_packs_epi32(_mm_srai_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(a, b), factors), 14),
+                                   _mm_srai_epi32(_mm_madd_epi16(_mm_unpackhi_epi16(a, b), factors), 14)));
+  }
+}
 
 void ownNormCorr_AMRWB_16s_W7(const Zpp16s* excitation, const Zpp16s* target, const Zpp16s* impulse, int minLag, int maxLag,
                               Zpp16s* corr) {

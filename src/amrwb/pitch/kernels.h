@@ -9,12 +9,17 @@
 inline constexpr int kPastExcitation = 248;
 inline constexpr int kOpenLoopMinLag = 18, kOpenLoopMaxLag = 115;  // at 6.4 kHz
 
+// ownConvolution: dst[n] = the rounded upper half of the doubled sum of src[k] * impulse[n - k], k = 0..n, saturated at each
+//   step.
+// ownRemove: dst = x - gain * y, gain Q14, 0..1.2: the exact difference, saturated once. dst may be x.
 // ownNormCorr: normalised correlation of the target with the past excitation at minLag..maxLag filtered by the impulse
 //   response. excitation: the current subframe, with maxLag samples before it.
 // ownPredLt: the adaptive-codebook vector of 65 samples written in place from the samples `lag` - quarters / 4 back. lag 17 or
 //   more; quarters 0..3; the samples down to excitation[-lag - 16] are read.
 // ownAdaptiveCodebookLowPass: src[-1..len].
 #define ZPP_AMRWB_PITCH_KERNELS(KERNEL)                                                                                     \
+  KERNEL(ownConvolution_AMRWB_16s, W7, void(const Zpp16s* src, const Zpp16s* impulse, Zpp16s* dst))                         \
+  KERNEL(ownRemove_AMRWB_16s, W7, void(const Zpp16s* x, const Zpp16s* y, Zpp16s gain, Zpp16s* dst))                         \
   KERNEL(ownNormCorr_AMRWB_16s, W7,                                                                                         \
          void(const Zpp16s* excitation, const Zpp16s* target, const Zpp16s* impulse, int minLag, int maxLag, Zpp16s* corr)) \
   KERNEL(ownPredLt_AMRWB_16s_I, W7, void(Zpp16s * excitation, int lag, int quarters))                                       \
@@ -22,8 +27,6 @@ inline constexpr int kOpenLoopMinLag = 18, kOpenLoopMaxLag = 115;  // at 6.4 kHz
 
 ZPP_AMRWB_PITCH_KERNELS(ZPP_DECLARE_KERNEL)
 
-// dst[n] = the rounded upper half of the doubled sum of src[k] * impulse[n - k], k = 0..n, saturated at each step
-void ownConvolution_AMRWB_16s(const Zpp16s* src, const Zpp16s* impulse, Zpp16s* dst);
 void ownOpenLoopPitchSearch_AMRWB_16s(const Zpp16s* wsp, const Zpp16s* hpWsp, int len, Zpp16s* lag, Zpp16s* gain, Zpp16s* mem);
 void ownImpulseResponseTarget_AMRWB_16s(const Zpp16s* speech, const Zpp16s* weightLpc, const Zpp16s* quantLpc,
                                         const Zpp16s* synMem, Zpp16s* residual, Zpp16s* target, Zpp16s* residualTarget,

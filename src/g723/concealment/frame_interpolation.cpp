@@ -7,6 +7,7 @@
 #include "core/fixed_point.h"
 #include "g723/arithmetic.h"
 #include "g723/concealment/kernels.h"
+#include "g723/lag_correlations.h"
 
 using namespace g723;
 using namespace zpp;
@@ -27,17 +28,15 @@ ZppStatus zppsResidualInterpolation_G723_16s(Zpp16s* history, Zpp16s* seed, Zpp1
 }
 
 int ownVoicingDecision_G723_16s(const Zpp16s* src, int lag, Zpp16s* energy) {
-  constexpr int kMaxLag = 142, kReach = 3, kLength = 120;
+  constexpr int kMaxLag = 142, kReach = kNearLags / 2, kLength = 120;
   const Zpp16s* last = src + kHistory + kFrame - kLength;
   const Zpp32s ownEnergy = energyChain(last, kLength);
   const int centre = std::min(lag, kMaxLag);
   int period = centre;
   Zpp32s most = 0, periodEnergy = 0;
-  for (int d = centre - kReach; d <= centre + kReach; ++d) {
-    const Zpp32s delayedEnergy = energyChain(last - d, kLength);
-    const Zpp32s correlation = correlationChain(last, ownEnergy, last - d, delayedEnergy, kLength);
-    if (correlation > most) most = correlation, period = d, periodEnergy = delayedEnergy;
-  }
+  const LagCorrelations lags = correlateLags(last, ownEnergy, kLength, last - centre - kReach, kNearLags);
+  for (int i = kNearLags - 1; i >= 0; --i)  // from the shortest lag on
+    if (lags.correlation[i] > most) most = lags.correlation[i], period = centre + kReach - i, periodEnergy = lags.energy[i];
   *energy = roundHigh16(ownEnergy);
   const Zpp16s c = roundHigh16(most), e = roundHigh16(periodEnergy);
   if (c <= 0) return 0;

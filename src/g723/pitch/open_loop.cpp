@@ -5,6 +5,7 @@
 #include "core/checks.h"
 #include "core/fixed_point.h"
 #include "g723/arithmetic.h"
+#include "g723/lag_correlations.h"
 #include "g723/pitch/kernels.h"
 #include "lpc/kernels.h"
 
@@ -85,37 +86,28 @@ int ownOpenLoopPitchSearch_G723_16s(const Zpp16s* src) {
 }
 
 int ownHarmonicSearch_G723_16s(const Zpp16s* src, int openLoopLag, Zpp16s* gain) {
-  constexpr int kLags = 7;
   constexpr Zpp16s kMaxGain = 10240;  // Q15: 0.3125
-  // The subframe's energy, then the energies of the lags, then their correlations
-  Zpp32s values[1 + 2 * kLags];
-  const int firstLag = openLoopLag - kLags / 2;
-  values[0] = energyChain(src, kSubframe);
-  Zpp32s largest = values[0];
-  for (int i = 0; i < kLags; ++i) {
-    const Zpp16s* delayed = src - firstLag - i;
-    const Zpp32s energy = energyChain(delayed, kSubframe);
-    const Zpp32s correlation = correlationChain(src, values[0], delayed, energy, kSubframe);
-    values[1 + i] = energy;
-    values[1 + kLags + i] = correlation;
-    largest = std::max({largest, energy, absSat32(correlation)});
-  }
+  const int lastLag = openLoopLag + kNearLags / 2;
+  const Zpp32s energy = energyChain(src, kSubframe);
+  const LagCorrelations lags = correlateLags(src, energy, kSubframe, src - lastLag, kNearLags);  // the last one first
+  Zpp32s largest = energy;
+  for (int i = 0; i < kNearLags; ++i) largest = std::max({largest, lags.energy[i], absSat32(lags.correlation[i])});
   const int norm = norm32(largest);
-  const auto normalised = [&](int i) { return roundHigh16(shlSat32(values[i], norm)); };
+  const auto normalised = [norm](Zpp32s x) { return roundHigh16(shlSat32(x, norm)); };
   int best = -1;
   Zpp16s bestNumerator = 1, bestEnergy = 32767, bestCorrelation = 0;
-  for (int i = 0; i < kLags; ++i) {
-    const Zpp16s correlation = normalised(1 + kLags + i), energy = normalised(1 + i);
+  for (int i = kNearLags - 1; i >= 0; --i) {
+    const Zpp16s correlation = normalised(lags.correlation[i]), lagEnergy = normalised(lags.energy[i]);
     if (correlation <= 0) continue;
     const Zpp16s numerator = mulRoundQ15(correlation, correlation);
-    if (msuDbl(mulDbl(numerator, bestEnergy), energy, bestNumerator) <= 0) continue;
-    best = i, bestNumerator = numerator, bestEnergy = energy, bestCorrelation = correlation;
+    if (msuDbl(mulDbl(numerator, bestEnergy), lagEnergy, bestNumerator) <= 0) continue;
+    best = i, bestNumerator = numerator, bestEnergy = lagEnergy, bestCorrelation = correlation;
   }
   *gain = 0;
   if (best < 0) return openLoopLag;
   // The filter pays from a prediction gain on: correlation^2 above 0.375 of the product of the energies.
-  const Zpp32s product = mulDbl(normalised(0), bestEnergy);
+  const Zpp32s product = mulDbl(normalised(energy), bestEnergy);
   if (msuDbl(addSat32(product >> 2, product >> 3), bestCorrelation, bestCorrelation) < 0)
     *gain = bestCorrelation >= bestEnergy ? kMaxGain : mulRoundQ15(divQ15(bestCorrelation, bestEnergy), kMaxGain);
-  return firstLag + best;
+  return lastLag - best;
 }

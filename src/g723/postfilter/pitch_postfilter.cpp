@@ -4,6 +4,7 @@
 #include "core/checks.h"
 #include "core/fixed_point.h"
 #include "g723/arithmetic.h"
+#include "g723/lag_correlations.h"
 #include "g723/postfilter/kernels.h"
 #include "g723/tables.h"
 
@@ -12,7 +13,7 @@ using namespace zpp;
 
 namespace {
 
-constexpr int kMaxLag = 142, kReach = 3;  // lags tried on either side of the decoded one
+constexpr int kMaxLag = 142, kReach = kNearLags / 2;
 
 // One direction: the lag with the largest correlation, 0 when none is positive, and its energy
 struct Direction {
@@ -20,15 +21,22 @@ struct Direction {
   Zpp32s correlation = 0, energy = 0;
 };
 
-// sign: -1 backward, 1 forward; lags up to maxLag only
-Direction searched(const Zpp16s* src, Zpp32s energy, int lag, int sign, int maxLag) {
+Direction searchedBack(const Zpp16s* src, Zpp32s energy, int lag) {
+  const LagCorrelations lags = correlateLags(src, energy, kSubframe, src - lag - kReach, kNearLags);
   Direction best;
-  for (int d = lag - kReach; d <= std::min(lag + kReach, maxLag); ++d) {
-    const Zpp16s* moved = src + sign * d;
-    const Zpp32s movedEnergy = energyChain(moved, kSubframe);
-    const Zpp32s correlation = correlationChain(src, energy, moved, movedEnergy, kSubframe);
-    if (correlation > best.correlation) best = {sign * d, correlation, movedEnergy};
-  }
+  for (int i = kNearLags - 1; i >= 0; --i)  // from the shortest lag on
+    if (lags.correlation[i] > best.correlation) best = {i - lag - kReach, lags.correlation[i], lags.energy[i]};
+  return best;
+}
+
+// room: samples of the frame behind the subframe
+Direction searchedForward(const Zpp16s* src, Zpp32s energy, int lag, int room) {
+  const int first = lag - kReach, count = std::min(room - first + 1, kNearLags);
+  Direction best;
+  if (count < 1) return best;
+  const LagCorrelations lags = correlateLags(src, energy, kSubframe, src + first, count);
+  for (int i = 0; i < count; ++i)
+    if (lags.correlation[i] > best.correlation) best = {first + i, lags.correlation[i], lags.energy[i]};
   return best;
 }
 
@@ -57,8 +65,8 @@ PitchPostFilter ownPitchPostFilterSearch_G723_16s(const Zpp16s* src, int lag, in
   const Zpp16s* speech = src + kHistory + kSubframe * subframe;
   const int centre = std::min(lag, kMaxLag);
   const Zpp32s energy = energyChain(speech, kSubframe);
-  const Direction back = searched(speech, energy, centre, -1, kHistory);
-  const Direction forward = searched(speech, energy, centre, 1, kFrame - kSubframe * (subframe + 1));
+  const Direction back = searchedBack(speech, energy, centre);
+  const Direction forward = searchedForward(speech, energy, centre, kFrame - kSubframe * (subframe + 1));
   PitchPostFilter filter{0, 0, 32767};
   if (back.lag == 0 && forward.lag == 0) return filter;
 

@@ -3,27 +3,12 @@
 #include "core/fixed_point.h"
 #include "g729/lsp/kernels.h"
 #include "g729/lsp/tables.h"
+#include "lpc/kernels.h"
+#include "lpc/tables.h"
 
 using namespace zpp;
 
 namespace {
-
-// The polynomial whose roots are five LSPs, every other one from lsp on: coefficients 0..5, Q24
-void expandRoots(const Zpp16s* lsp, Zpp32s* g) {
-  g[0] = 1 << 24;
-  g[1] = -1024 * lsp[0];
-  for (int i = 2; i <= 5; ++i) {
-    const Zpp16s q = lsp[2 * (i - 1)];
-    g[i] = g[i - 2];
-    for (int m = i; m >= 2; --m) {
-      const Zpp32s twice = shlSat32(mulDpf16(toDpf(g[m - 1]), q), 1);
-      g[m] = subSat32(addSat32(g[m], g[m - 2]), twice);
-    }
-    g[1] = subSat32(g[1], 1024 * q);
-  }
-}
-
-Zpp16s toQ12(Zpp32s twice) { return wrap16((twice >> 13) + ((twice >> 12) & 1)); }
 
 // Visits the LSPs from the last to the first with the sample of cos15 at or above each. The sample never moves back, also where
 // the LSPs are out of order.
@@ -37,21 +22,6 @@ void walkCosines(const Zpp16s* lsp, Convert convert) {
 }
 
 }  // namespace
-
-void ownLSPToLPC_G729_16s(const Zpp16s* lsp, Zpp16s* a) {
-  Zpp32s f1[6], f2[6];
-  expandRoots(lsp, f1);
-  expandRoots(lsp + 1, f2);
-  for (int i = 5; i > 0; --i) {
-    f1[i] = addSat32(f1[i], f1[i - 1]);
-    f2[i] = subSat32(f2[i], f2[i - 1]);
-  }
-  a[0] = 4096;
-  for (int i = 1; i <= 5; ++i) {
-    a[i] = toQ12(addSat32(f1[i], f2[i]));
-    a[11 - i] = toQ12(subSat32(f1[i], f2[i]));
-  }
-}
 
 void ownLSPToLSF_G729_16s(const Zpp16s* lsp, Zpp16s* lsf) {
   walkCosines(lsp, [lsf](int i, int index, Zpp32s offset) {

@@ -7,21 +7,17 @@
 
 // Shapes: a[11] Q12, lsp[10] Q15, lsf[10] Q13, maMem[4][10] Q13 with the newest frame first, target and code vectors [10] Q13.
 
-// ownLPCToLSP_G729: roots between the points of a grid of the given number of intervals, 3 to 63, each interval halved as told;
-// prevLsp when there are fewer than ten.
 // ownLspPreSelect, ownLspSelect2: return the first-stage index, and the second-stage indices as index[0] = L2, index[1] = L3.
 // residual: the target minus its first-stage vector; weight: 0..32767.
 // ownLevinsonSum_G729: the sum of r[j] * coef[order - j], j = 1..order-1 ascending, saturated after each, r[0..order-1] and
 // coef[1..order-1]; ownLevinsonUpdate_G729: coef[j] += reflection * coef[order - j] for the same j, from the old coefficients,
 // saturated. Lower words are 0..32767.
-#define ZPP_G729_LSP_KERNELS(KERNEL)                                                                                 \
-  KERNEL(ownLPCToLSP_G729, W7,                                                                                       \
-         void(const Zpp16s* a, const Zpp16s* prevLsp, const Zpp16s* grid, int intervals, int halvings, Zpp16s* lsp)) \
-  KERNEL(ownLevinsonSum_G729, W7, Zpp32s(const zpp::Dpf* r, const zpp::Dpf* coef, int order))                        \
-  KERNEL(ownLevinsonUpdate_G729, W7, void(zpp::Dpf * coef, int order, zpp::Dpf reflection))                          \
-  KERNEL(ownLspPreSelect, W7, int(const Zpp16s* target))                                                             \
-  KERNEL(ownLspSelect2, W7, void(const Zpp16s* residual, const Zpp16s* weight, Zpp16s* index))                       \
-  KERNEL(ownInterpolateC_NR_G729_16s_Sfs, W7,                                                                        \
+#define ZPP_G729_LSP_KERNELS(KERNEL)                                                           \
+  KERNEL(ownLevinsonSum_G729, W7, Zpp32s(const zpp::Dpf* r, const zpp::Dpf* coef, int order))  \
+  KERNEL(ownLevinsonUpdate_G729, W7, void(zpp::Dpf * coef, int order, zpp::Dpf reflection))    \
+  KERNEL(ownLspPreSelect, W7, int(const Zpp16s* target))                                       \
+  KERNEL(ownLspSelect2, W7, void(const Zpp16s* residual, const Zpp16s* weight, Zpp16s* index)) \
+  KERNEL(ownInterpolateC_NR_G729_16s_Sfs, W7,                                                  \
          void(const Zpp16s* src1, Zpp16s weight1, const Zpp16s* src2, Zpp16s weight2, Zpp16s* dst, int len, int scaleFactor))
 
 ZPP_G729_LSP_KERNELS(ZPP_DECLARE_KERNEL)
@@ -32,7 +28,6 @@ ZppStatus ownLevinsonDurbin_G729B(const Zpp32s* autoCorr, Zpp16s* a, Zpp16s* ref
 void ownLagWindow_G729_32s_I(Zpp32s* autoCorr, int len);
 void ownLagWindow_G729E_32s_I(Zpp32s* autoCorr);
 
-void ownLSPToLPC_G729_16s(const Zpp16s* lsp, Zpp16s* a);
 void ownLSPToLSF_G729_16s(const Zpp16s* lsp, Zpp16s* lsf);
 void ownLSPToLSF_Norm_G729_16s(const Zpp16s* lsp, Zpp16s* lsfNorm);
 ZppStatus ownLSFToLSP_G729_16s(const Zpp16s* lsf, Zpp16s* lsp);

@@ -39,15 +39,9 @@ extern const Zpp16s PtrTab_1[32];
 extern const Zpp16s PtrTab_2[2][16];
 // Weight of the first-stage error under each SID predictor: 2, Q15, ITU-T G.729 Annex B name Mp
 extern const Zpp16s Mp[2];
-// Grids on which the Chebyshev polynomials are evaluated, cosines of equidistant angles, Q15: 60 intervals (ITU-T G.729 name
-// grid) and 50 intervals (Annex A)
-extern const Zpp16s w_eval_60[61];
+// Grid on which the Chebyshev polynomials are evaluated in Annex A, cosines of equidistant angles, Q15: 50 intervals
 extern const Zpp16s w_eval_50[51];
-// Cosine samples of the LSP/LSF conversions: 64, Q15, ITU-T G.729 name table2 without its last entry
-extern const Zpp16s cos15[64];
-// Slopes LSP to LSF between the samples of cos15: 64, Q12, ITU-T G.729 name slope_acos
-extern const Zpp16s acos12[64];
-// Slopes LSF to LSP between the samples of cos15: 64, Q19, ITU-T G.729 name slope_cos
+// Slopes LSF to LSP between the samples of cos15 (lpc/tables.h): 64, Q19, ITU-T G.729 name slope_cos
 extern const Zpp16s slope_cos[64];
 // Lag window, lags 1..12: Q31, ITU-T G.729 names lag_h, lag_l (the last two lags: Annex B)
 extern const Zpp32s wlag[12];

@@ -1,0 +1,62 @@
+#include "codecs/amr/analysis.h"
+
+#include <cstring>
+
+#include "codecs/codec.h"
+#include "codecs/fixed_point.h"
+
+namespace codecs::amr {
+
+void LpAnalysis::analyse(const Zpp16s* speech, const Zpp16s* window, Zpp16s* a) {
+  constexpr int kLength = 240;
+  Zpp16s windowed[kLength], reflection[kOrder], error;
+  Zpp32s correlation[kSet], norm;
+  require(zppsMul_NR_16s_Sfs(speech, window, windowed, kLength, 15));
+  while (warns(zppsAutoCorr_NormE_16s32s(windowed, kLength, correlation, kSet, &norm)))
+    require(zppsRShiftC_16s_I(windowed, kLength, 2));
+  require(zppsLagWindow_G729_32s_I(correlation + 1, kOrder));
+  if (!warns(zppsLevinsonDurbin_G729_32s16s(correlation, kOrder, a, reflection, &error)))
+    std::memcpy(lastA_, a, sizeof lastA_);
+  else
+    std::memcpy(a, lastA_, sizeof lastA_);
+}
+
+Weighting::Weighting(const Zpp16s* a, int mode) {
+  const Zpp16s gamma1 = mode <= k795 ? 30802 : 29491, gamma2 = 19661;  // 0.94 or 0.9, 0.6 in Q15
+  require(zppsMulPowerC_NR_16s_Sfs(a, gamma1, numerator, kSet, 15));
+  require(zppsMulPowerC_NR_16s_Sfs(a, gamma2, denominator, kSet, 15));
+}
+
+void PerceptualWeighting::weigh(const Zpp16s* speech, const Zpp16s* a, int mode, Zpp16s* dst) {
+  for (int k = 0; k < kSubframes; ++k, dst += kSubframe) {
+    const Weighting filter(a + kSet * k, mode);
+    require(zppsResidualFilter_G729_16s(filter.numerator, speech + kSubframe * k, dst, kSubframe));
+    warns(zppsSynthesisFilter_GSMAMR_16s(filter.denominator, dst, dst, kSubframe, memory_));
+    std::memcpy(memory_, dst + kSubframe - kOrder, sizeof memory_);
+  }
+}
+
+void ResonanceGuard::examine(const Zpp16s* lsp) {
+  const auto narrowest = [lsp](int from, int to) {
+    Zpp16s least = 32767;
+    for (int i = from; i <= to; ++i) least = std::min(least, subSat16(lsp[i], lsp[i + 1]));
+    return least;
+  };
+  const int lowBand = lsp[1] > 32000 ? 600 : lsp[1] > 30500 ? 800 : 1100;
+  const bool resonant = narrowest(3, 7) < 1500 || narrowest(1, 2) < lowBand;
+  frames_ = resonant ? std::min(Zpp16s{12}, addSat16(frames_, 1)) : Zpp16s{0};
+}
+
+bool ResonanceGuard::limits(Zpp16s pitchGain) const {
+  if (frames_ < 12 || pitchGain <= kLimit) return false;
+  auto sum = static_cast<Zpp16s>(pitchGain >> 3);
+  for (const Zpp16s gain : gains_) sum = addSat16(sum, gain);
+  return sum > kLimit;  // the mean of eight
+}
+
+void ResonanceGuard::note(Zpp16s pitchGain) {
+  std::memmove(gains_, gains_ + 1, sizeof gains_ - sizeof gains_[0]);
+  gains_[6] = static_cast<Zpp16s>(pitchGain >> 3);
+}
+
+}  // namespace codecs::amr
