@@ -1,12 +1,14 @@
 #include "amrwb/excitation/kernels.h"
 #include "amrwb/filters/kernels.h"
 #include "amrwb/fixed_codebook/kernels.h"
+#include "amrwb/gain/kernels.h"
 #include "amrwb/isf/kernels.h"
 #include "amrwb/noise/kernels.h"
 #include "amrwb/pitch/kernels.h"
 
 #include "amrwb/arithmetic.h"
 #include "amrwb/filters/tables.h"
+#include "amrwb/gain/tables.h"
 #include "amrwb/isf/tables.h"
 #include "kernels/rig.h"
 
@@ -15,6 +17,7 @@ namespace test {
 ZPP_AMRWB_EXCITATION_KERNELS(ZPP_KERNEL_TYPE)
 ZPP_AMRWB_FILTER_KERNELS(ZPP_KERNEL_TYPE)
 ZPP_AMRWB_FIXED_CODEBOOK_KERNELS(ZPP_KERNEL_TYPE)
+ZPP_AMRWB_GAIN_KERNELS(ZPP_KERNEL_TYPE)
 ZPP_AMRWB_ISF_KERNELS(ZPP_KERNEL_TYPE)
 ZPP_AMRWB_NOISE_KERNELS(ZPP_KERNEL_TYPE)
 ZPP_AMRWB_PITCH_KERNELS(ZPP_KERNEL_TYPE)
@@ -23,6 +26,7 @@ void runAmrWbKernels(const Options& options, Tally& tally) {
   ZPP_AMRWB_EXCITATION_KERNELS(ZPP_RUN_KERNEL)
   ZPP_AMRWB_FILTER_KERNELS(ZPP_RUN_KERNEL)
   ZPP_AMRWB_FIXED_CODEBOOK_KERNELS(ZPP_RUN_KERNEL)
+  ZPP_AMRWB_GAIN_KERNELS(ZPP_RUN_KERNEL)
   ZPP_AMRWB_ISF_KERNELS(ZPP_RUN_KERNEL)
   ZPP_AMRWB_NOISE_KERNELS(ZPP_RUN_KERNEL)
   ZPP_AMRWB_PITCH_KERNELS(ZPP_RUN_KERNEL)
@@ -204,6 +208,20 @@ DRIVE(ownSearchPulsePair_AMRWB_16s, only({0, 1000, 16382, 16383, 32767})) {
     const auto* gain = rig.template in<Zpp16s>(32, static_cast<Zpp16s>(rig.scalar(0, 2) == 0 ? -most : 0), most);
     const auto* candidate = rig.template in<Zpp16s>(16, 0, 1);
     rig.run(target, rig.scalar(0, 3), static_cast<Zpp16s>(rig.scalar(-most, most)), energy, gain, candidate);
+  });
+}
+
+// n: bits of the coefficients, 13 as the codec has them
+DRIVE(ownSearchGains_AMRWB_16s, only({4, 12, 13, 14})) {
+  repeat(rig, [&] {
+    const int most = (1 << n) - 1;
+    const auto* error = rig.template made<Zpp16s>(10, [&](Zpp16s* c) {
+      for (int i = 0; i < 10; ++i) c[i] = static_cast<Zpp16s>(i < 5 ? rig.scalar(-most, most) : rig.scalar(0, 4095));
+    });
+    const bool small = rig.scalar(0, 1) == 0;
+    const auto* pairs = small ? zpp::amrwb::gainCodebook6 : zpp::amrwb::gainCodebook7 + rig.scalar(0, 64);
+    rig.run(pairs, small && rig.scalar(0, 1) == 0 ? 48 : 64, static_cast<Zpp16s>(rig.scalar(16384, 32767)),
+            reinterpret_cast<const zpp::amrwb::GainError*>(error));
   });
 }
 

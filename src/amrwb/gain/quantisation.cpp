@@ -76,33 +76,13 @@ void ownGainQuant_AMRWB_16s(const Zpp16s* target, const Zpp16s* filteredVector, 
   const int largest = std::max_element(terms, terms + kTerms, [](const Coefficient& a, const Coefficient& b) {
                         return a.exponent < b.exponent;
                       })->exponent;
-  Dpf c[kTerms];
+  GainError error;
   for (int i = 0; i < kTerms; ++i) {
-    c[i] = toDpf(shr32(fromHigh16(terms[i].value), largest - terms[i].exponent + 2));
-    c[i].lo = static_cast<Zpp16s>(c[i].lo >> 3);
+    const Dpf c = toDpf(shr32(fromHigh16(terms[i].value), largest - terms[i].exponent + 2));
+    error.coarse[i] = c.hi;
+    error.fine[i] = static_cast<Zpp16s>(c.lo >> 3);
   }
-
-  int best = 0;
-  Zpp32s least = kMax32;
-  for (int i = 0; i < range.count; ++i) {
-    const Zpp16s* pair = range.pairs[range.first + i];
-    const Zpp16s pitch = pair[0], codeGain = mulRoundQ15(pair[1], predicted.mantissa);
-    const Zpp16s pitchSquare = mulRoundQ15(pitch, pitch), product = mulRoundQ15(codeGain, pitch);
-    const Dpf codeSquare = toDpf(mulDbl(codeGain, codeGain));
-    Zpp32s error = mulDbl(c[2].hi, codeSquare.lo) >> 3;
-    error = macDbl(error, c[0].lo, pitchSquare);
-    error = macDbl(error, c[1].lo, pitch);
-    error = macDbl(error, c[2].lo, codeSquare.hi);
-    error = macDbl(error, c[3].lo, codeGain);
-    error = macDbl(error, c[4].lo, product);
-    error >>= 12;
-    error = macDbl(error, c[0].hi, pitchSquare);
-    error = macDbl(error, c[1].hi, pitch);
-    error = macDbl(error, c[2].hi, codeSquare.hi);
-    error = macDbl(error, c[3].hi, codeGain);
-    error = macDbl(error, c[4].hi, product);
-    if (error < least) least = error, best = i;
-  }
+  const int best = ownSearchGains_AMRWB_16s(range.pairs + range.first, range.count, predicted.mantissa, &error);
   const Zpp16s* pair = range.pairs[range.first + best];
   *index = static_cast<Zpp16s>(range.first + best);
   *gainPitch = pair[0];

@@ -1,10 +1,11 @@
 // Distances of codebook entries: SSE2 kernels, eight entries at a time.
 #include "amrwb/isf/kernels.h"
+#include "amrwb/least_error_w7.h"
 #include "core/fixed_point.h"
 #include "core/kernels.h"
-#include "core/simd_w7.h"
 
 using namespace zpp;
+using namespace zpp::amrwb;
 
 namespace {
 
@@ -31,36 +32,16 @@ inline Distances distances(const Zpp16s* target, const Zpp16s* components, int d
   return {_mm_slli_epi32(d.low, 1), _mm_slli_epi32(d.high, 1)};
 }
 
-// Keeps in each lane the least distance and the first entry that has it.
-struct Least {
-  V distance = _mm_set1_epi32(kMax32), entry = _mm_setzero_si128();
-
-  void take(V d, V entries) {
-    const V closer = _mm_cmpgt_epi32(distance, d);
-    distance = select(closer, d, distance);
-    entry = select(closer, entries, entry);
-  }
-};
-
 template <int dimension>
 NearestEntry nearest(const Zpp16s* target, const Zpp16s* components, int entries) {
-  Least least;
-  V number = _mm_setr_epi32(0, 1, 2, 3);
-  const V four = _mm_set1_epi32(4);
+  LeastError least;
   for (int entry = 0; entry < entries; entry += 8) {
     const Distances d = distances(target, components + entry, dimension, entries);
-    least.take(d.low, number);
-    number = _mm_add_epi32(number, four);
-    least.take(d.high, number);
-    number = _mm_add_epi32(number, four);
+    least.take(d.low);
+    least.take(d.high);
   }
-  Zpp32s distance[4], entry[4];
-  store(distance, least.distance);
-  store(entry, least.entry);
-  NearestEntry best = {entry[0], distance[0]};
-  for (int k = 1; k < 4; ++k)
-    if (distance[k] < best.distance || (distance[k] == best.distance && entry[k] < best.index)) best = {entry[k], distance[k]};
-  return best;
+  const Nearest found = least.found();
+  return {found.index, found.error};
 }
 
 }  // namespace
