@@ -75,6 +75,7 @@ bool ownSynthesisFilter_NR_16s_W7(const Zpp16s* coef, const Zpp16s* src, Zpp16s*
 bool ownSynthesisFilter_G729E_16s_W7(const Zpp16s* coef, int order, const Zpp16s* src, Zpp16s* dst, int len,
                                      const Zpp16s* hist) {
   constexpr int kMost = 32, kBlock = 64, kPairs = kMost / 2;
+  constexpr int kPast = kMost + 2;  // the last pair reaches behind the largest order
   if (order > kMost || len < 4) return ownSynthesisFilter_G729E_16s_PX(coef, order, src, dst, len, hist);
   alignas(16) Zpp16s a[kMost + 16] = {};  // zeros behind the order
   std::memcpy(a, coef, static_cast<unsigned>(order + 1) * sizeof *a);
@@ -88,8 +89,8 @@ bool ownSynthesisFilter_G729E_16s_W7(const Zpp16s* coef, int order, const Zpp16s
   const V inputFactor = pairOf(a[0], 1 << 11), ones = _mm_set1_epi16(1);
   const Zpp32s a1 = a[1], a2 = a[2], a3 = a[3], a4 = a[4], a5 = a[5];
 
-  alignas(16) Zpp16s past[kMost + kBlock] = {};
-  if (hist != nullptr) std::memcpy(past + kMost - order, hist, static_cast<unsigned>(order) * sizeof *past);
+  alignas(16) Zpp16s past[kPast + kBlock] = {};
+  if (hist != nullptr) std::memcpy(past + kPast - order, hist, static_cast<unsigned>(order) * sizeof *past);
   const auto pairAt = [](const Zpp16s* samples) {
     int pair = 0;
     std::memcpy(&pair, samples, sizeof pair);
@@ -104,13 +105,13 @@ bool ownSynthesisFilter_G729E_16s_W7(const Zpp16s* coef, int order, const Zpp16s
     }
     return y;
   };
-  Zpp32s y2 = past[kMost - 2], y1 = past[kMost - 1];
-  Zpp16s* y = past + kMost;
+  Zpp32s y2 = past[kPast - 2], y1 = past[kPast - 1];
+  Zpp16s* y = past + kPast;
   int n = 0;
   for (; n + 4 <= len; n += 4, y += 4) {
-    if (y == past + kMost + kBlock) {
-      std::memcpy(past, past + kBlock, kMost * sizeof *past);
-      y = past + kMost;
+    if (y == past + kPast + kBlock) {
+      std::memcpy(past, past + kBlock, kPast * sizeof *past);
+      y = past + kPast;
     }
     V acc = _mm_madd_epi16(_mm_unpacklo_epi16(load4(src + n), ones), inputFactor), rest = _mm_setzero_si128();
     for (int k = pairs - 2; k >= 0; k -= 2) {  // the latest outputs last
