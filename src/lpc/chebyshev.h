@@ -107,8 +107,9 @@ struct LspPolynomials {
   // precision 11: coefficients and series in Q11, but one saturated coefficient moves both polynomials to Q10, where there is
   // more headroom (ITU-T G.729). precision 10: coefficients rounded to Q10 in series of Q11 (3GPP TS 26.073).
   LspPolynomials(const Zpp16s* a, int precision) {
-    const bool exact = f[0].assign(a, 1, 11, precision) && f[1].assign(a, -1, 11, precision);
-    if (precision == 10 || exact) return;
+    const bool exactSum = f[0].assign(a, 1, 11, precision);
+    const bool exactDifference = f[1].assign(a, -1, 11, precision);
+    if (precision == 10 || (exactSum && exactDifference)) return;
     f[0].assign(a, 1, 10, 10);
     f[1].assign(a, -1, 10, 10);
   }
