@@ -36,7 +36,8 @@ void ownNormCorr_GSMAMR_16s_W7(const Zpp16s* excitation, const Zpp16s* target, c
     }
     const Zpp64s energy = sumLanes64(addWide64(_mm_setzero_si128(), squares));
     if (energy >= energyLimit) break;
-    corr[lag - minLag] = normalisedCorrelation(2 * sumLanes32(products), sat32(2 * energy));
+    // Beyond the limit on magnitudes the sums may wrap; their results are not kept.
+    corr[lag - minLag] = normalisedCorrelation(wrap32(Zpp64s{2} * sumLanes32(products)), sat32(2 * energy));
     if (lag == maxLag) {
       const V beyond = _mm_or_si128(_mm_cmpgt_epi16(largest, _mm_set1_epi16(kLargest)),
                                     _mm_cmpgt_epi16(_mm_set1_epi16(-kLargest), smallest));
