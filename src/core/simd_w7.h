@@ -1,11 +1,10 @@
 // Thin wrappers over SSE2 for kernels of 16- and 32-bit integers. Include it from *_w7.cpp (and *_t7.cpp) files only.
 #pragma once
 
-#include <emmintrin.h>
-
 #include <cstring>
 #include <utility>
 
+#include "core/sse.h"
 #include "zppsc.h"
 
 namespace zpp {
