@@ -16,12 +16,8 @@
 
 namespace zpp {
 
-enum class Level { px, a6, w7, t7, v3, n8 };
-inline constexpr Level buildLevel = Level::ZPPSC_LEVEL;
-
-// Whether the build has the kernels of a level. The levels of x86 are steps, each with the kernels of those below; n8, the one
-// of aarch64, has those of SSE and SSE2 (core/sse.h).
-constexpr bool has(Level level) { return level <= (buildLevel == Level::n8 ? Level::w7 : buildLevel); }
+enum class Level { px, a6, w7, t7, v3 };  // a level's kernels; n8 of aarch64 has those of w7 (core/sse.h)
+inline constexpr Level buildLevel = static_cast<Level>(ZPPSC_LEVEL);
 
 }  // namespace zpp
 
@@ -30,14 +26,14 @@ constexpr bool has(Level level) { return level <= (buildLevel == Level::n8 ? Lev
 #define ZPP_DECLARE_ONE(name, level, suffix, ...) \
   using name##_signature = __VA_ARGS__;           \
   name##_signature name##_PX, name##_##suffix;    \
-  inline constexpr name##_signature* name = zpp::has(zpp::Level::level) ? name##_##suffix : name##_PX;
+  inline constexpr name##_signature* name = zpp::buildLevel >= zpp::Level::level ? name##_##suffix : name##_PX;
 
-#define ZPP_DECLARE_TWO(name, level1, suffix1, level2, suffix2, ...)                          \
-  using name##_signature = __VA_ARGS__;                                                       \
-  name##_signature name##_PX, name##_##suffix1, name##_##suffix2;                             \
-  inline constexpr name##_signature* name = zpp::has(zpp::Level::level2)   ? name##_##suffix2 \
-                                            : zpp::has(zpp::Level::level1) ? name##_##suffix1 \
-                                                                           : name##_PX;
+#define ZPP_DECLARE_TWO(name, level1, suffix1, level2, suffix2, ...)                                   \
+  using name##_signature = __VA_ARGS__;                                                                \
+  name##_signature name##_PX, name##_##suffix1, name##_##suffix2;                                      \
+  inline constexpr name##_signature* name = zpp::buildLevel >= zpp::Level::level2   ? name##_##suffix2 \
+                                            : zpp::buildLevel >= zpp::Level::level1 ? name##_##suffix1 \
+                                                                                    : name##_PX;
 
 #define ZPP_DECLARE_A6(name, ...) ZPP_DECLARE_ONE(name, a6, A6, __VA_ARGS__)
 #define ZPP_DECLARE_W7(name, ...) ZPP_DECLARE_ONE(name, w7, W7, __VA_ARGS__)

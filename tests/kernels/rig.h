@@ -241,7 +241,7 @@ Sizes sizesOf();
   void drive<name##_kernel>(Rig<name##_kernel> & rig, int n);
 
 #define ZPP_USE_ONE(name, level, suffix) \
-  if constexpr (zpp::has(zpp::Level::level)) use(#level, name##_##suffix);
+  if constexpr (zpp::buildLevel >= zpp::Level::level) use(#level, name##_##suffix);
 #define ZPP_USE_A6(name) ZPP_USE_ONE(name, a6, A6)
 #define ZPP_USE_W7(name) ZPP_USE_ONE(name, w7, W7)
 #define ZPP_USE_T7(name) ZPP_USE_ONE(name, t7, T7)
