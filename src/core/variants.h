@@ -16,7 +16,7 @@
 
 namespace zpp {
 
-enum class Level { px, a6, w7, t7, v3 };  // a level's kernels; n8 of aarch64 has those of w7 (core/sse.h)
+enum class Level { px, a6, w7, t7, v3 };
 inline constexpr Level buildLevel = static_cast<Level>(ZPPSC_LEVEL);
 
 }  // namespace zpp
