@@ -11,7 +11,6 @@ struct Outcome {
   int result;
   std::vector<std::int16_t> heard;
   std::vector<unsigned char> state;
-  bool operator==(const Outcome&) const = default;
 };
 
 Outcome decode(const Decoder& decoder, const std::vector<unsigned char>* payload, std::size_t capacity) {
@@ -43,10 +42,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
       payload = data.ConsumeBytes<unsigned char>(data.ConsumeIntegralInRange<std::size_t>(1, static_cast<std::size_t>(most)));
       if (kind == 7 && !payload.empty()) payload.resize(static_cast<std::size_t>(codec->maxPayload));
     }
-    const Decoder twin = decoder.movedTo(data.ConsumeIntegralInRange<std::size_t>(0, 3));
+    Decoder twin = decoder.movedTo(data.ConsumeIntegralInRange<std::size_t>(0, 3));
     const auto before = decoder.content();
     const Outcome outcome = decode(decoder, kind == 0 ? nullptr : &payload, capacity);
-    expect(outcome == decode(twin, kind == 0 ? nullptr : &payload, capacity), "a copied stream goes on as the original");
+    const Outcome copied = decode(twin, kind == 0 ? nullptr : &payload, capacity);
+    expect(outcome.result == copied.result && outcome.heard == copied.heard, "a copied stream goes on as the original");
     if (outcome.result < 0) {
       expect(outcome.state == before, "an error leaves the stream as it was");
       expect(outcome.heard == pattern(capacity), "an error writes nothing");
@@ -56,6 +56,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
       for (std::size_t n = static_cast<std::size_t>(outcome.result); n < capacity; ++n)
         expect(outcome.heard[n] == 0x5a5a, "nothing is written behind the samples");
     }
+    if (kind == 3) decoder = std::move(twin);
   }
   return 0;
 }

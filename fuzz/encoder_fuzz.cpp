@@ -13,7 +13,7 @@ std::vector<std::int16_t> speech(FuzzedDataProvider& data, std::size_t samples) 
   const int kind = data.ConsumeIntegralInRange(0, 5);
   if (kind == 0) {  // as it comes
     const auto octets = data.ConsumeBytes<std::uint8_t>(2 * samples);
-    std::memcpy(pcm.data(), octets.data(), octets.size());
+    if (!octets.empty()) std::memcpy(pcm.data(), octets.data(), octets.size());
     return pcm;
   }
   const auto amplitude = data.ConsumeIntegral<std::int16_t>(), offset = data.ConsumeIntegral<std::int16_t>();
@@ -53,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     auto pcm = speech(data, frames * frame);
     pcm.shrink_to_fit();
     const auto before = pcm;
-    const Encoder twin = encoder.movedTo(data.ConsumeIntegralInRange<std::size_t>(0, 3));
+    Encoder twin = encoder.movedTo(data.ConsumeIntegralInRange<std::size_t>(0, 3));
     const std::size_t room = frames * static_cast<std::size_t>(codec->maxPayload);
     const Block payload(room, 1), other(room, 2);
     const auto encode = [&](const Encoder& one, const Block& to) {
@@ -62,12 +62,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     const int octets = encode(encoder, payload);
     expect(octets >= 0 && octets <= static_cast<int>(room), "a frame has a payload");
     expect(pcm == before, "the speech is only read");
-    expect(encode(twin, other) == octets && payload.copy() == other.copy() && twin.content() == encoder.content(),
-           "a copied stream goes on as the original");
+    expect(encode(twin, other) == octets && payload.copy() == other.copy(), "a copied stream goes on as the original");
+    encoder = std::move(twin);
     if (!decoder.started()) continue;
     std::vector<std::int16_t> heard(pcm.size());
     const int samples = zppcDecode(decoder.get(), payload.data(), octets, heard.data(), static_cast<int>(heard.size()));
-    // g726 at 24 and 40 kbit/s and those alike: whole frames have whole octets.
     expect(samples == static_cast<int>(pcm.size()), "the decoder takes what the encoder gives");
   }
   return 0;

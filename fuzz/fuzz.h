@@ -51,10 +51,7 @@ class Mover {
   }
   bool started() const { return started_; }
   Stream* get() const { return reinterpret_cast<Stream*>(block_.data()); }
-  Mover movedTo(std::size_t shift) const {
-    Mover other(*this, shift);
-    return other;
-  }
+  Mover movedTo(std::size_t shift) const { return Mover(*this, shift); }
   std::vector<unsigned char> content() const { return block_.copy(); }
 
  private:

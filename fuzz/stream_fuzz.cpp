@@ -32,9 +32,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   const auto piece = data.ConsumeIntegralInRange<std::size_t>(1, 600);
 
   if (data.ConsumeBool()) {  // speech and back: what the framing writes, it reads, in pieces of any size
-    Bytes octets = data.ConsumeRemainingBytes<std::uint8_t>();
+    const Bytes octets = data.ConsumeRemainingBytes<std::uint8_t>();
     Samples speech(octets.size() / 2);
-    std::memcpy(speech.data(), octets.data(), 2 * speech.size());
+    if (!speech.empty()) std::memcpy(speech.data(), octets.data(), 2 * speech.size());
     StreamEncoder encoder(format);
     Bytes stream;
     encoder.add(speech, stream);
