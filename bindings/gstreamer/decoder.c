@@ -14,12 +14,14 @@ typedef struct {
   GstPadChainFunction chain; /* the base class's */
   GstClockTime next;         /* where the last buffer or gap ended */
   gboolean lost;             /* of a gap: sent, but not received */
+  gboolean pausing;          /* the last payload was a silence descriptor */
   void* memory;
   gsize bytes;
   ZppcDecoder* stream;
 } Decoder;
 
 enum { PROP_0, PROP_DTX, PROP_VARIANT };
+enum { kMostDescriptorOctets = 6 }; /* speech has more, but for samples */
 
 static const DecoderClass* classOf(gpointer object) { return G_TYPE_INSTANCE_GET_CLASS(object, 0, DecoderClass); }
 
@@ -28,6 +30,7 @@ static gboolean restart(Decoder* self) {
   int error = 0;
   self->stream = zppcDecoderInit(self->memory, self->bytes, codec, &self->options, &error);
   self->next = GST_CLOCK_TIME_NONE;
+  self->pausing = FALSE;
   if (self->stream == NULL) GST_ELEMENT_ERROR(self, LIBRARY, SETTINGS, ("%s: %s", codec->name, zppcErrorText(error)), (NULL));
   return self->stream != NULL;
 }
@@ -102,6 +105,7 @@ static GstFlowReturn handleFrame(GstAudioDecoder* decoder, GstBuffer* buffer) {
   for (int at = 0, octets; at < (int)payload.size; at += octets) {
     octets = zppc_frame_octets(codec, self->options.bitRate, payload.data + at, (int)payload.size - at);
     int decoded = ZPPC_ERROR_SIZE;
+    self->pausing = octets <= kMostDescriptorOctets;
     if (octets > 0) decoded = zppcDecode(self->stream, payload.data + at, octets, speech + samples, capacity - samples);
     if (decoded < 0) {
       GST_WARNING_OBJECT(self, "%s; taken for a lost frame", zppcErrorText(decoded));
@@ -131,12 +135,12 @@ static gboolean sinkEvent(GstAudioDecoder* decoder, GstEvent* event) {
   return GST_AUDIO_DECODER_CLASS(g_type_class_peek(GST_TYPE_AUDIO_DECODER))->sink_event(decoder, event);
 }
 
-/* RTP senders in discontinuous transmission are silent without a gap in the packets' numbers: only their timestamps jump. */
+/* In pauses, RTP senders in discontinuous transmission leave no gap in the packets' numbers: only their timestamps jump. */
 static GstFlowReturn chain(GstPad* pad, GstObject* parent, GstBuffer* buffer) {
   Decoder* const self = (Decoder*)parent;
   const ZppcCodec* const codec = classOf(self)->codec;
   const GstClockTime pts = GST_BUFFER_PTS(buffer);
-  if (codec->features & ZPPC_FEATURE_DTX && self->stream != NULL && GST_CLOCK_TIME_IS_VALID(pts) &&
+  if (codec->features & ZPPC_FEATURE_DTX && self->stream != NULL && self->pausing && GST_CLOCK_TIME_IS_VALID(pts) &&
       GST_CLOCK_TIME_IS_VALID(self->next) && pts >= self->next + durationOf(codec, codec->frameSamples) / 2) {
     GST_DEBUG_OBJECT(self, "nothing was sent until %" GST_TIME_FORMAT, GST_TIME_ARGS(pts));
     (void)sinkEvent(GST_AUDIO_DECODER(self), gst_event_new_gap(self->next, pts - self->next));
