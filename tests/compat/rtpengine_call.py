@@ -63,7 +63,7 @@ def drain(receiver, payload_type, packets):
 def main():
     mulaw, g729 = open(sys.argv[1], "rb").read(), open(sys.argv[2], "rb").read()
     engine = subprocess.Popen(["rtpengine", "--foreground", "--table=-1", "--interface=127.0.0.1", f"--listen-ng=127.0.0.1:{NG_PORT}",
-                               "--port-min=42100", "--port-max=42300", "--log-level=3", "--log-stderr"], stderr=subprocess.DEVNULL)
+                               "--port-min=42100", "--port-max=42300", "--log-level=3", "--log-stderr", "--num-threads=1"], stderr=subprocess.DEVNULL)
     try:
         caller, callee, control = side(), side(), side()
         control.setblocking(True)
@@ -87,9 +87,12 @@ def main():
             time.sleep(max(0, begin + 0.02 * (n + 1) - time.monotonic()))
             drain(callee, 18, at_callee)
             drain(caller, 0, at_caller)
-        time.sleep(1)
-        drain(callee, 18, at_callee)
-        drain(caller, 0, at_caller)
+        for _ in range(100):
+            drain(callee, 18, at_callee)
+            drain(caller, 0, at_caller)
+            if min(len(at_callee), len(at_caller)) == len(mulaw) // SAMPLES:
+                break
+            time.sleep(0.1)
         for path, packets in ((sys.argv[3], at_callee), (sys.argv[4], at_caller)):
             with open(path, "wb") as got:
                 got.write(b"".join(packets[n] for n in sorted(packets)))
