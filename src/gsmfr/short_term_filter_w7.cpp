@@ -46,20 +46,20 @@ bool hasMinusOne(const Zpp16s* refl) { return _mm_movemask_epi8(_mm_cmpeq_epi16(
 // which is left out under the proof that none would act. Let a signal at stage i be s[i] on the way down, v[i] on the way up:
 // s[i+1] = s[i] + r[i] v[i] and v[i+1] = v[i] + r[i] s[i] but for rounding, v[i] being that of the sample before. So neither is
 // larger than (1 + |r[i]|) times the larger one of the stage before, and it is enough to look at the stages 0 and 2. Even at
-// 16-bit words of them: words within the limits lead up to values of 16 bits at all stages, which are then those of the exact
-// sums, as both end in the input.
+// 16-bit words of them: within the limits they lead up to values of 16 bits at all stages, which are those of the exact sums,
+// as both end in the input.
 
-// The largest magnitudes that keep the stages from 0 and from 2 on within 16 bits: six products each add up to 1/2 by rounding,
-// one more unit covers the arithmetic here.
+// The largest magnitudes that keep the stages from 0 and from 2 on within 16 bits, and those of stage 2 where their words tell
+// them: below 2^16 - stage2. Six products each add up to 1/2 by rounding, one more unit covers the arithmetic here.
 struct Limits {
   Zpp32s stage0, stage2;
 
   explicit Limits(const Zpp16s* refl) {
     float growth[kGsmFrOrder];
     for (int i = 0; i < kGsmFrOrder; ++i) growth[i] = 1 + std::abs(static_cast<float>(refl[i])) * (1 / 32768.f);
-    const float upper = (growth[2] * growth[3]) * (growth[4] * growth[5]) * (growth[6] * growth[7]);
-    stage0 = static_cast<Zpp32s>(32767 / growth[0]) - 2;
-    stage2 = static_cast<Zpp32s>(32767 / upper) - 7;
+    const float upper = (growth[2] * growth[3]) * (growth[4] * growth[5]) * (growth[6] * growth[7]), limit2 = 32767 / upper;
+    stage0 = static_cast<Zpp32s>(std::min(32767.f, (65535 - limit2) / growth[1]) / growth[0]) - 4;
+    stage2 = static_cast<Zpp32s>(limit2) - 7;
   }
 };
 
