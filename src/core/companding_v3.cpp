@@ -71,7 +71,7 @@ struct ALawExpansion {
     const W beyond = _mm256_srli_epi16(_mm256_cmpgt_epi16(word, _mm256_set1_epi16(15)), 1);
     return _mm256_min_epi16(logarithmicValue(words), _mm256_or_si256(linear, beyond));
   }
-  static constexpr auto rest = ownALawToLin_8u16s_W7;
+  static constexpr auto rest = ownALawToLin_8u16s_PX;
 };
 
 template <class Law>

@@ -71,39 +71,22 @@ V logarithmicValue(V word) {
 }
 V negateWhere(V mask, V x) { return _mm_sub_epi16(_mm_xor_si128(x, mask), mask); }
 
-struct MuLawExpansion {
-  static V words(V codes) { return _mm_andnot_si128(codes, _mm_set1_epi8(127)); }
-  static V negative(V codes) { return _mm_cmpgt_epi8(codes, _mm_set1_epi8(-1)); }
-  static V magnitude(V word) { return _mm_sub_epi16(logarithmicValue(word), _mm_set1_epi16(33 * 4)); }
-  static constexpr auto rest = ownMuLawToLin_8u16s_PX;
-};
-
-struct ALawExpansion {
-  static V words(V codes) { return _mm_and_si128(_mm_xor_si128(codes, _mm_set1_epi8(0x55)), _mm_set1_epi8(127)); }
-  static V negative(V codes) { return MuLawExpansion::negative(codes); }
-  // The lowest segment is linear; from the next one on the linear value is made the largest number.
-  static V magnitude(V word) {
-    const V linear = _mm_add_epi16(_mm_slli_epi16(word, 4), _mm_set1_epi16(8));
-    const V beyond = _mm_srli_epi16(_mm_cmpgt_epi16(word, _mm_set1_epi16(15)), 1);
-    return _mm_min_epi16(logarithmicValue(word), _mm_or_si128(linear, beyond));
-  }
-  static constexpr auto rest = ownALawToLin_8u16s_PX;
-};
-
-template <class Law>
-void expand(const Zpp8u* src, Zpp16s* dst, int len) {
-  int n = 0;
-  for (; n + 16 <= len; n += 16) {
-    const V codes = load(src + n), words = Law::words(codes), negative = Law::negative(codes), zero = _mm_setzero_si128();
-    store(dst + n, negateWhere(_mm_unpacklo_epi8(negative, negative), Law::magnitude(_mm_unpacklo_epi8(words, zero))));
-    store(dst + n + 8, negateWhere(_mm_unpackhi_epi8(negative, negative), Law::magnitude(_mm_unpackhi_epi8(words, zero))));
-  }
-  if (n < len) Law::rest(src + n, dst + n, len - n);
-}
-
 }  // namespace
 
 void ownLinToMuLaw_16s8u_W7(const Zpp16s* src, Zpp8u* dst, int len) { compress<MuLaw>(src, dst, len); }
 void ownLinToALaw_16s8u_W7(const Zpp16s* src, Zpp8u* dst, int len) { compress<ALaw>(src, dst, len); }
-void ownMuLawToLin_8u16s_W7(const Zpp8u* src, Zpp16s* dst, int len) { expand<MuLawExpansion>(src, dst, len); }
-void ownALawToLin_8u16s_W7(const Zpp8u* src, Zpp16s* dst, int len) { expand<ALawExpansion>(src, dst, len); }
+
+void ownMuLawToLin_8u16s_W7(const Zpp8u* src, Zpp16s* dst, int len) {
+  const V zero = _mm_setzero_si128(), bias = _mm_set1_epi16(33 * 4);
+  int n = 0;
+  for (; n + 16 <= len; n += 16) {
+    // Codes without the upper bit are negative.
+    const V codes = load(src + n), words = _mm_andnot_si128(codes, _mm_set1_epi8(127)),
+            negative = _mm_cmpgt_epi8(codes, _mm_set1_epi8(-1));
+    const V low = _mm_sub_epi16(logarithmicValue(_mm_unpacklo_epi8(words, zero)), bias);
+    const V high = _mm_sub_epi16(logarithmicValue(_mm_unpackhi_epi8(words, zero)), bias);
+    store(dst + n, negateWhere(_mm_unpacklo_epi8(negative, negative), low));
+    store(dst + n + 8, negateWhere(_mm_unpackhi_epi8(negative, negative), high));
+  }
+  if (n < len) ownMuLawToLin_8u16s_PX(src + n, dst + n, len - n);
+}
