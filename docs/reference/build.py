@@ -73,12 +73,14 @@ def main():
         shutil.rmtree(old, ignore_errors=True)
     target.mkdir(parents=True, exist_ok=True)
     _, library = generate.write_headers(source, inputs)
-    problems = list(library.problems) + pages.write(source, inputs, library)
+    problems = list(library.problems) + pages.write(source, inputs)
     if problems:
         fail(problems)
     run_doxygen(source, target, inputs)
+    for chart in (source / 'docs/performance').glob('*.svg'):
+        shutil.copy(chart, target / 'html')
     where = addresses(target / 'zppsc.tag')
-    exported = (source / 'tests/library/exports.txt').read_text().split()
+    exported = [*(source / 'tests/library/exports.txt').read_text().split(), *library.by_name]
     problems = [f'{name}: not documented' for name in exported if name not in where]
     problems += link(target / 'html', where) + dead_links(target / 'html')
     if problems:

@@ -6,7 +6,7 @@
     box target: Target | zppsSub_16s zppsTargetNormalize_G728_16s
     group Search: target codebook
     speech -> target -> codebook -> index
-    codebook -> target: what the edge carries
+    codebook ~> target: what goes back, for the next vector
 
 A box without primitives is the codec's own arithmetic.
 """
@@ -22,7 +22,7 @@ class Diagram:
     title: str
     boxes: dict = field(default_factory=dict)  # name: (kind, title, primitives)
     groups: list = field(default_factory=list)  # (title, boxes)
-    edges: list = field(default_factory=list)  # (from, to, label)
+    edges: list = field(default_factory=list)  # (from, to, label, whether it goes back)
 
     def primitives(self):
         return [p for _, _, primitives in self.boxes.values() for p in primitives]
@@ -43,14 +43,15 @@ def read(path):
             diagram.boxes[match[2]] = (match[1], match[3].strip(), (match[4] or '').split())
         elif match := re.match(r'group ([^:]+): (.+)', line):
             diagram.groups.append((match[1], match[2].split()))
-        elif '->' in line:
+        elif '->' in line or '~>' in line:
             chain, _, label = line.partition(':')
-            names = [n.strip() for n in chain.split('->')]
+            back = '~>' in chain
+            names = [n.strip() for n in re.split('[-~]>', chain)]
             for one, other in zip(names, names[1:]):
                 for name in (one, other):
                     if name not in diagram.boxes:
                         raise SystemExit(f'{where}: no box {name}')
-                diagram.edges.append((one, other, label.strip()))
+                diagram.edges.append((one, other, label.strip(), back))
         else:
             raise SystemExit(f'{where}: {line}')
     return diagrams
@@ -75,7 +76,9 @@ def svg(diagram):
         lines += [box(n, *diagram.boxes[n]) for n in names]
         lines.append('}')
     lines += [box(n, *b) for n, b in diagram.boxes.items() if n not in grouped]
-    lines += [f'"{a}" -> "{b}"' + (f' [label="{label}"]' if label else '') + ';' for a, b, label in diagram.edges]
+    for a, b, label, back in diagram.edges:
+        options = ([f'label="{label}"'] if label else []) + (['constraint=false', 'class="back"', 'style=dashed'] if back else [])
+        lines.append(f'"{a}" -> "{b}" [{" ".join(options)}];')
     lines.append('}')
     drawn = subprocess.run(['dot', '-Tsvg'], input='\n'.join(lines), capture_output=True, text=True, check=True)
     if drawn.stderr.strip():

@@ -109,12 +109,16 @@ def q_format(kind, text):
     return ', '.join(found[:3])
 
 
-def direction(kind, argument, text):
+def direction(kind, name, argument, text):
     if '*' not in kind:
         return 'in'
     if 'const' in kind:
         return 'in'
-    if argument and argument['role'] == 'inout' and re.match(r'out\b', text):
+    if kind.startswith('Zppc'):
+        return 'in, out'
+    # The contract run keeps what a warning leaves alone.
+    if argument and argument['role'] == 'inout' and (
+            re.match(r'out\b', text) or name in ('dst', 'norm', 'max', 'lag', 'maxLagOut', 'rc1') and not re.search(r'\bin\b|before|past', text)):
         return 'out'
     return {'in': 'in', 'out': 'out', 'inout': 'in, out'}.get(argument['role'], 'out') if argument else 'out'
 
@@ -180,6 +184,7 @@ def statuses(function, contract_row, functions, defaults):
         if re.match(r' when (?:index|size) is|, null', after) and name == 'zppStsOk':
             continue
         when = re.split(r'zppSts\w+|(?<=[.;]) |\.$|Warnings|; others as told|, as told', after)[0]
+        when = re.sub(r'^[ ,;]*and ', '', when)
         when = re.sub(r'(?:[,;]? ?(?:then|and|or|also|of|in order))+[ ,;]*$', '', when.strip(' ,;.')).strip(' ,;.()')
         if re.match(r'(?:for|when|unless|where|with|after|written|nothing|whatever|\W)', when) is None and name != 'zppStsOk':
             when = ''
@@ -239,8 +244,8 @@ class Functions:
             pointer = '*' in kind
             shown = extent(function, i, arguments, text) if pointer and row else ''
             null = ' or null' if row and pointer and arguments[i]['null'] else ''
-            cells = [f'<code>{name}</code>', direction(kind, arguments[i], text), f'<code>{html.escape(kind)}</code>',
-                     shown + null] if row else [f'<code>{name}</code>', direction(kind, None, text), f'<code>{html.escape(kind)}</code>']
+            cells = [f'<code>{name}</code>', direction(kind, name, arguments[i], text), f'<code>{html.escape(kind)}</code>',
+                     shown + null] if row else [f'<code>{name}</code>', direction(kind, name, None, text), f'<code>{html.escape(kind)}</code>']
             if row:
                 cells.append(q_format(kind, text) if own else '')
             cells.append(self.format(text.strip().rstrip('.'), names))

@@ -36,7 +36,7 @@ def plain_title(title, codec):
 
 def annotated_primitives(name, group, title, sections, library):
     out = [f'/** @file\n * @brief {title}: primitives of libzppsc. Include zppsc.h. */',
-           f'#include "zppsc/types.h"\n/** @defgroup {group} {title}\n * @ingroup primitives\n * @brief {title}']
+           f'#include "zppsc/types.h"\n/** @defgroup {group} {title}\n * @ingroup primitives']
     first = sections[0]
     steps = len(sections) > 1
     introduction = sections[0].blocks if not first.functions or not steps else []
@@ -48,7 +48,7 @@ def annotated_primitives(name, group, title, sections, library):
         if steps and section.functions:
             inside = f'{group}_{i}'
             heading = plain_title(section.title, title)
-            out += [f'/** @defgroup {inside} {heading}\n * @ingroup {group}\n * @brief {title}: {heading}']
+            out += [f'/** @defgroup {inside} {heading}\n * @ingroup {group}']
             out += [block_text(b, library.format) for b in section.blocks] + [' */']
         for function in section.functions:
             out += [library.comment(function, inside) + function.prototype.replace('ZPPAPI ', '') + ';']

@@ -30,7 +30,10 @@ class Section:
     functions: list = field(default_factory=list)
 
     def segments(self):
-        return parameter_texts([' '.join(i.split()) for b in self.blocks if b.kind != 'verbatim' for i in items(b)], None)
+        texts, rest = parameter_texts([' '.join(i.split()) for b in self.blocks if b.kind == 'text' for i in items(b)], None)
+        texts = {name: sentences(text)[0] for name, text in texts.items() if text}  # what follows is about something else
+        listed, _ = parameter_texts([' '.join(i.split()) for b in self.blocks if b.kind == 'list' for i in items(b)], None)
+        return {**texts, **listed}, rest
 
 
 @dataclass
