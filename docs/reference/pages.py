@@ -58,17 +58,11 @@ def framings(source, names):
     return functions.table('page', ['Codec', 'Framing', 'Bytes'], lines)
 
 
-def listed(source, name):
-    """The rows of a list that a script measures, without its heading; none before it has run."""
-    path = source / f'docs/{name}.tsv'
-    return [line.split('\t') for line in path.read_text().splitlines()[1:]] if path.exists() else []
-
-
 def conformance(source, codec):
     """Of docs/conformance.tsv, which scripts/conformance writes."""
-    rows = [row[1:] for row in listed(source, 'conformance') if row[0] == codec]
+    rows = [line.split('\t')[1:] for line in (source / 'docs/conformance.tsv').read_text().splitlines() if line.startswith(codec + '\t')]
     if not rows:
-        return '<p>No results in this tree: <code>scripts/conformance</code> writes them.</p>'
+        raise SystemExit(f'docs/conformance.tsv: nothing about {codec}')
     text = ('<p>`scripts/conformance` runs the program of both word sizes on the sequences and compares every byte. Sequences are those distributed with the '
             'standard; further streams were made with the standard\'s own program.</p>')
     for kind, title in (('official', 'official sequences'), ('further', 'further streams')):
@@ -118,14 +112,20 @@ def variants(source):
     return functions.table('page', ['Room', 'Level', 'Kernels'], lines)
 
 
-def counts(source, sizes):
-    """Of docs/instructions.tsv, which scripts/instruction-counts writes."""
-    lines = []
-    for name, encoder, decoder, encoding, decoding in listed(source, 'instructions'):
-        cells = ([encoder, decoder] if sizes else []) + [encoding, decoding]
-        lines.append(f'<tr><td><code>{name}</code></td>' + ''.join(f'<td class="number">{c}</td>' for c in cells) + '</tr>')
-    heads = ['Codec'] + (['Encoder, bytes', 'Decoder, bytes'] if sizes else []) + ['Encoding, Minstr./s', 'Decoding, Minstr./s']
-    return functions.table('page', heads, lines)
+def instructions(source):
+    """Of tests/budgets/budgets.tsv: instructions a frame in both word sizes."""
+    path = source / 'tests/budgets/budgets.tsv'
+    rows = [line.split('\t') for line in path.read_text().splitlines()[2:]] if path.exists() else []
+    table = {}
+    for name, *cells in rows:
+        codec, _, direction = name.partition(' ')
+        if direction in ('encode', 'decode'):
+            table.setdefault(codec, {})[direction] = cells
+    if not table:
+        return 'This tree has no counts.'
+    lines = [f'<tr><td><code>{codec}</code></td>' + ''.join(f'<td class="number">{c}</td>' for d in ('encode', 'decode') for c in of.get(d, ['', ''])) +
+             '</tr>' for codec, of in table.items()]
+    return functions.table('page', ['Codec', 'Encoding, 32 bit', '64 bit', 'Decoding, 32 bit', '64 bit'], lines)
 
 
 def measurements(source):
@@ -152,8 +152,8 @@ def write(source, inputs):
     problems = []
     target = inputs / 'pages'
     target.mkdir(parents=True, exist_ok=True)
-    fill = {'levels': lambda: levels(source), 'variants': lambda: variants(source), 'instructions': lambda: counts(source, False),
-            'streams': lambda: counts(source, True), 'performance': lambda: measured(source)}
+    fill = {'levels': lambda: levels(source), 'variants': lambda: variants(source), 'instructions': lambda: instructions(source),
+            'performance': lambda: measured(source)}
     for path in sorted((source / 'docs/pages').glob('*.md')):
         (target / path.name).write_text(re.sub(r'\[\[(\w+)\]\]', lambda m: fill[m[1]](), path.read_text()))
     for name, path in measurements(source).items():
