@@ -21,14 +21,14 @@ class Caller:
         self.random, self.rows, self.plain = random.Random(seed), rows, True
         self.rooms = [Room(4) for _ in range(buffers)]
 
-    def scalar(self, a, p):
+    def scalar(self, a, p, lengths):
         r = self.random
         if p.type == "Zpp32f":
             return r.choice((0.0, 1.0, -0.5, r.uniform(-2, 2), float("nan"), float("inf"), 1e30, a["value"]))
         dtype = zpp._TYPES[p.type][1]
         info = np.iinfo(dtype)
         pick = r.random()
-        accepted = int(a["value"]) if not a["lengthOf"] else 40
+        accepted = lengths[a["lengthOf"]] if a["lengthOf"] else int(a["value"])
         if pick < (0.95 if self.plain else 0.45):
             value = accepted
         elif pick < 0.6:
@@ -77,9 +77,10 @@ class Caller:
     def arguments(self, function, row, state=None):
         self.plain = self.random.random() < 0.4  # mostly what the table of exports knows to be accepted
         parameters, scalars, arguments = function.prototype.parameters, {}, {}
+        lengths = {a["name"]: a["count"] for a in row["arguments"]}
         for a, p in zip(row["arguments"], parameters):
             if not p.pointer:
-                arguments[p.name] = scalars[p.name] = self.scalar(a, p)
+                arguments[p.name] = scalars[p.name] = self.scalar(a, p, lengths)
         for p in parameters:
             if p.type == "void":
                 extent = function.extents.buffers[p.name]
@@ -106,5 +107,12 @@ class Caller:
                 if p.name in ("delay", "lag", "openLoopLags", "olDelay", "lags", "minLag") and self.random.random() < 0.7:
                     array[:] = self.random.choice((18, 20, 34, 40, 57, 60, 100, 141, 143))
                     array[1:2] = self.random.randint(-1, 1) if p.name == "delay" else array[1:2]
+                if "Levinson" in function.__name__ and p.const and self.plain:  # autocorrelations of a signal
+                    peak = 1.0 if dtype.kind == "f" else np.iinfo(dtype).max
+                    array[:] = peak * self.random.uniform(0.05, 0.95) ** np.arange(array.size)
+                if p.name == "scale" and self.plain:
+                    array[:] = self.random.randint(0, 15)
+                if p.name == "codeword" and p.const and self.plain:
+                    array[:] = [self.random.randrange(n) for n in (24, 2, 2, 4096, 32, 8, 8, 8, 8, 8)[: array.size]]
                 arguments[p.name] = array[before:]
         return [arguments[p.name] for p in parameters]
