@@ -37,9 +37,8 @@ void Decoder::synthesise(const Frame& frame, Zpp16s* pcm) {
   std::copy_n(history_, kHistory, residual);
   decodeResidual(frame, residual);
   std::copy_n(residual + kFrame, kHistory, history_);
-  forEachPart(frame.larCode, lar_, [&](const Zpp16s* refl, int first, int len) {
-    require(zppsSpeechSynthesis_GSMFR_16s(refl, residual + kHistory + first, pcm + first, len, lattice_, &emphasis_));
-  });
+  const auto refl = coefficients(frame.larCode, lar_);
+  require(zppsSpeechSynthesis_GSMFR_16s(refl.data(), residual + kHistory, pcm, lattice_, &emphasis_));
 }
 
 // residual: the history, behind which the frame's samples are written. The pulses of all subframes come first: vectors that are
