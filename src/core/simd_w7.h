@@ -57,7 +57,9 @@ inline V mulQ15(V a, V b) {
 // arrays of vectors in memory.
 template <int count, class Body>
 [[gnu::always_inline]] inline void unrolled(Body body) {
-  [&]<int... i>(std::integer_sequence<int, i...>) { (body(std::integral_constant<int, i>{}), ...); }
+  [&]<int... i>(std::integer_sequence<int, i...>) __attribute__((always_inline)) {
+    (body(std::integral_constant<int, i>{}), ...);
+  }
   (std::make_integer_sequence<int, count>{});
 }
 
