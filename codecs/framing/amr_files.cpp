@@ -32,7 +32,7 @@ void AmrWords::append(std::span<const std::uint8_t> payload, int, Bytes& stream)
     }
   }
   appendWord(received_ ? static_cast<unsigned>(kReceivedAs[type]) : type, stream);
-  for (const Zpp8u bit : bits.at) appendWord(bit, stream);
+  for (int n = 0; n < amr::kMaxBits; ++n) appendWord(bits.at[n], stream);
   appendWord(mode, stream);
   for (std::size_t n = kModeWord + 1; n < kWords; ++n) appendWord(0, stream);
 }
