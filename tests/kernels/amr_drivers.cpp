@@ -243,6 +243,19 @@ DRIVE(ownDisperse_GSMAMR_16s, only({40})) {
   });
 }
 
+// Coefficients as of filters that fade, and such that outputs and sums saturate
+DRIVE(ownFormantResponses_GSMAMR_16s, only({4})) {
+  repeat(rig, [&](Zpp16s level, int run) {
+    constexpr int kWords = sizeof(FormantFilter) / sizeof(Zpp16s);
+    const auto top = static_cast<Zpp16s>(rig.keep || run % 3 != 0 ? 1500 : level);
+    const auto* filters = reinterpret_cast<const FormantFilter*>(
+        rig.template made<Zpp16s>(n * kWords, [&](Zpp16s* word) {
+          for (int i = 0; i < n * kWords; ++i) word[i] = i % 11 == 0 && run % 4 != 0 ? Zpp16s{4096} : rig.template scalar<Zpp16s>(-top, top);
+        }));
+    rig.run(filters, reinterpret_cast<FormantResponse*>(rig.template out<Zpp16s>(n * FormantResponse::kLength)));
+  });
+}
+
 DRIVE(ownCompensateTilt_GSMAMR_16s_I, only({40})) {
   repeat(rig, [&](Zpp16s level, int run) {
     auto* srcDst = rig.template inOut<Zpp16s>(n, static_cast<Zpp16s>(-level - 1), level, 1);
