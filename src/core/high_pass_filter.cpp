@@ -40,14 +40,46 @@ Zpp32s harmlessOutput(const HighPassState& s, int largestInput) {
   return upperWord > kMax16 ? kMax32 : upperWord * 65536;
 }
 
-// The filter's pace is the way from one output to the next, so all else is kept off it: the share of the output before last
-// comes from the last step, and saturation hides behind branches.
+// At most a block, first without looking at saturation, then at what came out: false, and nothing done, where a sum might have
+// saturated. Outputs are kept as they are before the gain; the filter's pace is the way from one to the next, so all else is
+// kept off it.
+constexpr int kBlock = 80;
 template <int scaleFactor>
-void filter(Zpp16s* srcDst, int len, HighPassState& s) {
+bool filterFreely(Zpp16s* srcDst, int len, HighPassState& s, Zpp32s harmless) {
+  constexpr int shift = 16 - scaleFactor, fraction = (1 << shift) - 1;
+  const Zpp32s y1 = fromDpf(s.y1), y2 = fromDpf(s.y2);
+  if (harmless < 0 || ((y1 | y2) & fraction) != 0) return false;
+  const Zpp32s b0 = s.b[0], b1 = s.b[1], b2 = s.b[2];
+  const Zpp64s a1 = s.a[1] * (1 << shift), a2 = s.a[2] * (1 << shift);
+  const auto feedback = [](Zpp32s half, Zpp64s a) { return static_cast<Zpp32s>((half * a) >> 16); };
+  const auto bits = [](Zpp32s x) { return x ^ (x >> 31); };
+  Zpp16s output[kBlock];
+  Zpp32s x1 = s.x1, x2 = s.x2, half1 = y1 >> shift, half2 = y2 >> shift, older = feedback(half2, a2),
+         seen = bits(half1) | bits(half2);
+  for (int n = 0; n < len; ++n) {
+    const Zpp32s x0 = srcDst[n];
+    const Zpp32s inputs = addWrap32(addWrap32(x0 * b0, x1 * b1), x2 * b2);
+    const Zpp32s half = addWrap32(addWrap32(inputs, older), feedback(half1, a1));
+    older = feedback(half1, a2);
+    seen |= bits(half);
+    half2 = half1;
+    half1 = half;
+    output[n] = sat16(((half >> (27 - scaleFactor - shift)) + 1) >> 1);
+    x2 = x1;
+    x1 = x0;
+  }
+  if (seen >= harmless >> shift) return false;
+  std::memcpy(srcDst, output, static_cast<unsigned>(len) * sizeof *srcDst);
+  s.y1 = toDpf(half1 * (1 << shift)), s.y2 = toDpf(half2 * (1 << shift)), s.x1 = low16(x1), s.x2 = low16(x2);
+  return true;
+}
+
+// The share of the output before last comes from the last step, and saturation hides behind branches.
+template <int scaleFactor>
+void filterLooking(Zpp16s* srcDst, int len, HighPassState& s, Zpp32s harmless) {
   constexpr int gain = 15 - scaleFactor;
   const Zpp32s b0 = s.b[0], b1 = s.b[1], b2 = s.b[2], a1 = s.a[1], a2 = s.a[2];
   Zpp32s x1 = s.x1, x2 = s.x2, y1 = fromDpf(s.y1), y2 = fromDpf(s.y2);
-  const Zpp32s harmless = harmlessOutput(s, std::max({ownMaxAbs_16s(srcDst, len) + 1, magnitude(s.x1), magnitude(s.x2)}));
   const auto isHarmless = [harmless](Zpp32s y) { return y >= -harmless && y <= harmless; };
 
   bool harmless1 = isHarmless(y1), harmless2 = isHarmless(y2);
@@ -69,6 +101,16 @@ void filter(Zpp16s* srcDst, int len, HighPassState& s) {
     x1 = x0;
   }
   s.y1 = toDpf(y1), s.y2 = toDpf(y2), s.x1 = low16(x1), s.x2 = low16(x2);
+}
+
+template <int scaleFactor>
+void filter(Zpp16s* srcDst, int len, HighPassState& s) {
+  for (int n = 0; n < len; n += kBlock) {
+    const int count = std::min(len - n, kBlock);
+    const int largest = std::max({ownMaxAbs_16s(srcDst + n, count) + 1, magnitude(s.x1), magnitude(s.x2)});
+    const Zpp32s harmless = harmlessOutput(s, largest);
+    if (!filterFreely<scaleFactor>(srcDst + n, count, s, harmless)) filterLooking<scaleFactor>(srcDst + n, count, s, harmless);
+  }
 }
 
 }  // namespace
