@@ -71,13 +71,21 @@ void fillDiagonals(const Response<Tracks>& response, Zpp16s* matrix) {
   });
 }
 
+// Of five tracks, the pairs at distances of First modulo 5
+constexpr TrackPairs pairsAt(int first) {
+  TrackPairs pairs = 0;
+  for (int track = 0; track < 5; ++track) pairs |= TrackPairs{1} << (track * 5 + (track - first + 5) % 5);
+  return pairs;
+}
+
 template <int Tracks>
-void fillAllDiagonals(const Zpp16s* h, Zpp16s* matrix) {
+void fillAllDiagonals(const Zpp16s* h, Zpp16s* matrix, TrackPairs pairs) {
   const Response<Tracks> response(h);
-  [&]<int... first>(std::integer_sequence<int, first...>) {
-    (fillDiagonals<Tracks, Tracks - 1 - first>(response, matrix), ...);
-  }
-  (std::make_integer_sequence<int, Tracks>{});
+  const auto fill = [&](auto back) {
+    constexpr int first = Tracks - 1 - decltype(back)::value;
+    if (Tracks != 5 || first == 0 || (pairs & pairsAt(first)) != 0) fillDiagonals<Tracks, first>(response, matrix);
+  };
+  unrolled<Tracks>(fill);
 }
 
 // What the signs of positions multiply their entry by, from masks of negative signs: 32766 or -32767
@@ -133,10 +141,10 @@ void ownToeplizMatrix_GSMAMR_16s_W7(const Zpp16s* impulse, const Zpp16s* sign, Z
   Zpp16s h[kSubframe];
   if (ownScaleResponse_GSMAMR_16s(impulse, h)) return ownToeplizMatrix_GSMAMR_16s_PX(impulse, sign, matrix, tracks, pairs);
   if (tracks == 4) {
-    fillAllDiagonals<4>(h, matrix);
+    fillAllDiagonals<4>(h, matrix, pairs);
     return completeFourTracks(h, sign, matrix);
   }
-  fillAllDiagonals<5>(h, matrix);
+  fillAllDiagonals<5>(h, matrix, pairs);
   for (int track1 = 0; track1 < tracks; ++track1)
     for (int track2 = 0; track2 <= track1; ++track2)
       if (pairs >> (track1 * 5 + track2) & 1) completeBlocks(sign, matrix, track1, track2);
