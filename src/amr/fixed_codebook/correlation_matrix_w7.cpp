@@ -4,9 +4,9 @@
 // eight neighbours in track order, entries with earlier positions of one track. Those with later positions are their mirror
 // image; signs come last.
 #include "amr/fixed_codebook/kernels.h"
-#include "amr/fixed_codebook/simd_w7.h"
 #include "core/fixed_point.h"
 #include "core/kernels.h"
+#include "core/simd_w7.h"
 
 using namespace zpp;
 

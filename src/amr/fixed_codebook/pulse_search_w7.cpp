@@ -5,7 +5,7 @@
 
 #include "amr/fixed_codebook/kernels.h"
 #include "amr/fixed_codebook/pulse_search.h"
-#include "amr/fixed_codebook/simd_w7.h"
+#include "core/simd_w7.h"
 
 using namespace zpp;
 
