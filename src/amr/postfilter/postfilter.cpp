@@ -48,7 +48,7 @@ Zpp16s tilt(const Zpp16s* h) {
   const Zpp32s whole = energy(h, kResponse);
   // No partial sum of neighbours' products exceeds the energy.
   const Zpp32s neighbours =
-      whole < kMax32 ? static_cast<Zpp32s>(2 * ownDotProd_16s(h, h + 1, kResponse - 1)) : correlation(h, h + 1, kResponse - 1);
+      whole < kMax32 ? static_cast<Zpp32s>(2 * ownDotProd_16s(h, h + 1, kResponse - 1)) : dotProduct(h, h + 1, kResponse - 1);
   const Zpp16s r0 = high16(whole), r1 = high16(neighbours);
   return r1 <= 0 ? Zpp16s{0} : divQ15(mulQ15(r1, 26214), r0);
 }
