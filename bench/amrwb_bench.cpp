@@ -1,59 +1,38 @@
-// AMR-WB of libvo-amrwbenc and libopencore-amrwb on the same signal.
-#include <benchmark/benchmark.h>
+// AMR-WB: the encoder of libvo-amrwbenc, the decoder of libopencore-amrwb.
 #include <opencore-amrwb/dec_if.h>
 #include <vo-amrwbenc/enc_if.h>
 
-#include <string>
-
-#include "report.h"
-#include "speech.h"
+#include "contender.h"
 
 namespace {
 
-constexpr std::size_t kFrameSize = 320, kMostOctets = 61;
+constexpr std::size_t kFrame = 320;
 
-struct Rate {
-  const char* name;
+struct AmrWb {
   int mode;
-  std::size_t octets;
-};
-constexpr Rate kRates[] = {{"12.65", 2, 33}, {"23.85", 8, 61}};
+  std::size_t octets;  // of a frame
+  Octets stream{};
 
-std::vector<std::uint8_t> encode(const Rate& rate, const std::vector<std::int16_t>& speech) {
-  std::vector<std::uint8_t> stream(speech.size() / kFrameSize * rate.octets + kMostOctets);
-  void* const coder = E_IF_init();
-  for (std::size_t frame = 0; frame < speech.size() / kFrameSize; ++frame)
-    E_IF_encode(coder, rate.mode, speech.data() + kFrameSize * frame, stream.data() + rate.octets * frame, 0);
-  E_IF_exit(coder);
-  return stream;
-}
-
-void timeEncoder(benchmark::State& state, const Rate& rate) {
-  const auto speech = speechLike(16000);
-  for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(encode(rate, speech));
-  report(state, speech.size(), 16000);
-}
-
-void timeDecoder(benchmark::State& state, const Rate& rate) {
-  const auto speech = speechLike(16000);
-  const auto stream = encode(rate, speech);
-  std::vector<std::int16_t> decoded(speech.size());
-  for ([[maybe_unused]] auto _ : state) {
+  void encode(const Samples& speech) {
+    stream.resize(speech.size() / kFrame * octets);
+    void* const coder = E_IF_init();
+    for (std::size_t frame = 0; frame < speech.size() / kFrame; ++frame)
+      E_IF_encode(coder, mode, &speech[kFrame * frame], &stream[octets * frame], 0);
+    E_IF_exit(coder);
+  }
+  void decode(Samples& speech) {
     void* const coder = D_IF_init();
-    for (std::size_t frame = 0; frame < speech.size() / kFrameSize; ++frame)
-      D_IF_decode(coder, stream.data() + rate.octets * frame, decoded.data() + kFrameSize * frame, 0);
+    for (std::size_t frame = 0; frame < stream.size() / octets; ++frame)
+      D_IF_decode(coder, &stream[octets * frame], &speech[kFrame * frame], _good_frame);
     D_IF_exit(coder);
   }
-  report(state, speech.size(), 16000);
-}
-
-const bool registered = [] {
-  for (const Rate& rate : kRates) {
-    const std::string name = std::string("peer_amr-wb-") + rate.name;
-    benchmark::RegisterBenchmark((name + "_encode").c_str(), [&rate](benchmark::State& state) { timeEncoder(state, rate); });
-    benchmark::RegisterBenchmark((name + "_decode").c_str(), [&rate](benchmark::State& state) { timeDecoder(state, rate); });
-  }
-  return true;
-}();
+};
 
 }  // namespace
+
+void enterAmrwb() {
+  constexpr std::size_t octets[] = {18, 24, 33, 37, 41, 47, 51, 59, 61};
+  const char* const names[] = {"6.60", "8.85", "12.65", "14.25", "15.85", "18.25", "19.85", "23.05", "23.85"};
+  for (int mode = 0; mode < 9; ++mode)
+    enter(std::string("amr-wb-") + names[mode], "libvo-amrwbenc+libopencore-amrwb", 16000, AmrWb{mode, octets[mode]});
+}
