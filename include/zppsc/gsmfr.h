@@ -93,9 +93,10 @@ ZPPAPI ZppStatus zppsRPEQuantDecode_GSMFR_16s(const Zpp16s* pulses, Zpp16s* dst,
  * sample before upscaling. */
 ZPPAPI ZppStatus zppsDeemphasize_GSMFR_16s_I(Zpp16s* srcDst, int len, Zpp16s* memory);
 
-/* zppsShortTermSynthesisFilter_GSMFR_16s and, of its output, zppsDeemphasize_GSMFR_16s_I in one call, which takes little longer
- * than the first of them. memory: 8 signals of the lattice. *emphasis: the memory of the de-emphasis. dst may be src. */
-ZPPAPI ZppStatus zppsSpeechSynthesis_GSMFR_16s(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* memory,
+/* A frame in one call: the synthesis lattice with the four sets of coefficients of zppsLARToRefl_GSMFR_16s, each for its samples,
+ * and de-emphasis of its output, in little more than the time of the lattice. refl: 32, Q15. src, dst: 160 samples; dst may be
+ * src. memory: 8 values of the lattice. *emphasis: the memory of the de-emphasis. Status: zppStsOk, zppStsNullPointer. */
+ZPPAPI ZppStatus zppsSpeechSynthesis_GSMFR_16s(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, Zpp16s* memory,
                                                Zpp16s* emphasis);
 
 /* Voice activity detection and comfort noise. */
