@@ -22,7 +22,7 @@ inline constexpr int kGsmFrShortestLag = 40, kGsmFrLongestLag = 120;
          void(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* memory))                             \
   KERNEL(ownSpeechSynthesis_GSMFR_16s, W7,                                                                              \
          void(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, Zpp16s* memory, Zpp16s* emphasis))                    \
-  KERNEL(ownLTPCorrelation_GSMFR_16s, W7, LagMax(const Zpp16s* target, const Zpp16s* history))                          \
+  KERNEL(ownLTPCorrelation_GSMFR_16s, W7_V3, LagMax(const Zpp16s* target, const Zpp16s* history))                       \
   KERNEL(ownLTPPredict_GSMFR_16s, W7, void(const Zpp16s* history, Zpp16s* dst, int lag, int gain))                      \
   KERNEL(ownWeightingFilter_GSMFR_16s, W7, void(const Zpp16s* src, Zpp16s* dst))
 
