@@ -56,7 +56,7 @@ class Formatter:
             if word in self.functions or word in self.constants:
                 return f'@ref {word} "{word}"'
             bare = word.lstrip('*').split('[')[0]
-            if bare != word or bare in names and (bare in WORDS or not bare.isalpha() or bare != bare.lower()):
+            if word != '*' and (bare != word or bare in names and (bare in WORDS or not bare.isalpha() or bare != bare.lower())):
                 return f'<code>{html.escape(word)}</code>'
             return html.escape(word, quote=False) if word not in '\\@#%' else '\\' + word
         return self.token.sub(one, text).replace('::', '\\::')
