@@ -34,8 +34,8 @@
   KERNEL(ownMaxAbs_16s, W7, Zpp16s(const Zpp16s* src, int len))                                                      \
   KERNEL(ownMaxIndx_32f, A6, int(const Zpp32f* src, int len))                                                        \
   KERNEL(ownMinIndx_32f, A6, int(const Zpp32f* src, int len))                                                        \
-  KERNEL(ownLinToMuLaw_16s8u, W7, void(const Zpp16s* src, Zpp8u* dst, int len))                                      \
-  KERNEL(ownLinToALaw_16s8u, W7, void(const Zpp16s* src, Zpp8u* dst, int len))
+  KERNEL(ownLinToMuLaw_16s8u, W7_V3, void(const Zpp16s* src, Zpp8u* dst, int len))                                   \
+  KERNEL(ownLinToALaw_16s8u, W7_V3, void(const Zpp16s* src, Zpp8u* dst, int len))
 
 ZPP_CORE_KERNELS(ZPP_DECLARE_KERNEL)
 

@@ -245,8 +245,11 @@ Sizes sizesOf();
 #define ZPP_USE_A6(name) ZPP_USE_ONE(name, a6, A6)
 #define ZPP_USE_W7(name) ZPP_USE_ONE(name, w7, W7)
 #define ZPP_USE_T7(name) ZPP_USE_ONE(name, t7, T7)
+#define ZPP_USE_V3(name) ZPP_USE_ONE(name, v3, V3)
 #define ZPP_USE_A6_W7(name) ZPP_USE_A6(name) ZPP_USE_W7(name)
 #define ZPP_USE_W7_T7(name) ZPP_USE_W7(name) ZPP_USE_T7(name)
+#define ZPP_USE_A6_V3(name) ZPP_USE_A6(name) ZPP_USE_V3(name)
+#define ZPP_USE_W7_V3(name) ZPP_USE_W7(name) ZPP_USE_V3(name)
 
 // --- The program's list ----------------------------------------------------------------------------------------------
 
