@@ -109,25 +109,27 @@ concept StateBlock = requires(T& t) {
   typename std::remove_cvref_t<T>::IsStateBlock;
 };
 
+// Elements of type From, seen as elements of type To: the same, or constant
+template <class From, class To>
+concept SeenAs = std::is_convertible_v<std::add_pointer_t<From[]>, std::add_pointer_t<To[]>>;
+
 // A: what is passed, a reference; P: the parameter of the C function
 template <class A, class P>
 concept Buffer = std::is_pointer_v<P> && std::ranges::contiguous_range<A> && std::ranges::sized_range<A> &&
-                 std::convertible_to < Element<A>(*)
-[], std::remove_pointer_t<P> (*)[] > ;
+    SeenAs<Element<A>, std::remove_pointer_t<P>>;
 template <class A, class P>
-concept Variable =
-    std::is_pointer_v<P> && std::is_lvalue_reference_v<A> && !StateBlock<A> && !std::is_array_v<std::remove_reference_t<A>> &&
-    std::convertible_to<std::remove_reference_t<A> (*)[], std::remove_pointer_t<P> (*)[]>;
+concept Variable = std::is_pointer_v<P> && std::is_lvalue_reference_v<A> && !StateBlock<A> &&
+                   !std::is_array_v<std::remove_reference_t<A>> && SeenAs<std::remove_reference_t<A>, std::remove_pointer_t<P>>;
 template <class A, class P>
 concept Block = (std::same_as<P, void*> && StateBlock<A> && !std::is_const_v<std::remove_reference_t<A>>) ||
                 (std::same_as<P, const void*> && StateBlock<A>);
 template <class A, class P>
 concept Pointer = std::is_pointer_v<P> && std::is_convertible_v<A, P> && !std::is_array_v<std::remove_reference_t<A>>;
+template <class A>
+inline constexpr bool isNumber = std::is_arithmetic_v<A> || std::is_enum_v<A>;
 template <class A, class P>
-concept Number = std::is_arithmetic_v<P> &&
-    (std::is_arithmetic_v<std::remove_cvref_t<A>> ||
-     std::is_enum_v<std::remove_cvref_t<A>>)&&(std::is_floating_point_v<P> ||
-                                               !std::is_floating_point_v<std::remove_cvref_t<A>>);
+concept Number = std::is_arithmetic_v<P> && isNumber<std::remove_cvref_t<A>> &&
+    (std::is_floating_point_v<P> || !std::is_floating_point_v<std::remove_cvref_t<A>>);
 
 template <class A, class P, std::size_t least>
 concept Accepted = (Buffer<A, P> && staticExtent<std::remove_cvref_t<A>> >= least) || Variable<A, P> || Block<A, P> ||
@@ -170,13 +172,21 @@ consteval std::size_t extent(std::size_t argument) {
     return 0;
 }
 
+// body(0, 1, ... n - 1), the numbers as types
+template <class Body, std::size_t... i>
+constexpr auto counted(std::index_sequence<i...>, Body body) {
+  return body(std::integral_constant<std::size_t, i>()...);
+}
+template <std::size_t n, class Body>
+constexpr auto counted(Body body) {
+  return counted(std::make_index_sequence<n>(), body);
+}
+
 template <class Signature>
 struct Prototype;
 
 template <class Return, class... P>
 struct Prototype<Return (*)(P...)> {
-  static constexpr std::size_t count = sizeof...(P);
-
   // The position of the state block among the parameters
   static consteval std::size_t stateAt() {
     const bool isState[] = {std::same_as<P, void*>...};
@@ -187,23 +197,20 @@ struct Prototype<Return (*)(P...)> {
 
   template <auto function, class... A>
   static consteval bool accepts() {
-    if constexpr (sizeof...(A) == sizeof...(P)) return []<std::size_t... i>(std::index_sequence<i...>) {
-        return (Accepted<A, P, extent<function>(i)> && ...);
-      }
-    (std::make_index_sequence<sizeof...(P)>());
-    else return false;
+    if constexpr (sizeof...(A) != sizeof...(P))
+      return false;
+    else
+      return counted<sizeof...(P)>([](auto... i) { return (Accepted<A, P, extent<function>(i)> && ...); });
   }
 
   template <auto function, class... A>
   static Status call(A&... arguments) noexcept {
-    return [&]<std::size_t... i>(std::index_sequence<i...>)->ZppStatus {
-      if (!(fits<P, extent<function>(i)>(arguments) && ...)) return zppStsBadSize;
-      if constexpr (std::is_void_v<Return>)
-        return function(passed<P>(arguments)...), ZppStatus{zppStsOk};
-      else
-        return function(passed<P>(arguments)...);
-    }
-    (std::make_index_sequence<sizeof...(P)>());
+    const bool allFit = counted<sizeof...(P)>([&](auto... i) { return (fits<P, extent<function>(i)>(arguments) && ...); });
+    if (!allFit) return zppStsBadSize;
+    if constexpr (std::is_void_v<Return>)
+      return function(passed<P>(arguments)...), zppStsOk;
+    else
+      return function(passed<P>(arguments)...);
   }
 };
 
@@ -215,8 +222,9 @@ concept CallableWith = detail::Prototype<decltype(function)>::template accepts<f
 
 // Calls a function of zppsc.h.
 template <auto function, class... A>
-requires CallableWith<function, A&&...> Status call(A&&... arguments)
-noexcept { return detail::Prototype<decltype(function)>::template call<function>(arguments...); }
+Status call(A&&... arguments) noexcept requires CallableWith<function, A&&...> {
+  return detail::Prototype<decltype(function)>::template call<function>(arguments...);
+}
 
 // What a GetStateSize function takes before the size, where that is anything
 template <class... A>
@@ -257,10 +265,11 @@ class State {
   template <class Arguments>
   Status start(Arguments arguments) {
     constexpr std::size_t at = detail::Prototype<decltype(init)>::stateAt(), all = std::tuple_size_v<Arguments>;
-    return [&]<std::size_t... before, std::size_t... behind>(std::index_sequence<before...>, std::index_sequence<behind...>) {
-      return call<init>(std::get<before>(arguments)..., *this, std::get<at + behind>(arguments)...);
-    }
-    (std::make_index_sequence<at>(), std::make_index_sequence<all - at>());
+    return detail::counted<at>([&](auto... before) {
+      return detail::counted<all - at>([&](auto... behind) {
+        return call<init>(std::get<before>(arguments)..., *this, std::get<at + behind>(arguments)...);
+      });
+    });
   }
 
   std::vector<std::byte> bytes_;
