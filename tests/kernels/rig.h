@@ -255,7 +255,7 @@ Sizes sizesOf();
 
 struct Options {
   std::uint64_t seed = 1;
-  bool bench = false;
+  bool bench = false, count = false;  // count: with bench, instructions instead of time
   std::string filter;
 };
 
@@ -268,6 +268,8 @@ void checkVariants(const std::string& kernel, const Options& options, Tally& tal
                    const std::vector<std::string>& variants, const Sizes& sizes);
 void timeVariants(const std::string& kernel, int size, const std::vector<std::string>& names,
                   const std::vector<std::function<void(int)>>& repeat);
+// Of the last variant, for callgrind: a dump of the counts of sixteen calls
+void countVariants(const std::string& kernel, int size, const std::vector<std::function<void(int)>>& repeat);
 
 template <class Kernel>
 void runKernel(const Options& options, Tally& tally) {
@@ -315,7 +317,10 @@ void runKernel(const Options& options, Tally& tally) {
           for (auto& rig : rigs)
             for (auto& call : rig->calls) call(f);
       });
-    timeVariants(name, size, names, repeat);
+    if (options.count)
+      countVariants(name, size, repeat);
+    else
+      timeVariants(name, size, names, repeat);
   }
 }
 
