@@ -46,7 +46,7 @@ enum {
   zppStsOverflowWarn = 12,   /* the computation overflowed; each function says what it has written */
   zppStsLSFLowClamped = 13,  /* the LSF stability step raised the lowest LSF */
   zppStsLSFHighClamped = 14, /* the LSF stability step lowered the highest LSF */
-  zppStsLSFBothClamped = 15  /* both */
+  zppStsLSFBothClamped = 15  /* both of these */
 };
 
 /* Codec rates, by ascending bit rate. A function accepts those of its own codec. */

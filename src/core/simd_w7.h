@@ -57,8 +57,29 @@ inline V mulQ15(V a, V b) {
 // arrays of vectors in memory.
 template <int count, class Body>
 [[gnu::always_inline]] inline void unrolled(Body body) {
-  [&]<int... i>(std::integer_sequence<int, i...>) { (body(std::integral_constant<int, i>{}), ...); }
+  [&]<int... i>(std::integer_sequence<int, i...>) __attribute__((always_inline)) {
+    (body(std::integral_constant<int, i>{}), ...);
+  }
   (std::make_integer_sequence<int, count>{});
+}
+
+// Interleaves the first four of eight rows with the last four: a third of a transposition.
+inline void interleave(const V (&rows)[8], V (&out)[8]) {
+  out[0] = _mm_unpacklo_epi16(rows[0], rows[4]);
+  out[1] = _mm_unpackhi_epi16(rows[0], rows[4]);
+  out[2] = _mm_unpacklo_epi16(rows[1], rows[5]);
+  out[3] = _mm_unpackhi_epi16(rows[1], rows[5]);
+  out[4] = _mm_unpacklo_epi16(rows[2], rows[6]);
+  out[5] = _mm_unpackhi_epi16(rows[2], rows[6]);
+  out[6] = _mm_unpacklo_epi16(rows[3], rows[7]);
+  out[7] = _mm_unpackhi_epi16(rows[3], rows[7]);
+}
+// Transposes eight rows of eight 16-bit lanes.
+inline void transpose(V (&rows)[8]) {
+  V first[8], second[8];
+  interleave(rows, first);
+  interleave(first, second);
+  interleave(second, rows);
 }
 
 // Sum of the four 32-bit lanes, modulo 2^32
