@@ -46,6 +46,12 @@ class Exports(unittest.TestCase):
         path = os.path.join(os.path.dirname(os.path.abspath(__file__)), "exports.txt")
         self.assertEqual(sorted(exported()), open(path, encoding="utf-8").read().split())
 
+    def test_are_those_that_packages_depend_on(self):
+        """The symbols file of the Debian package says since which version each is there."""
+        name, generation = SONAME.split(".so.")
+        path = pathlib.Path(__file__).resolve().parents[2] / "packaging" / "debian" / f"{name}{generation}.symbols"
+        self.assertEqual(set(re.findall(rf"^ (\w+)@{VERSION_NODE} ", path.read_text(), re.MULTILINE)), exported() | {VERSION_NODE})
+
     @unittest.skipUnless(PRIMITIVES, "libzppsc's")
     def test_have_a_row_in_the_table_of_exports(self):
         listed = output(*EXPORTS_TEST, "--gtest_list_tests")

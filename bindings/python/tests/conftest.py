@@ -16,7 +16,7 @@ if importlib.util.find_spec("zppcodecs") is None:  # not installed: the source t
     sys.path.insert(0, str(ROOT / "bindings" / "python" / "src"))
 
 hypothesis.settings.register_profile("quick", max_examples=60, deadline=None, derandomize=True, database=None)
-hypothesis.settings.register_profile("thorough", max_examples=2000, deadline=None, database=None)
+hypothesis.settings.register_profile("thorough", max_examples=500, deadline=None, database=None)
 hypothesis.settings.load_profile(os.environ.get("ZPPSC_PROFILE", "quick"))
 
 

@@ -49,7 +49,7 @@ def test_extents_agree_with_the_table_of_exports(rows):
 
 def test_no_call_reads_or_writes_beside_its_extents(rows):
     """Every primitive, with buffers that end or begin at unreadable memory: a wrong extent kills the test."""
-    calls = 1500 if thorough() else 40
+    calls = 500 if thorough() else 40
     for name in NAMES:
         caller, function, accepted = Caller(rows, name), getattr(zpp, name), 0
         for _ in range(calls):

@@ -13,8 +13,8 @@
 // ownSearchOptimalPulsePos_M102M122: two pulses a track; trackBest: each track's slot of largest correlation; trackOrder:
 //   `pulses` tracks in the order of the first pass.
 // ownFilteredCode: filtered = sum of weight * impulse delayed by position, saturated after every product, in this order.
-// ownTargetSignalCorr_X2: target filtered backward by the impulse response, normalised to 16 bits by the largest magnitudes of the
-//   tracks (cor_h_x2); corr in track order.
+// ownTargetSignalCorr_X2: target filtered backward by the impulse response, normalised to 16 bits by the largest magnitudes
+//   of the tracks (cor_h_x2); corr in track order.
 // ownSetSign: sign = that of corr, corr = |corr|; candidate >= 0 marks the `candidates` largest of each of the five tracks.
 // ownSetSign_M102M122: signs from correlation and LTP residual together (set_sign12k2); trackBest and trackOrder as the search
 //   takes them.
