@@ -93,7 +93,7 @@ def kernels(source):
 
 
 def levels(source):
-    known = re.search(r'set\(ZPPSC_LEVELS (.*?)\)', (source / 'cmake/ProcessorLevel.cmake').read_text()).group(1).split()
+    known = re.search(r'set\(ZPPSC_KERNEL_LEVELS (.*?)\)', (source / 'cmake/ProcessorLevel.cmake').read_text()).group(1).split()
     rows = kernels(source)
     default = re.search(r'set\(_default (?!px)(\w+)\)', (source / 'cmake/ProcessorLevel.cmake').read_text()).group(1)
     lines = [f'<tr><td><code>{level}</code></td><td>{LEVELS[level]}</td><td class="number">{sum(level in v for _, _, v in rows) or ""}</td>'

@@ -238,6 +238,8 @@ inline constexpr std::uint16_t extents<zppsShortTermPostFilter_G729A_16s>[] = {1
 template <>
 inline constexpr std::uint16_t extents<zppsShortTermPostFilter_G729_16s>[] = {11, 0, 40, 20};
 template <>
+inline constexpr std::uint16_t extents<zppsSpeechSynthesis_GSMFR_16s>[] = {32, 160, 160, 8, 0};
+template <>
 inline constexpr std::uint16_t extents<zppsSynthesisFilterInit_G728_16s>[] = {144};
 template <>
 inline constexpr std::uint16_t extents<zppsSynthesisFilter_G723_16s_I>[] = {10, 60, 10};
