@@ -18,7 +18,12 @@ if(ZPPSC_LEVEL_INDEX EQUAL -1)
   message(FATAL_ERROR "ZPPSC_LEVEL is '${ZPPSC_LEVEL}'; it must be one of: ${ZPPSC_LEVELS}")
 endif()
 
-if(_default STREQUAL px)
+if(EMSCRIPTEN)
+  # The tool chain's own headers map the intrinsics of SSE2 to WebAssembly's vectors.
+  set(ZPPSC_FLAGS_px "")
+  set(ZPPSC_FLAGS_a6 -msse -msimd128)
+  set(ZPPSC_FLAGS_w7 -msse2 -msimd128)
+elseif(_default STREQUAL px)
   set(ZPPSC_FLAGS_px "")
 elseif(CMAKE_SIZEOF_VOID_P EQUAL 4)
   # Callers built for the old i386 ABI enter with the stack aligned to 4 bytes: realign it wherever SSE needs more.

@@ -21,8 +21,12 @@ inline Zpp32s minusRounded(Zpp32s x, Zpp32s a, Zpp32s b) {
 }
 inline Zpp32s plusRounded(Zpp32s x, Zpp32s a, Zpp32s b) {
   auto product = static_cast<Zpp32s>(static_cast<Zpp32u>(a) * static_cast<Zpp32u>(b));
+#if defined(__i386__) || defined(__x86_64__)
   asm("sarl $15, %0\n\tadcl %1, %0" : "+&r"(product) : "g"(x) : "cc");
   return product;
+#else
+  return addWrap32(x, (product >> 15) + (product >> 14 & 1));
+#endif
 }
 
 }  // namespace zpp::gsmfr
