@@ -1,49 +1,35 @@
-// G.729A of libbcg729 on the same signal.
-#include <benchmark/benchmark.h>
-
+// G.729A of libbcg729.
 extern "C" {  // its headers are C
 #include <bcg729/decoder.h>
 #include <bcg729/encoder.h>
 }
 
-#include "report.h"
-#include "speech.h"
+#include "contender.h"
 
 namespace {
 
-constexpr std::size_t kFrameSize = 80, kOctets = 10;
+constexpr std::size_t kFrame = 80, kOctets = 10;
 
-std::vector<std::uint8_t> encode(const std::vector<std::int16_t>& speech) {
-  std::vector<std::uint8_t> stream(speech.size() / kFrameSize * kOctets);
-  bcg729EncoderChannelContextStruct* coder = initBcg729EncoderChannel(0);
-  for (std::size_t frame = 0; frame < speech.size() / kFrameSize; ++frame) {
-    std::uint8_t length = 0;
-    bcg729Encoder(coder, speech.data() + kFrameSize * frame, stream.data() + kOctets * frame, &length);
+struct G729A {
+  Octets stream{};
+
+  void encode(const Samples& speech) {
+    stream.resize(speech.size() / kFrame * kOctets);
+    bcg729EncoderChannelContextStruct* const coder = initBcg729EncoderChannel(0);
+    for (std::size_t frame = 0; frame < speech.size() / kFrame; ++frame) {
+      std::uint8_t length = 0;
+      bcg729Encoder(coder, &speech[kFrame * frame], &stream[kOctets * frame], &length);
+    }
+    closeBcg729EncoderChannel(coder);
   }
-  closeBcg729EncoderChannel(coder);
-  return stream;
-}
-
-void peer_g729a_encode(benchmark::State& state) {
-  const auto speech = speechLike(8000);
-  for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(encode(speech));
-  report(state, speech.size(), 8000);
-}
-
-void peer_g729a_decode(benchmark::State& state) {
-  const auto speech = speechLike(8000);
-  auto stream = encode(speech);
-  std::vector<std::int16_t> decoded(speech.size());
-  for ([[maybe_unused]] auto _ : state) {
-    bcg729DecoderChannelContextStruct* coder = initBcg729DecoderChannel();
+  void decode(Samples& speech) {
+    bcg729DecoderChannelContextStruct* const coder = initBcg729DecoderChannel();
     for (std::size_t frame = 0; frame < stream.size() / kOctets; ++frame)
-      bcg729Decoder(coder, stream.data() + kOctets * frame, kOctets, 0, 0, 0, decoded.data() + kFrameSize * frame);
+      bcg729Decoder(coder, &stream[kOctets * frame], kOctets, 0, 0, 0, &speech[kFrame * frame]);
     closeBcg729DecoderChannel(coder);
   }
-  report(state, speech.size(), 8000);
-}
-
-BENCHMARK(peer_g729a_encode);
-BENCHMARK(peer_g729a_decode);
+};
 
 }  // namespace
+
+void enterBcg729() { enter("g729a", "libbcg729", 8000, G729A{}); }

@@ -1,69 +1,73 @@
-// Every codec that the program names: nanoseconds a sample and times real time of encoding and decoding, through the C API.
-#include <benchmark/benchmark.h>
-
+// Every codec that the program names, through the C API, and the peers that are installed.
 #include "codecs/framing/framing.h"
-#include "report.h"
-#include "speech.h"
+#include "contender.h"
 
 namespace {
 
 using codecs::framing::Entry;
 
-// The payloads of a signal; sample-based codecs take packets of 20 ms.
-struct Coded {
-  std::vector<std::uint8_t> octets;
-  std::vector<int> sizes;
-  int packet, room;  // samples and octets of a packet
-};
+// Sample-based codecs take packets of 20 ms.
+class OurCoder {
+ public:
+  explicit OurCoder(const Entry& entry) : entry_(&entry) {
+    const ZppcCodec& codec = *entry.codec;
+    const int frames = codec.features & ZPPC_FEATURE_SAMPLE_BASED ? codec.sampleRate / 50 / codec.frameSamples : 1;
+    packet_ = frames * codec.frameSamples;
+    room_ = frames * codec.maxPayload;
+  }
 
-Coded prepared(const Entry& entry) {
-  const ZppcCodec& codec = *entry.codec;
-  const int frames = codec.features & ZPPC_FEATURE_SAMPLE_BASED ? codec.sampleRate / 50 / codec.frameSamples : 1;
-  Coded coded{.octets = {}, .sizes = {}, .packet = frames * codec.frameSamples, .room = frames * codec.maxPayload};
-  const auto packets = static_cast<std::size_t>(10 * codec.sampleRate / coded.packet);
-  coded.octets.resize(packets * static_cast<std::size_t>(coded.room));
-  coded.sizes.resize(packets);
-  return coded;
-}
+  void encode(const Samples& speech) {
+    sizes_.resize(speech.size() / static_cast<std::size_t>(packet_));
+    octets_.resize(sizes_.size() * static_cast<std::size_t>(room_));
+    ZppcEncoder* const encoder = zppcEncoderCreate(entry_->codec, &entry_->options, nullptr);
+    const std::int16_t* pcm = speech.data();
+    std::uint8_t* payload = octets_.data();
+    for (int& size : sizes_) {
+      size = zppcEncode(encoder, pcm, packet_, payload, room_);
+      pcm += packet_, payload += room_;
+    }
+    zppcEncoderDestroy(encoder);
+  }
 
-void encodeAll(const Entry& entry, const std::vector<std::int16_t>& speech, Coded& coded) {
-  ZppcEncoder* const encoder = zppcEncoderCreate(entry.codec, &entry.options, nullptr);
-  for (std::size_t n = 0; n < coded.sizes.size(); ++n)
-    coded.sizes[n] = zppcEncode(encoder, &speech[n * static_cast<std::size_t>(coded.packet)], coded.packet,
-                                &coded.octets[n * static_cast<std::size_t>(coded.room)], coded.room);
-  zppcEncoderDestroy(encoder);
-}
-
-void encode(benchmark::State& state, const Entry& entry) {
-  const auto speech = speechLike(entry.codec->sampleRate);
-  Coded coded = prepared(entry);
-  for ([[maybe_unused]] auto _ : state) encodeAll(entry, speech, coded);
-  report(state, coded.sizes.size() * static_cast<std::size_t>(coded.packet), entry.codec->sampleRate);
-}
-
-void decode(benchmark::State& state, const Entry& entry) {
-  const auto speech = speechLike(entry.codec->sampleRate);
-  Coded coded = prepared(entry);
-  encodeAll(entry, speech, coded);
-  std::vector<std::int16_t> decoded(static_cast<std::size_t>(coded.packet));
-  for ([[maybe_unused]] auto _ : state) {
-    ZppcDecoder* const decoder = zppcDecoderCreate(entry.codec, &entry.options, nullptr);
-    for (std::size_t n = 0; n < coded.sizes.size(); ++n)
-      zppcDecode(decoder, &coded.octets[n * static_cast<std::size_t>(coded.room)], coded.sizes[n], decoded.data(),
-                 coded.packet);
+  void decode(Samples& speech) {
+    ZppcDecoder* const decoder = zppcDecoderCreate(entry_->codec, &entry_->options, nullptr);
+    std::int16_t* pcm = speech.data();
+    const std::uint8_t* payload = octets_.data();
+    for (const int size : sizes_) {
+      zppcDecode(decoder, payload, size, pcm, packet_);
+      pcm += packet_, payload += room_;
+    }
     zppcDecoderDestroy(decoder);
   }
-  report(state, coded.sizes.size() * static_cast<std::size_t>(coded.packet), entry.codec->sampleRate);
-}
+
+ private:
+  const Entry* entry_;
+  int packet_, room_;  // samples and octets of a packet
+  Octets octets_;
+  std::vector<int> sizes_;
+};
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  for (const Entry& codec : codecs::framing::catalogue()) {
-    const std::string name(codec.name);
-    benchmark::RegisterBenchmark((name + "/encode").c_str(), [&codec](benchmark::State& s) { encode(s, codec); });
-    benchmark::RegisterBenchmark((name + "/decode").c_str(), [&codec](benchmark::State& s) { decode(s, codec); });
-  }
+  for (const Entry& entry : codecs::framing::catalogue())
+    enter(std::string(entry.name), "zppcodecs", entry.codec->sampleRate, OurCoder(entry),
+          static_cast<double>(zppcEncoderSize(entry.codec) + zppcDecoderSize(entry.codec)));
+#ifdef ZPPSC_HAVE_SPANDSP
+  enterSpandsp();
+#endif
+#ifdef ZPPSC_HAVE_BCG729
+  enterBcg729();
+#endif
+#ifdef ZPPSC_HAVE_LIBGSM
+  enterLibgsm();
+#endif
+#ifdef ZPPSC_HAVE_OPENCORE_AMRNB
+  enterOpencoreAmrnb();
+#endif
+#ifdef ZPPSC_HAVE_AMRWB
+  enterAmrwb();
+#endif
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   benchmark::RunSpecifiedBenchmarks();

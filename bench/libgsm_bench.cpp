@@ -1,44 +1,32 @@
-// GSM full rate of libgsm on the same signal.
-#include <benchmark/benchmark.h>
-#include <cstdint>
-
+// GSM full rate of libgsm.
 #include <gsm.h>
 
-#include "report.h"
-#include "speech.h"
+#include "contender.h"
 
 namespace {
 
-constexpr std::size_t kFrameSize = 160, kOctets = 33;
+constexpr std::size_t kFrame = 160, kOctets = 33;
 
-std::vector<std::uint8_t> encode(std::vector<std::int16_t> speech) {
-  std::vector<std::uint8_t> stream(speech.size() / kFrameSize * kOctets);
-  const gsm coder = gsm_create();
-  for (std::size_t frame = 0; frame < speech.size() / kFrameSize; ++frame)
-    gsm_encode(coder, speech.data() + kFrameSize * frame, stream.data() + kOctets * frame);
-  gsm_destroy(coder);
-  return stream;
-}
+struct GsmFullRate {
+  Samples input{};  // which the library may change
+  Octets stream{};
 
-void peer_gsm_encode(benchmark::State& state) {
-  const auto speech = speechLike(8000);
-  for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(encode(speech));
-  report(state, speech.size(), 8000);
-}
-
-void peer_gsm_decode(benchmark::State& state) {
-  const auto speech = speechLike(8000);
-  auto stream = encode(speech);
-  std::vector<std::int16_t> decoded(kFrameSize);
-  for ([[maybe_unused]] auto _ : state) {
+  void encode(const Samples& speech) {
+    input = speech;
+    stream.resize(speech.size() / kFrame * kOctets);
     const gsm coder = gsm_create();
-    for (std::size_t at = 0; at < stream.size(); at += kOctets) gsm_decode(coder, stream.data() + at, decoded.data());
+    for (std::size_t frame = 0; frame < speech.size() / kFrame; ++frame)
+      gsm_encode(coder, &input[kFrame * frame], &stream[kOctets * frame]);
     gsm_destroy(coder);
   }
-  report(state, speech.size(), 8000);
-}
-
-BENCHMARK(peer_gsm_encode);
-BENCHMARK(peer_gsm_decode);
+  void decode(Samples& speech) {
+    const gsm coder = gsm_create();
+    for (std::size_t frame = 0; frame < stream.size() / kOctets; ++frame)
+      gsm_decode(coder, &stream[kOctets * frame], &speech[kFrame * frame]);
+    gsm_destroy(coder);
+  }
+};
 
 }  // namespace
+
+void enterLibgsm() { enter("gsm-fr", "libgsm", 8000, GsmFullRate{}); }

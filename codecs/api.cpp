@@ -21,7 +21,7 @@ struct Header {
 template <class Row>
 Zpp8u offsetIn(const void* block, const Row& row) {
   const auto first = reinterpret_cast<std::uintptr_t>(block) + sizeof(Header);
-  return static_cast<Zpp8u>(sizeof(Header) + (row.alignment - first % row.alignment) % row.alignment);
+  return static_cast<Zpp8u>(sizeof(Header) + ((0 - first) & (row.alignment - 1)));  // alignments are powers of two
 }
 
 template <class Row>

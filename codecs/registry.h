@@ -46,7 +46,7 @@ const CodecRow* rowOf(const ZppcCodec* codec);
 // zppcDecode with a receive type of the codec's standard instead of the payload's own, for those who read files that hold it
 int decodeAs(ZppcDecoder* decoder, int receiveType, const Zpp8u* payload, int octets, Zpp16s* pcm, int capacity);
 
-// After a frame for which nothing was sent: the payload that would have been, where the standard's files hold it. Returns its
+// After a frame of comfort noise: the payload that describes it, sent or not, where the standard's files hold it. Returns its
 // octets, 0 where the codec does not tell.
 int unsentPayload(ZppcEncoder* encoder, Zpp8u* payload);
 // What the standard's test files tell of the last frame beside its bits; 0 of codecs that have nothing to tell

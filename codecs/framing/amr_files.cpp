@@ -16,36 +16,24 @@ enum { kSpeech, kFirst, kUpdate, kNothing };
 
 }  // namespace
 
-void AmrWords::append(std::span<const std::uint8_t> payload, int, Bytes& stream) {
+void AmrWords::append(const CodedFrame& frame, Bytes& stream) {
   amr::FrameBits bits;
   unsigned type = kNothing, mode = kNoMode;
-  if (!payload.empty()) {
-    const amr::PayloadHead head(payload[0]);
-    if (head.type < amr::kModes) {
-      type = kSpeech;
-      mode = static_cast<unsigned>(head.type);
-      amr::unpackSpeech(payload.data(), head.type, bits);
-    } else {
-      const amr::SidHead sid = amr::unpackSid(payload.data(), bits);
-      type = sid.update ? kUpdate : kFirst;
-      mode = static_cast<unsigned>(sid.mode);
-    }
+  if (frame.payload.empty()) {
+    if (!frame.unsent.empty()) amr::unpackSid(frame.unsent.data(), bits);
+  } else if (const amr::PayloadHead head(frame.payload[0]); head.type < amr::kModes) {
+    type = kSpeech;
+    mode = static_cast<unsigned>(head.type);
+    amr::unpackSpeech(frame.payload.data(), head.type, bits);
+  } else {
+    const amr::SidHead sid = amr::unpackSid(frame.payload.data(), bits);
+    type = sid.update ? kUpdate : kFirst;
+    mode = static_cast<unsigned>(sid.mode);
   }
   appendWord(received_ ? static_cast<unsigned>(kReceivedAs[type]) : type, stream);
   for (const Zpp8u bit : bits.at) appendWord(bit, stream);
   appendWord(mode, stream);
   for (std::size_t n = kModeWord + 1; n < kWords; ++n) appendWord(0, stream);
-}
-
-void AmrWords::appendUnsent(std::span<const std::uint8_t> payload, Bytes& stream) {
-  const std::size_t start = stream.size();
-  append(payload, -1, stream);
-  const auto set = [&](std::size_t index, unsigned word) {
-    stream[start + 2 * index] = static_cast<std::uint8_t>(word);
-    stream[start + 2 * index + 1] = static_cast<std::uint8_t>(word >> 8);
-  };
-  set(0, static_cast<unsigned>(received_ ? kReceivedAs[kNothing] : int{kNothing}));
-  set(kModeWord, kNoMode);
 }
 
 std::optional<Frame> AmrWords::take(std::span<const std::uint8_t> stream, bool, bool) {

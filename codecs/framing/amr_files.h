@@ -10,9 +10,8 @@ class AmrWords : public Framing {
  public:
   // received: the types are those of a receiver; otherwise those of a sender, to which the standard's decoder adds four.
   explicit AmrWords(bool received) : received_(received) {}
-  void append(std::span<const std::uint8_t> payload, int samples, Bytes& stream) override;
-  // The standard's encoder writes the descriptor although it is not to be sent.
-  void appendUnsent(std::span<const std::uint8_t> payload, Bytes& stream) override;
+  // Where nothing is sent, the descriptor that would be: so the standard's encoder does.
+  void append(const CodedFrame& frame, Bytes& stream) override;
   std::optional<Frame> take(std::span<const std::uint8_t> stream, bool ended, bool single) override;
 
  private:

@@ -65,28 +65,20 @@ std::optional<Frame> AmrWbStorage::take(std::span<const std::uint8_t> stream, bo
   return frame;
 }
 
-void AmrWbWords::append(unsigned type, std::span<const std::uint8_t> payload, Bytes& stream) {
-  const amrwb::Frame frame = unpacked(payload);
+void AmrWbWords::append(const CodedFrame& frame, Bytes& stream) {
+  amrwb::Frame inner = unpacked(frame.payload);
+  const bool speech = inner.type < kModes;
+  unsigned type = speech ? kSpeech : kUpdate;
+  // Of the first frame of comfort noise only that it is one is sent, of later ones often nothing.
+  if (!speech && !inner.update) {
+    type = afterSpeech_ ? kFirst : kNothing;
+    inner = unpacked(frame.unsent);
+  }
+  afterSpeech_ = speech;
   appendWord(kSent, stream);
   appendWord(type, stream);
-  appendWord(static_cast<unsigned>(frame.mode), stream);
-  for (int n = 0; n < frame.bits.count; ++n) appendWord(frame.bits.bit[n] != 0 ? kPlusOne : kMinusOne, stream);
-}
-
-void AmrWbWords::append(std::span<const std::uint8_t> payload, int, Bytes& stream) {
-  afterSpeech_ = unpacked(payload).type < kModes;
-  append(afterSpeech_ ? kSpeech : kUpdate, payload, stream);
-}
-
-void AmrWbWords::appendUnsent(std::span<const std::uint8_t> payload, Bytes& stream) {
-  append(afterSpeech_ ? kFirst : kNothing, payload, stream);
-  afterSpeech_ = false;
-}
-
-// Of the first frame of comfort noise only that it is one is sent, of later ones often nothing.
-bool AmrWbWords::holdsUnsent(std::span<const std::uint8_t> payload) const {
-  const amrwb::Frame frame = unpacked(payload);
-  return frame.type >= kModes && !frame.update;
+  appendWord(static_cast<unsigned>(inner.mode), stream);
+  for (int n = 0; n < inner.bits.count; ++n) appendWord(inner.bits.bit[n] != 0 ? kPlusOne : kMinusOne, stream);
 }
 
 std::optional<Frame> AmrWbWords::take(std::span<const std::uint8_t> stream, bool, bool) {
@@ -110,12 +102,12 @@ std::optional<Frame> AmrWbWords::take(std::span<const std::uint8_t> stream, bool
   return Frame{.size = size, .receiveType = withMode(receiveType, inner.mode), .payload = packed(inner)};
 }
 
-void AmrWbSerial::append(std::span<const std::uint8_t> payload, int, Bytes& stream) {
-  const amrwb::Frame frame = unpacked(payload);
-  const int count = frame.type < kModes || frame.update ? frame.bits.count : 0;
+void AmrWbSerial::append(const CodedFrame& frame, Bytes& stream) {
+  const amrwb::Frame inner = unpacked(frame.payload);
+  const int count = inner.type < kModes || inner.update ? inner.bits.count : 0;
   appendWord(kSent, stream);
   appendWord(static_cast<unsigned>(count), stream);
-  for (int n = 0; n < count; ++n) appendWord(frame.bits.bit[n] != 0 ? kOne : kZero, stream);
+  for (int n = 0; n < count; ++n) appendWord(inner.bits.bit[n] != 0 ? kOne : kZero, stream);
 }
 
 std::optional<Frame> AmrWbSerial::take(std::span<const std::uint8_t> stream, bool, bool) {

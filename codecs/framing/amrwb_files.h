@@ -17,14 +17,10 @@ class AmrWbStorage : public AmrStorage {
 // Comfort noise has all its bits in every frame, also where nothing of it is sent.
 class AmrWbWords : public Framing {
  public:
-  void append(std::span<const std::uint8_t> payload, int samples, Bytes& stream) override;
-  bool holdsUnsent(std::span<const std::uint8_t> payload) const override;
-  void appendUnsent(std::span<const std::uint8_t> payload, Bytes& stream) override;
+  void append(const CodedFrame& frame, Bytes& stream) override;
   std::optional<Frame> take(std::span<const std::uint8_t> stream, bool ended, bool single) override;
 
  private:
-  void append(unsigned type, std::span<const std::uint8_t> payload, Bytes& stream);
-
   bool afterSpeech_ = true;
 };
 
@@ -32,7 +28,7 @@ class AmrWbWords : public Framing {
 // bits a frame is the first of comfort noise where speech went before, and otherwise one for which nothing was sent.
 class AmrWbSerial : public Framing {
  public:
-  void append(std::span<const std::uint8_t> payload, int samples, Bytes& stream) override;
+  void append(const CodedFrame& frame, Bytes& stream) override;
   std::optional<Frame> take(std::span<const std::uint8_t> stream, bool ended, bool single) override;
 
  private:

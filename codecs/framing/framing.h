@@ -32,6 +32,15 @@ struct Frame {
   int samples = -1;      // how many of the decoded samples count, from the first; below 0: all
 };
 
+// A frame as its encoder hands it out
+struct CodedFrame {
+  std::span<const std::uint8_t> payload{};  // that is sent; empty: nothing
+  int samples = -1;                         // of its samples, those that belong to the speech; below 0: all
+  std::span<const std::uint8_t>
+      unsent{};        // what comfort noise would be sent, where payload brings none (unsentPayload in registry.h)
+  unsigned flags = 0;  // what the standard's files tell beside the bits (flagsOf in registry.h)
+};
+
 // A framing serves one stream in one direction and may remember what went before.
 class Framing {
  public:
@@ -39,15 +48,7 @@ class Framing {
 
   // Appends what stands before the first frame.
   virtual void begin([[maybe_unused]] Bytes& stream) {}
-  // What the encoder tells of the payload that comes next, beside its octets (flagsOf in registry.h)
-  virtual void announce([[maybe_unused]] unsigned flags) {}
-  // Appends a payload. samples: how many of its samples belong to the speech; below 0, all.
-  virtual void append(std::span<const std::uint8_t> payload, int samples, Bytes& stream) = 0;
-  // Whether the files hold the bits of a frame of which no more than this payload is sent
-  virtual bool holdsUnsent(std::span<const std::uint8_t> payload) const { return payload.empty(); }
-  // Appends a frame for which nothing is sent. payload: what the encoder would have sent, if it tells (unsentPayload in
-  // registry.h)
-  virtual void appendUnsent([[maybe_unused]] std::span<const std::uint8_t> payload, Bytes& stream) { append({}, -1, stream); }
+  virtual void append(const CodedFrame& frame, Bytes& stream) = 0;
   // Whether the stream may end here; otherwise it needs another frame, of silence.
   virtual bool mayEnd() const { return true; }
   // Appends what stands behind the last frame.

@@ -12,10 +12,10 @@ std::vector<int> groupSizes(int octets, std::size_t most) {
 
 }  // namespace
 
-void CodePerWord::append(std::span<const std::uint8_t> payload, int, Bytes& stream) {
+void CodePerWord::append(const CodedFrame& frame, Bytes& stream) {
   unsigned window = 0;
   int held = 0;
-  for (const unsigned octet : payload) {
+  for (const unsigned octet : frame.payload) {
     window = window << 8 | octet;
     held += 8;
     if (held < kBits) continue;
@@ -38,13 +38,13 @@ std::optional<Frame> CodePerWord::take(std::span<const std::uint8_t> stream, boo
 
 SerialGroups::SerialGroups(int octets) : octets_(static_cast<std::size_t>(octets)), serial_(groupSizes(octets, kMost)) {}
 
-void SerialGroups::append(std::span<const std::uint8_t> payload, int, Bytes& stream) {
-  held_.insert(held_.end(), payload.begin(), payload.end());
+void SerialGroups::append(const CodedFrame& frame, Bytes& stream) {
+  held_.insert(held_.end(), frame.payload.begin(), frame.payload.end());
   if (held_.size() == kUsual * octets_) end(stream);
 }
 
 void SerialGroups::end(Bytes& stream) {
-  if (!held_.empty()) serial_.append(held_, -1, stream);
+  if (!held_.empty()) serial_.append({.payload = held_}, stream);
   held_.clear();
 }
 

@@ -11,7 +11,7 @@ namespace codecs::framing {
 class CodePerWord : public Framing {
  public:
   explicit CodePerWord(int octets) : codes_(static_cast<std::size_t>(8 * octets / kBits)) {}
-  void append(std::span<const std::uint8_t> payload, int samples, Bytes& stream) override;
+  void append(const CodedFrame& frame, Bytes& stream) override;
   std::optional<Frame> take(std::span<const std::uint8_t> stream, bool ended, bool single) override;
 
  private:
@@ -24,7 +24,7 @@ class CodePerWord : public Framing {
 class SerialGroups : public Framing {
  public:
   explicit SerialGroups(int octets);
-  void append(std::span<const std::uint8_t> payload, int samples, Bytes& stream) override;
+  void append(const CodedFrame& frame, Bytes& stream) override;
   void end(Bytes& stream) override;
   std::optional<Frame> take(std::span<const std::uint8_t> stream, bool ended, bool single) override;
 

@@ -7,9 +7,9 @@ constexpr std::uint8_t kNothingSent = 3;
 
 }  // namespace
 
-void KindsAndOctets::append(std::span<const std::uint8_t> payload, int, Bytes& stream) {
-  stream.insert(stream.end(), payload.begin(), payload.end());
-  if (payload.empty() && keepsEmpty_) stream.push_back(kNothingSent);
+void KindsAndOctets::append(const CodedFrame& frame, Bytes& stream) {
+  stream.insert(stream.end(), frame.payload.begin(), frame.payload.end());
+  if (frame.payload.empty() && keepsEmpty_) stream.push_back(kNothingSent);
 }
 
 std::optional<Frame> KindsAndOctets::take(std::span<const std::uint8_t> stream, bool, bool) {

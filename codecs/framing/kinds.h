@@ -10,7 +10,7 @@ namespace codecs::framing {
 class KindsAndOctets : public Framing {
  public:
   KindsAndOctets(std::vector<int> octets, bool keepsEmpty) : octets_(std::move(octets)), keepsEmpty_(keepsEmpty) {}
-  void append(std::span<const std::uint8_t> payload, int samples, Bytes& stream) override;
+  void append(const CodedFrame& frame, Bytes& stream) override;
   std::optional<Frame> take(std::span<const std::uint8_t> stream, bool ended, bool single) override;
 
  private:

@@ -27,8 +27,8 @@ std::size_t BareOctets::octetsOf(int samples) const {
   return (octets + groupOctets() - 1) / groupOctets() * groupOctets();
 }
 
-void BareOctets::append(std::span<const std::uint8_t> payload, int samples, Bytes& stream) {
-  appendAll(samples < 0 ? payload : payload.first(octetsOf(samples)), stream);
+void BareOctets::append(const CodedFrame& frame, Bytes& stream) {
+  appendAll(frame.samples < 0 ? frame.payload : frame.payload.first(octetsOf(frame.samples)), stream);
 }
 
 std::optional<Frame> BareOctets::take(std::span<const std::uint8_t> stream, bool ended, bool single) {
@@ -46,9 +46,9 @@ std::optional<Frame> BareOctets::take(std::span<const std::uint8_t> stream, bool
   return last;
 }
 
-void LengthAndOctets::append(std::span<const std::uint8_t> payload, int, Bytes& stream) {
-  stream.push_back(static_cast<std::uint8_t>(payload.size()));
-  appendAll(payload, stream);
+void LengthAndOctets::append(const CodedFrame& frame, Bytes& stream) {
+  stream.push_back(static_cast<std::uint8_t>(frame.payload.size()));
+  appendAll(frame.payload, stream);
 }
 
 std::optional<Frame> LengthAndOctets::take(std::span<const std::uint8_t> stream, bool, bool) {
@@ -62,13 +62,13 @@ std::optional<Frame> LengthAndOctets::take(std::span<const std::uint8_t> stream,
   return Frame{.size = size, .payload = copyOf(stream.subspan(1, size - 1))};
 }
 
-void CodePerByte::append(std::span<const std::uint8_t> payload, int samples, Bytes& stream) {
-  const std::size_t all = 8 * payload.size() / static_cast<std::size_t>(bits_);
-  const std::size_t count = samples < 0 ? all : static_cast<std::size_t>(samples);
+void CodePerByte::append(const CodedFrame& frame, Bytes& stream) {
+  const std::size_t all = 8 * frame.payload.size() / static_cast<std::size_t>(bits_);
+  const std::size_t count = frame.samples < 0 ? all : static_cast<std::size_t>(frame.samples);
   unsigned window = 0;
   int held = 0;
   for (std::size_t n = 0, at = 0; n < count; ++n, held -= bits_, window >>= bits_) {
-    for (; held < bits_; held += 8) window |= static_cast<unsigned>(payload[at++]) << held;
+    for (; held < bits_; held += 8) window |= static_cast<unsigned>(frame.payload[at++]) << held;
     stream.push_back(static_cast<std::uint8_t>(window & ((1u << bits_) - 1)));
   }
 }

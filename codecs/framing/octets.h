@@ -11,7 +11,7 @@ class BareOctets : public Framing {
   // bitsPerSample: of a sample-based codec; 0: payloads of `octets` octets
   BareOctets(int octets, int bitsPerSample, int frameSamples)
       : octets_(octets), bits_(bitsPerSample), frameSamples_(frameSamples) {}
-  void append(std::span<const std::uint8_t> payload, int samples, Bytes& stream) override;
+  void append(const CodedFrame& frame, Bytes& stream) override;
   std::optional<Frame> take(std::span<const std::uint8_t> stream, bool ended, bool single) override;
 
  private:
@@ -26,7 +26,7 @@ class BareOctets : public Framing {
 class LengthAndOctets : public Framing {
  public:
   explicit LengthAndOctets(std::vector<int> sizes) : sizes_(std::move(sizes)) {}
-  void append(std::span<const std::uint8_t> payload, int samples, Bytes& stream) override;
+  void append(const CodedFrame& frame, Bytes& stream) override;
   std::optional<Frame> take(std::span<const std::uint8_t> stream, bool ended, bool single) override;
 
  private:
@@ -37,7 +37,7 @@ class LengthAndOctets : public Framing {
 class CodePerByte : public Framing {
  public:
   CodePerByte(int bits, int frameSamples) : bits_(bits), frameSamples_(frameSamples) {}
-  void append(std::span<const std::uint8_t> payload, int samples, Bytes& stream) override;
+  void append(const CodedFrame& frame, Bytes& stream) override;
   std::optional<Frame> take(std::span<const std::uint8_t> stream, bool ended, bool single) override;
 
  private:

@@ -27,8 +27,8 @@ Bytes payloadOf(const std::vector<unsigned>& parameters, const ParameterLayout& 
 
 int ParameterLayout::bits() const { return std::accumulate(widths.begin(), widths.end(), 0); }
 
-void SignedOctets::append(std::span<const std::uint8_t> payload, int, Bytes& stream) {
-  stream.insert(stream.end(), payload.begin(), payload.end());
+void SignedOctets::append(const CodedFrame& frame, Bytes& stream) {
+  stream.insert(stream.end(), frame.payload.begin(), frame.payload.end());
 }
 
 std::optional<Frame> SignedOctets::take(std::span<const std::uint8_t> stream, bool, bool) {
@@ -38,9 +38,9 @@ std::optional<Frame> SignedOctets::take(std::span<const std::uint8_t> stream, bo
   return Frame{.size = octets.size(), .lost = lost, .payload = Bytes(octets.begin(), octets.end())};
 }
 
-void ParameterWords::append(std::span<const std::uint8_t> payload, int, Bytes& stream) {
-  unsigned flags = flags_;
-  for (const unsigned parameter : parametersIn(payload, layout_)) {
+void ParameterWords::append(const CodedFrame& frame, Bytes& stream) {
+  unsigned flags = dtx_ ? frame.flags : 0;
+  for (const unsigned parameter : parametersIn(frame.payload, layout_)) {
     appendWord(parameter | (flags & 1) << 15, stream);
     flags >>= 1;
   }
@@ -54,11 +54,11 @@ std::optional<Frame> ParameterWords::take(std::span<const std::uint8_t> stream, 
   return Frame{.size = 2 * count, .payload = payloadOf(parameters, layout_)};
 }
 
-void PairedParameters::append(std::span<const std::uint8_t> payload, int, Bytes& stream) {
+void PairedParameters::append(const CodedFrame& frame, Bytes& stream) {
   const auto perBlock = static_cast<std::size_t>(layout_.bits()) / 4;  // octets
   block_.resize(perBlock);
   int at = second_ ? layout_.bits() : 0;
-  const std::vector<unsigned> parameters = parametersIn(payload, layout_);
+  const std::vector<unsigned> parameters = parametersIn(frame.payload, layout_);
   for (std::size_t i = 0; i < parameters.size(); ++i)
     for (int bit = 0; bit < layout_.widths[i]; ++bit, ++at)
       block_[static_cast<std::size_t>(at / 8)] |= static_cast<std::uint8_t>((parameters[i] >> bit & 1) << at % 8);

@@ -18,7 +18,7 @@ struct ParameterLayout {
 class SignedOctets : public Framing {
  public:
   SignedOctets(const ParameterLayout& layout, bool) : layout_(layout) {}
-  void append(std::span<const std::uint8_t> payload, int samples, Bytes& stream) override;
+  void append(const CodedFrame& frame, Bytes& stream) override;
   std::optional<Frame> take(std::span<const std::uint8_t> stream, bool ended, bool single) override;
 
  private:
@@ -29,14 +29,12 @@ class SignedOctets : public Framing {
 class ParameterWords : public Framing {
  public:
   ParameterWords(const ParameterLayout& layout, bool dtx) : layout_(layout), dtx_(dtx) {}
-  void announce(unsigned flags) override { flags_ = dtx_ ? flags : 0; }
-  void append(std::span<const std::uint8_t> payload, int samples, Bytes& stream) override;
+  void append(const CodedFrame& frame, Bytes& stream) override;
   std::optional<Frame> take(std::span<const std::uint8_t> stream, bool ended, bool single) override;
 
  private:
   ParameterLayout layout_;
   bool dtx_;
-  unsigned flags_ = 0;
 };
 
 // Blocks of two frames without signatures, the least significant bits first. A last frame that is alone gets one of silence for
@@ -44,7 +42,7 @@ class ParameterWords : public Framing {
 class PairedParameters : public Framing {
  public:
   PairedParameters(const ParameterLayout& layout, bool) : layout_(layout) {}
-  void append(std::span<const std::uint8_t> payload, int samples, Bytes& stream) override;
+  void append(const CodedFrame& frame, Bytes& stream) override;
   bool mayEnd() const override { return !second_; }
   std::optional<Frame> take(std::span<const std::uint8_t> stream, bool ended, bool single) override;
 

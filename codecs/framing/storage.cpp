@@ -11,11 +11,11 @@ constexpr std::uint8_t kNothingSent = 15 << 3 | 4;  // frame type 15, not damage
 
 void AmrStorage::begin(Bytes& stream) { stream.insert(stream.end(), magic_.begin(), magic_.end()); }
 
-void AmrStorage::append(std::span<const std::uint8_t> payload, int, Bytes& stream) {
-  if (payload.empty())
+void AmrStorage::append(const CodedFrame& frame, Bytes& stream) {
+  if (frame.payload.empty())
     stream.push_back(kNothingSent);
   else
-    stream.insert(stream.end(), payload.begin(), payload.end());
+    stream.insert(stream.end(), frame.payload.begin(), frame.payload.end());
 }
 
 std::size_t AmrStorage::takeBegin(std::span<const std::uint8_t> stream) {

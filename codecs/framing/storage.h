@@ -14,7 +14,7 @@ class AmrStorage : public Framing {
 
   AmrStorage(std::string_view magic, const Sizes& sizes) : magic_(magic), sizes_(sizes) {}
   void begin(Bytes& stream) override;
-  void append(std::span<const std::uint8_t> payload, int samples, Bytes& stream) override;
+  void append(const CodedFrame& frame, Bytes& stream) override;
   std::size_t takeBegin(std::span<const std::uint8_t> stream) override;
   std::optional<Frame> take(std::span<const std::uint8_t> stream, bool ended, bool single) override;
 

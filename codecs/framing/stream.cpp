@@ -74,12 +74,13 @@ void StreamEncoder::encode(std::span<const std::int16_t> frames, int count, Byte
   const int octets = zppcEncode(encoder_.get(), frames.data(), static_cast<int>(frames.size()), payload_.data(),
                                 static_cast<int>(payload_.size()));
   if (octets < 0) throw std::logic_error(zppcErrorText(octets));
-  framing_->announce(flagsOf(encoder_.get()));
-  if (!sampleBased(codec_) && framing_->holdsUnsent(std::span(payload_).first(static_cast<std::size_t>(octets)))) {
-    payload_.resize(static_cast<std::size_t>(unsentPayload(encoder_.get(), payload_.data())));
-    return framing_->appendUnsent(payload_, stream);
-  }
-  framing_->append(std::span(payload_).first(static_cast<std::size_t>(octets)), count, stream);
+  unsent_.resize(static_cast<std::size_t>(codec_.maxPayload));
+  const int unsent = unsentPayload(encoder_.get(), unsent_.data());
+  framing_->append({.payload = std::span(payload_).first(static_cast<std::size_t>(octets)),
+                    .samples = count,
+                    .unsent = std::span(unsent_).first(static_cast<std::size_t>(unsent)),
+                    .flags = flagsOf(encoder_.get())},
+                   stream);
 }
 
 void StreamEncoder::add(std::span<const std::int16_t> samples, Bytes& stream) {

@@ -37,7 +37,7 @@ class StreamEncoder {
   std::vector<int> rates_;
   std::size_t frame_ = 0;
   Samples pending_;
-  Bytes payload_;
+  Bytes payload_, unsent_;
   bool begun_ = false;
 };
 

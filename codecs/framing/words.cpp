@@ -23,9 +23,9 @@ void swapOctets(std::span<std::uint8_t> octets) {
 
 }  // namespace
 
-void PackedWords::append(std::span<const std::uint8_t> payload, int, Bytes& stream) {
-  stream.insert(stream.end(), payload.begin(), payload.end());
-  swapOctets(std::span(stream).last(payload.size()));
+void PackedWords::append(const CodedFrame& frame, Bytes& stream) {
+  stream.insert(stream.end(), frame.payload.begin(), frame.payload.end());
+  swapOctets(std::span(stream).last(frame.payload.size()));
 }
 
 std::optional<Frame> PackedWords::take(std::span<const std::uint8_t> stream, bool, bool) {
@@ -36,14 +36,14 @@ std::optional<Frame> PackedWords::take(std::span<const std::uint8_t> stream, boo
   return frame;
 }
 
-void SerialBits::append(std::span<const std::uint8_t> payload, int, Bytes& stream) {
-  const auto octets = static_cast<int>(payload.size());
+void SerialBits::append(const CodedFrame& frame, Bytes& stream) {
+  const auto octets = static_cast<int>(frame.payload.size());
   const auto size = std::ranges::find(sizes_, octets, octetsOf);
   const int bits = size == sizes_.end() ? 8 * octets : *size;
   appendWord(kGoodFrame, stream);
   appendWord(static_cast<unsigned>(bits), stream);
   for (int bit = 0; bit < bits; ++bit)
-    appendWord(payload[static_cast<std::size_t>(bit / 8)] >> (7 - bit % 8) & 1 ? kOne : kZero, stream);
+    appendWord(frame.payload[static_cast<std::size_t>(bit / 8)] >> (7 - bit % 8) & 1 ? kOne : kZero, stream);
 }
 
 std::optional<Frame> SerialBits::take(std::span<const std::uint8_t> stream, bool, bool) {

@@ -9,7 +9,7 @@ namespace codecs::framing {
 class PackedWords : public Framing {
  public:
   explicit PackedWords(int octets) : octets_(static_cast<std::size_t>(octets)) {}
-  void append(std::span<const std::uint8_t> payload, int samples, Bytes& stream) override;
+  void append(const CodedFrame& frame, Bytes& stream) override;
   std::optional<Frame> take(std::span<const std::uint8_t> stream, bool ended, bool single) override;
 
  private:
@@ -22,7 +22,7 @@ class SerialBits : public Framing {
  public:
   // sizes: bits that a frame may have, the most first; those that do not fill their octets leave the lowest of the last unused
   explicit SerialBits(std::vector<int> sizes) : sizes_(std::move(sizes)) {}
-  void append(std::span<const std::uint8_t> payload, int samples, Bytes& stream) override;
+  void append(const CodedFrame& frame, Bytes& stream) override;
   std::optional<Frame> take(std::span<const std::uint8_t> stream, bool ended, bool single) override;
 
  private:

@@ -1,42 +1,6 @@
 #include "codecs/g711/g711.h"
 
-#include <algorithm>
-#include <array>
-
 namespace codecs::g711 {
-namespace {
-
-// Code word: sign, 3 bits of segment, 4 bits of interval. The value is the middle of the interval, on a 16-bit scale.
-
-// ITU-T G.711 table 2: all bits are inverted on the line; segments start at 33 * 2^segment - 33 in 14-bit units.
-constexpr int expandMuLaw(int code) {
-  constexpr int bias = 33 << 2;
-  const int word = ~code;
-  const int magnitude = ((((word & 15) << 3) + bias) << (word >> 4 & 7)) - bias;
-  return word & 128 ? -magnitude : magnitude;
-}
-
-// ITU-T G.711 table 1: the even bits are inverted on the line; the two lowest segments have the same step.
-constexpr int expandALaw(int code) {
-  const int word = code ^ 0x55;
-  const int segment = word >> 4 & 7;
-  const int middle = ((word & 15) << 4) + 8;
-  const int magnitude = segment == 0 ? middle : (middle + 256) << (segment - 1);
-  return word & 128 ? magnitude : -magnitude;
-}
-
-using Expansion = std::array<Zpp16s, 256>;
-
-constexpr Expansion tabulate(int (*expand)(int)) {
-  Expansion table = {};
-  for (int code = 0; code < 256; ++code) table[static_cast<std::size_t>(code)] = static_cast<Zpp16s>(expand(code));
-  return table;
-}
-
-constexpr Expansion muLaw = tabulate(expandMuLaw);
-constexpr Expansion aLaw = tabulate(expandALaw);
-
-}  // namespace
 
 template <Law law>
 void Encoder<law>::encode(const Zpp16s* pcm, int samples, Zpp8u* payload) {
@@ -46,8 +10,8 @@ void Encoder<law>::encode(const Zpp16s* pcm, int samples, Zpp8u* payload) {
 
 template <Law law>
 void Decoder<law>::decode(const Zpp8u* payload, int octets, Zpp16s* pcm) {
-  constexpr const Expansion& table = law == Law::mu ? muLaw : aLaw;
-  std::transform(payload, payload + octets, pcm, [](Zpp8u code) { return table[code]; });
+  constexpr auto expand = law == Law::mu ? zppsMuLawToLin_8u16s : zppsALawToLin_8u16s;
+  require(expand(payload, pcm, octets));
 }
 
 template class Encoder<Law::mu>;

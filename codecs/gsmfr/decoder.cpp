@@ -38,9 +38,8 @@ void Decoder::synthesise(const Frame& frame, Zpp16s* pcm) {
   decodeResidual(frame, residual);
   std::copy_n(residual + kFrame, kHistory, history_);
   forEachPart(frame.larCode, lar_, [&](const Zpp16s* refl, int first, int len) {
-    require(zppsShortTermSynthesisFilter_GSMFR_16s(refl, residual + kHistory + first, pcm + first, len, lattice_));
+    require(zppsSpeechSynthesis_GSMFR_16s(refl, residual + kHistory + first, pcm + first, len, lattice_, &emphasis_));
   });
-  require(zppsDeemphasize_GSMFR_16s_I(pcm, kFrame, &emphasis_));
 }
 
 // residual: the history, behind which the frame's samples are written

@@ -93,6 +93,11 @@ ZPPAPI ZppStatus zppsRPEQuantDecode_GSMFR_16s(const Zpp16s* pulses, Zpp16s* dst,
  * sample before upscaling. */
 ZPPAPI ZppStatus zppsDeemphasize_GSMFR_16s_I(Zpp16s* srcDst, int len, Zpp16s* memory);
 
+/* zppsShortTermSynthesisFilter_GSMFR_16s and, of its output, zppsDeemphasize_GSMFR_16s_I in one call, which takes little longer
+ * than the first of them. memory: 8 signals of the lattice. *emphasis: the memory of the de-emphasis. dst may be src. */
+ZPPAPI ZppStatus zppsSpeechSynthesis_GSMFR_16s(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* memory,
+                                               Zpp16s* emphasis);
+
 /* Voice activity detection and comfort noise. */
 
 /* *size = 320, bytes of a detector's state. Status: zppStsOk, zppStsNullPointer. */

@@ -84,7 +84,7 @@ typedef struct {
   Zpp32s minor;          /* 1 */
   Zpp32s majorBuild;     /* 12 */
   Zpp32s build;          /* 5 */
-  char targetCpu[4];     /* processor level of the build: "px", "a6" (SSE), "w7" (SSE2) or "t7" (SSE3), two zero bytes */
+  char targetCpu[4];     /* processor level of the build: "px", "a6" (SSE), "w7" (SSE2), "t7" (SSE3) or "v3" (AVX2), two zero bytes */
   const char* Name;      /* file name of the shared object */
   const char* Version;   /* "v4.1" */
   const char* BuildDate; /* "Jul 22 2004" */

@@ -5,7 +5,7 @@ using namespace zpp;
 
 namespace {
 
-constexpr char kLevelNames[][4] = {"px", "a6", "w7", "t7"};
+constexpr char kLevelNames[][4] = {"px", "a6", "w7", "t7", "v3"};
 constexpr const char* kLevelName = kLevelNames[static_cast<int>(buildLevel)];
 
 constexpr ZppLibraryVersion kVersion = {

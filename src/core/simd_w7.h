@@ -1,4 +1,4 @@
-// Thin wrappers over SSE2 for kernels of 16- and 32-bit integers. Include it from *_w7.cpp (and *_t7.cpp) files only.
+// Thin wrappers over SSE2 for kernels of 16- and 32-bit integers. Include it from *_w7.cpp, *_t7.cpp and *_v3.cpp files only.
 #pragma once
 
 #include <emmintrin.h>

@@ -16,8 +16,10 @@ inline constexpr int kGsmFrShortestLag = 40, kGsmFrLongestLag = 120;
   KERNEL(ownLARDecode_GSMFR_16s, W7, void(const Zpp16s* larCode, Zpp16s* lar))                                          \
   KERNEL(ownLARToRefl_GSMFR_16s, W7, void(const Zpp16s* prevLar, const Zpp16s* lar, Zpp16s* refl))                      \
   KERNEL(ownShortTermAnalysisFilter_GSMFR_16s_I, W7, void(const Zpp16s* refl, Zpp16s* srcDst, int len, Zpp16s* memory)) \
-  KERNEL(ownShortTermSynthesisFilter_GSMFR_16s, W7,                                                                     \
+  KERNEL(ownShortTermSynthesisFilter_GSMFR_16s, W7,                                                                  \
          void(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* memory))                             \
+  KERNEL(ownSpeechSynthesis_GSMFR_16s, W7,                                                                           \
+         void(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* memory, Zpp16s* emphasis))           \
   KERNEL(ownLTPCorrelation_GSMFR_16s, W7, LagMax(const Zpp16s* target, const Zpp16s* history))                          \
   KERNEL(ownLTPPredict_GSMFR_16s, W7, void(const Zpp16s* history, Zpp16s* dst, int lag, int gain))                      \
   KERNEL(ownWeightingFilter_GSMFR_16s, W7, void(const Zpp16s* src, Zpp16s* dst))

@@ -17,3 +17,11 @@ ZppStatus zppsShortTermSynthesisFilter_GSMFR_16s(const Zpp16s* refl, const Zpp16
   ownShortTermSynthesisFilter_GSMFR_16s(refl, src, dst, len, memory);
   return zppStsOk;
 }
+
+ZppStatus zppsSpeechSynthesis_GSMFR_16s(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* memory,
+                                        Zpp16s* emphasis) {
+  if (anyNull(refl, src, dst, memory, emphasis)) return zppStsNullPointer;
+  if (len < 1) return zppStsBadSize;
+  ownSpeechSynthesis_GSMFR_16s(refl, src, dst, len, memory, emphasis);
+  return zppStsOk;
+}

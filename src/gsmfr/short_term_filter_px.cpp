@@ -27,3 +27,9 @@ void ownShortTermSynthesisFilter_GSMFR_16s_PX(const Zpp16s* refl, const Zpp16s* 
     dst[n] = memory[0] = forward;
   }
 }
+
+void ownSpeechSynthesis_GSMFR_16s_PX(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* memory,
+                                     Zpp16s* emphasis) {
+  ownShortTermSynthesisFilter_GSMFR_16s_PX(refl, src, dst, len, memory);
+  ownDeemphasize_GSMFR_16s_I_PX(dst, len, emphasis);
+}

@@ -39,7 +39,7 @@ inline constexpr int kLpcOrder = 10;
 //   halved as told, prevLsp when there are fewer than ten; precision 10 or 11: LspPolynomials in chebyshev.h.
 #define ZPP_LPC_KERNELS(KERNEL)                                                                                                \
   KERNEL(ownPartialCorr_16s32s, W7, void(const Zpp16s* src1, const Zpp16s* src2, int len, Zpp32s* dst, int lags))              \
-  KERNEL(ownCorr_16s32s, W7, void(const Zpp16s* src1, const Zpp16s* src2, int len, Zpp32s* dst, int lags))                     \
+  KERNEL(ownCorr_16s32s, W7_V3, void(const Zpp16s* src1, const Zpp16s* src2, int len, Zpp32s* dst, int lags))                  \
   KERNEL(ownCrossCorr_16s32s_Sfs, W7, void(const Zpp16s* target, const Zpp16s* signal, int len, Zpp32s* dst, int scaleFactor)) \
   KERNEL(ownCrossCorr_NormM_16s, W7, void(const Zpp16s* target, const Zpp16s* signal, int len, Zpp16s* dst))                   \
   KERNEL(ownCrossCorrLagMax_16s, W7, LagMax(const Zpp16s* src1, const Zpp16s* src2, int len, int maxLag))                      \

@@ -36,6 +36,7 @@ std::vector<Export> gsmfrExports() {
       row(FUNCTION(zppsRPEQuant_GSMFR_16s), src, out("pulses", 13), result("grid"), result("amplitude"), result("maximum")),
       row(FUNCTION(zppsRPEQuantDecode_GSMFR_16s), in("pulses", 13), dst40, scale("amplitude", 33, {-1, 64, INT16_MIN}),
           coded("grid", 3, {-1, 4, INT16_MIN, INT16_MAX})),
+      row(FUNCTION(zppsSpeechSynthesis_GSMFR_16s), refl, src, dst40, length("src"), lattice, inOut("emphasis", 1)),
       row(FUNCTION(zppsDeemphasize_GSMFR_16s_I), inOut("srcDst", 40), length("srcDst"), inOut("memory", 1)),
       row(FUNCTION(zppsVADGetSize_GSMFR_16s), result("size")),
       row(FUNCTION(zppsVADInit_GSMFR_16s), out("state", kVadState), choice("direction", 1, {-1, 2, INT32_MIN})),

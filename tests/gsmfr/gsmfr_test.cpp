@@ -7,6 +7,7 @@
 #include <functional>
 #include <random>
 
+#include "gsmfr/kernels.h"
 #include "support/golden.h"
 #include "zppsc.h"
 
@@ -144,6 +145,31 @@ TEST(Lattices, UndoEachOther) {
 }
 
 // -1 times -1 is the one product that does not fit.
+// Signals of every level, so that each stage comes to its limits one by one
+TEST(Lattices, SaturateAtEveryStageAsTheStandardDoes) {
+  const V16 shape = {32767, -12000, 0, 30000, 32767, -32768, 100, -20000, 32767, 32767, 32767, -32768};
+  const V16 coefficients[] = {{-28000, 20000, -9000, 7000, -5000, 4000, -3000, 2000},
+                              {32767, 0, 0, 0, 0, 0, 0, 0},
+                              {0, 32767, 0, 0, 0, 0, 0, 0},
+                              {-32767, 32767, 0, 0, 0, 0, 0, 0},
+                              {20000, -32767, 30000, -30000, 30000, -30000, 30000, -30000},
+                              {100, -100, 0, 0, 0, 0, 32767, 32767},
+                              {-32700, 32000, 1000, 0, 0, 0, 0, 32767}};
+  for (const V16& refl : coefficients)
+    for (int level = -32768; level < 32768; level += 5) {
+      V16 src, dst(shape.size()), expected(shape.size()), memory(8), expectedMemory(8);
+      for (const Zpp16s x : shape) src.push_back(static_cast<Zpp16s>((Zpp32s{x} * level) >> 15));
+      memory[2] = expectedMemory[2] = static_cast<Zpp16s>(level / 3);
+      Zpp16s emphasis = 0, expectedEmphasis = 0;
+      const int len = static_cast<int>(shape.size());
+      zppsSpeechSynthesis_GSMFR_16s(refl.data(), src.data(), dst.data(), len, memory.data(), &emphasis);
+      ownSpeechSynthesis_GSMFR_16s_PX(refl.data(), src.data(), expected.data(), len, expectedMemory.data(), &expectedEmphasis);
+      ASSERT_EQ(dst, expected) << level;
+      ASSERT_EQ(memory, expectedMemory) << level;
+      ASSERT_EQ(emphasis, expectedEmphasis) << level;
+    }
+}
+
 TEST(Lattices, TakeTheMostNegativeCoefficient) {
   const V16 refl(8, -32768);
   V16 signal(20, -32768), memory(8, -32768);
@@ -184,8 +210,7 @@ TEST(Pulses, ComeBackWithinAStepOfTheirAmplitude) {
     if (x < 4) continue;
     ASSERT_EQ(grid, 2);
     ASSERT_NEAR(decoded[17], src[17], std::max(32, x / 7)) << x;
-    for (std::size_t n = 0; n < 40; ++n)
-      ASSERT_TRUE(n % 3 == 2 || decoded[n] == 0) << "off the grid";
+    for (std::size_t n = 0; n < 40; ++n) ASSERT_TRUE(n % 3 == 2 || decoded[n] == 0) << "off the grid";
   }
 }
 

@@ -31,6 +31,13 @@ DRIVE(ownShortTermSynthesisFilter_GSMFR_16s, upTo(130, {13, 120})) {
   const auto* src = rig.in<Zpp16s>(n, static_cast<Zpp16s>(-level), level);
   rig.run(refl, src, rig.out<Zpp16s>(n), n, rig.inOut<Zpp16s>(kGsmFrOrder, static_cast<Zpp16s>(-level - 1), level));
 }
+DRIVE(ownSpeechSynthesis_GSMFR_16s, upTo(130, {13, 120})) {
+  const Zpp16s level = rig.random.between(0, 1) == 0 ? 32767 : 3000;
+  const auto* refl = reflection(rig);
+  const auto* src = rig.in<Zpp16s>(n, static_cast<Zpp16s>(-level), level);
+  rig.run(refl, src, rig.out<Zpp16s>(n), n, rig.inOut<Zpp16s>(kGsmFrOrder, static_cast<Zpp16s>(-level - 1), level),
+          rig.inOut<Zpp16s>(1));
+}
 DRIVE(ownLTPCorrelation_GSMFR_16s, only({kGsmFrSubframe})) {
   rig.run(rig.in<Zpp16s>(n, -512, 512), rig.in<Zpp16s>(kGsmFrHistory));
 }

@@ -1,5 +1,12 @@
-// kernels_test [--seed N] [--bench] [NAME]: compares all processor variants of this build with the portable kernels, or times
-// them.
+// kernels_test [--seed N] [--bench | --count] [NAME]: compares all processor variants of this build with the portable kernels,
+// times them, or has callgrind count the instructions of the one that the library uses.
+#if __has_include(<valgrind/callgrind.h>)
+#include <valgrind/callgrind.h>
+#else
+#define CALLGRIND_ZERO_STATS
+#define CALLGRIND_DUMP_STATS_AT(what) (void)(what)
+#endif
+
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -51,6 +58,14 @@ void timeVariants(const std::string& kernel, int size, const std::vector<std::st
   }
 }
 
+void countVariants(const std::string& kernel, int size, const std::vector<std::function<void(int)>>& repeat) {
+  const std::string what = kernel + ' ' + std::to_string(size);
+  repeat.back()(1);
+  CALLGRIND_ZERO_STATS;
+  repeat.back()(1);
+  CALLGRIND_DUMP_STATS_AT(what.c_str());
+}
+
 }  // namespace test
 
 int main(int argc, char** argv) {
@@ -61,6 +76,8 @@ int main(int argc, char** argv) {
       options.seed = std::strtoull(argv[++i], nullptr, 0);
     else if (argument == "--bench")
       options.bench = true;
+    else if (argument == "--count")
+      options.bench = options.count = true;
     else
       options.filter = argument;
   }

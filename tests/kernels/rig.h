@@ -245,14 +245,17 @@ Sizes sizesOf();
 #define ZPP_USE_A6(name) ZPP_USE_ONE(name, a6, A6)
 #define ZPP_USE_W7(name) ZPP_USE_ONE(name, w7, W7)
 #define ZPP_USE_T7(name) ZPP_USE_ONE(name, t7, T7)
+#define ZPP_USE_V3(name) ZPP_USE_ONE(name, v3, V3)
 #define ZPP_USE_A6_W7(name) ZPP_USE_A6(name) ZPP_USE_W7(name)
 #define ZPP_USE_W7_T7(name) ZPP_USE_W7(name) ZPP_USE_T7(name)
+#define ZPP_USE_A6_V3(name) ZPP_USE_A6(name) ZPP_USE_V3(name)
+#define ZPP_USE_W7_V3(name) ZPP_USE_W7(name) ZPP_USE_V3(name)
 
 // --- The program's list ----------------------------------------------------------------------------------------------
 
 struct Options {
   std::uint64_t seed = 1;
-  bool bench = false;
+  bool bench = false, count = false;  // count: with bench, instructions instead of time
   std::string filter;
 };
 
@@ -265,6 +268,8 @@ void checkVariants(const std::string& kernel, const Options& options, Tally& tal
                    const std::vector<std::string>& variants, const Sizes& sizes);
 void timeVariants(const std::string& kernel, int size, const std::vector<std::string>& names,
                   const std::vector<std::function<void(int)>>& repeat);
+// Of the last variant, for callgrind: a dump of the counts of sixteen calls
+void countVariants(const std::string& kernel, int size, const std::vector<std::function<void(int)>>& repeat);
 
 template <class Kernel>
 void runKernel(const Options& options, Tally& tally) {
@@ -312,7 +317,10 @@ void runKernel(const Options& options, Tally& tally) {
           for (auto& rig : rigs)
             for (auto& call : rig->calls) call(f);
       });
-    timeVariants(name, size, names, repeat);
+    if (options.count)
+      countVariants(name, size, repeat);
+    else
+      timeVariants(name, size, names, repeat);
   }
 }
 

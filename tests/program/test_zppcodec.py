@@ -7,6 +7,7 @@ import array
 import math
 import os
 import pty
+import resource
 import select
 import shutil
 import signal
@@ -399,6 +400,10 @@ class Refusals(ProgramTest):
             (["decode", "-c", "g711-alaw", "--framing", "aal2", "--raw", speech, out], ["aal2", "octets"]),
             (["bench", "-c", "nothing"], ["nothing"]),
             (["bench", "--framing", "aal2"], ["--codec"]),
+            (["encode", "-c", "g726-32", "--raw", "", out], ["IN", "empty"]),
+            (["encode", "-c", "g726-32", "--raw", speech, ""], ["OUT", "empty"]),
+            (["roundtrip", "-c", "g726-32", "--raw", speech, ""], ["OUT", "empty"]),
+            (["encode", "-c", "amr", "--rates", "", "--raw", speech, out], ["--rates", "empty"]),
         ):
             with self.subTest(args=args):
                 self.assertRefused(run(*args), 1, *words)
@@ -431,6 +436,9 @@ class Refusals(ProgramTest):
             (["encode", "-c", "g726-32", "--raw", speech, self.folder], ["cannot write", "directory"]),
             (["encode", "-c", "g726-32", "--raw", speech, os.path.join(empty, "out")], ["cannot write"]),
             (["encode", "-c", "g726-32", "--raw", speech, "/dev/full"], ["cannot write", "No space"]),
+            (["encode", "-c", "g726-32", "--raw", speech, out + "/"], ["cannot write", "directory"]),
+            (["decode", "-c", "g726-32", self.path("a\n\x1b[7m\x7f\u009bb"), out], [r"a\x0a\x1b[7m\x7f\xc2\x9bb"]),
+            (["decode", "-c", "g726-32", self.path("größer"), out], ["größer"]),
         ):
             with self.subTest(args=args):
                 self.assertRefused(run(*args), 2, *words)
@@ -486,6 +494,43 @@ class Files(ProgramTest):
         self.assertEqual(self.content("out"), data("speech.g726-32.rfc3551"))
         self.assertEqual(os.stat(out).st_mode & 0o777, 0o640)
         self.assertFiles("speech.pcm", "odd", "out", "link")
+
+    def test_links_are_written_through(self):
+        speech = self.file("speech.pcm", data("speech.pcm"))
+        os.mkdir(self.path("folder"))
+        for link, target in (("dangling", "folder/new"), ("chain", "dangling"), ("loop", "pool"), ("pool", "loop"),
+                             ("lost", "none/new")):
+            os.symlink(target, self.path(link))
+        files = os.listdir(self.folder)
+        self.assertRefused(self.encode(speech, self.path("loop")), 2, "loop", "symbolic links")
+        self.assertRefused(self.encode(speech, self.path("lost")), 2, "lost", "No such file")
+        self.assertDone(self.encode(speech, self.path("chain")))
+        self.assertFiles(*files)
+        self.assertTrue(all(os.path.islink(self.path(link)) for link in ("dangling", "chain", "loop", "pool", "lost")))
+        self.assertEqual(os.listdir(self.path("folder")), ["new"])
+        self.assertEqual(self.content("folder/new"), data("speech.g726-32.rfc3551"))
+
+    def test_a_full_disk_or_a_size_limit_leaves_nothing(self):
+        speech = self.file("speech.pcm", data("speech.pcm"))
+        for program in ("encode", "roundtrip"):
+            limited = subprocess.run([PROGRAM, program, "-c", "g711-alaw", "--raw", speech, self.path("out")], capture_output=True,
+                                     preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (1000, 1000)))
+            self.assertRefused(limited, 2, "cannot write", "large")
+            self.assertFiles("speech.pcm")
+
+    def test_names_of_any_length_that_the_system_allows(self):
+        speech = self.file("speech.pcm", data("speech.pcm"))
+        longest = "n" * 255
+        self.assertDone(self.encode(speech, self.path(longest)))
+        self.assertRefused(self.encode(speech, self.path(longest + "n")), 2, "name too long")
+        deep = self.path("d" * 200)
+        while len(deep) + 256 < 4095:
+            deep += "/" + "d" * min(200, 4095 - len(deep) - 3)
+        os.makedirs(deep)
+        deep += "/" + "n" * (4095 - len(deep) - 1)
+        self.assertDone(self.encode(speech, deep))
+        self.assertTrue(os.path.isfile(deep))
+        self.assertFiles("speech.pcm", longest, "d" * 200)
 
     def test_a_new_output_has_the_usual_permissions(self):
         speech = self.file("speech.pcm", data("speech.pcm"))

@@ -6,10 +6,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <csignal>
-#include <cstdio>
 #include <cstring>
-#include <filesystem>
+#include <system_error>
 
 #include "errors.h"
 
@@ -25,15 +23,6 @@ struct stat statusOf(int descriptor) {
 
 bool sameFile(const struct stat& a, const struct stat& b) {
   return S_ISREG(a.st_mode) && S_ISREG(b.st_mode) && a.st_dev == b.st_dev && a.st_ino == b.st_ino;
-}
-
-// The temporary file of the moment, for the signal handler.
-const char* volatile unfinished = nullptr;
-
-void removeUnfinished(int signal) {
-  if (unfinished != nullptr) unlink(unfinished);
-  std::signal(signal, SIG_DFL);
-  raise(signal);
 }
 
 }  // namespace
@@ -99,50 +88,35 @@ std::optional<std::uint64_t> InputFile::size() const {
 }
 
 OutputFile::OutputFile(const std::string& path, const InputFile& input) : name_(path == "-" ? "standard output" : path) {
+  const auto refuse = [this](const std::string& why) { return DataError("cannot write " + name_ + ": " + why); };
   struct stat status = {};
   const bool standard = path == "-";
   const bool exists = (standard ? fstat(STDOUT_FILENO, &status) : stat(path.c_str(), &status)) == 0;
-  if (exists && sameFile(status, statusOf(input.descriptor()))) {
+  if (!exists && errno != ENOENT) throw refuse(reason());
+  if (exists && sameFile(status, statusOf(input.descriptor())))
     throw UsageError(name_ + " is the input itself; give the output another name");
-  }
   if (standard) {
     descriptor_ = STDOUT_FILENO;
   } else if (exists && S_ISDIR(status.st_mode)) {
-    throw DataError("cannot write " + name_ + ": it is a directory, not a file");
+    throw refuse("it is a directory, not a file");
   } else if (exists && !S_ISREG(status.st_mode)) {
     descriptor_ = open(path.c_str(), O_WRONLY | O_CLOEXEC);
-    if (descriptor_ < 0) throw DataError("cannot write " + name_ + ": " + reason());
+    if (descriptor_ < 0) throw refuse(reason());
   } else {
-    if (exists && access(path.c_str(), W_OK) != 0) throw DataError("cannot write " + name_ + ": " + reason());
-    createTemporary(path);
+    if (exists && access(path.c_str(), W_OK) != 0) throw refuse(reason());
     const mode_t mask = umask(0);
     umask(mask);
-    fchmod(descriptor_, exists ? status.st_mode & 0777 : 0666 & ~mask);
-  }
-}
-
-void OutputFile::createTemporary(const std::string& path) {
-  std::error_code error;
-  const std::filesystem::path resolved = std::filesystem::weakly_canonical(path, error);  // a link stays a link
-  target_ = error ? path : resolved.string();
-  temporary_ = target_ + ".XXXXXX";
-  descriptor_ = mkostemp(temporary_.data(), O_CLOEXEC);
-  if (descriptor_ < 0) {
-    temporary_.clear();
-    throw DataError("cannot write " + name_ + ": " + reason());
-  }
-  unfinished = temporary_.c_str();
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    if (std::signal(signal, removeUnfinished) == SIG_IGN) std::signal(signal, SIG_IGN);
+    try {
+      temporary_.emplace(linkTarget(path), exists ? status.st_mode & 0777 : 0666 & ~mask);  // a link stays a link
+    } catch (const std::system_error& error) {
+      throw refuse(error.code().message());
+    }
+    descriptor_ = temporary_->descriptor();
   }
 }
 
 OutputFile::~OutputFile() {
-  if (!temporary_.empty()) {
-    unfinished = nullptr;
-    unlink(temporary_.c_str());
-  }
-  if (descriptor_ > STDERR_FILENO) close(descriptor_);
+  if (!temporary_ && descriptor_ > STDERR_FILENO) close(descriptor_);
 }
 
 void OutputFile::write(std::span<const std::uint8_t> bytes) {
@@ -159,12 +133,10 @@ void OutputFile::write(std::span<const std::uint8_t> bytes) {
 }
 
 void OutputFile::commit() {
-  if (temporary_.empty()) return;
-  const int descriptor = descriptor_;
-  descriptor_ = -1;
-  if (close(descriptor) != 0 || std::rename(temporary_.c_str(), target_.c_str()) != 0) {
-    throw DataError("cannot write " + name_ + ": " + reason());
+  if (!temporary_) return;
+  try {
+    temporary_->replace();
+  } catch (const std::system_error& error) {
+    throw DataError("cannot write " + name_ + ": " + error.code().message());
   }
-  unfinished = nullptr;
-  temporary_.clear();
 }

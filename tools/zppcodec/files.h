@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "temporary_file.h"
+
 class InputFile {
  public:
   explicit InputFile(const std::string& path);
@@ -46,11 +48,8 @@ class OutputFile {
   void commit();
 
  private:
-  void createTemporary(const std::string& path);
-
   std::string name_;
-  std::string target_;     // the file to replace; empty when written at once
-  std::string temporary_;  // beside the target
+  std::optional<TemporaryFile> temporary_;  // none when written at once
   int descriptor_ = -1;
 };
 

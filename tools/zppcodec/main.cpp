@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <iostream>
 #include <optional>
+#include <string_view>
 
 #include "codecs/registry.h"
 #include "commands.h"
@@ -98,14 +99,18 @@ int run(int argc, char** argv) {
     sub->add_flag("--dtx", wishes.dtx, "Discontinuous transmission: send little or nothing in pauses");
     return sub->add_option("-c,--codec", wishes.codec, "The codec: " + joined(namesOf(codecs::framing::catalogue())));
   };
+  const auto name = [&](CLI::App* sub, const char* option, std::string& value, const char* help) {
+    const auto complaint = [](const std::string& text) { return std::string(text.empty() ? "the name is empty" : ""); };
+    return sub->add_option(option, value, help)->check(CLI::Validator(complaint, ""));
+  };
   const auto chooseEncoder = [&](CLI::App* sub) {
-    sub->add_option("--rates", job.rates, "File of 16-bit words, low byte first: for each frame the index of its bit rate");
+    name(sub, "--rates", job.rates, "File of 16-bit words, low byte first: for each frame the index of its bit rate");
     sub->add_option("--vad", wishes.vad, "Voice activity detector of GSM-AMR, 1 or 2")->check(CLI::Range(1, 2));
     sub->add_flag("--no-highpass", wishes.noHighPass, "Leave out the encoder's high-pass filter");
   };
   const auto chooseDecoder = [&](CLI::App* sub) {
-    sub->add_option("--lost", job.lost, "File of 16-bit words, low byte first: another one than 0 marks the frame as lost");
-    sub->add_option("--frame-types", job.frameTypes, "Text file of numbers: for each frame its receive type by the standard");
+    name(sub, "--lost", job.lost, "File of 16-bit words, low byte first: another one than 0 marks the frame as lost");
+    name(sub, "--frame-types", job.frameTypes, "Text file of numbers: for each frame its receive type by the standard");
     sub->add_flag("--no-postfilter", wishes.noPostfilter, "Leave out the decoder's postfilter");
   };
   const char* rawHelp = "PCM is raw 16-bit little-endian, without a header";
@@ -115,29 +120,29 @@ int run(int argc, char** argv) {
   chooseCodec(encode)->required();
   chooseEncoder(encode);
   encode->add_flag("--raw", job.raw, rawHelp);
-  encode->add_option("IN", job.in, "Speech: WAV or what else libsndfile reads, one channel; - for standard input")->required();
-  encode->add_option("OUT", job.out, "Bit stream; - for standard output")->required();
+  name(encode, "IN", job.in, "Speech: WAV or what else libsndfile reads, one channel; - for standard input")->required();
+  name(encode, "OUT", job.out, "Bit stream; - for standard output")->required();
 
   CLI::App* decode = command("decode", "Decode a bit stream to speech", decodeFile);
   chooseCodec(decode)->required();
   chooseDecoder(decode);
   decode->add_flag("--raw", job.raw, rawHelp);
-  decode->add_option("IN", job.in, "Bit stream; - for standard input")->required();
-  decode->add_option("OUT", job.out, "Speech: .wav, .flac, .au or .aiff; - for standard output (WAV)")->required();
+  name(decode, "IN", job.in, "Bit stream; - for standard input")->required();
+  name(decode, "OUT", job.out, "Speech: .wav, .flac, .au or .aiff; - for standard output (WAV)")->required();
 
   CLI::App* trip = command("roundtrip", "Code and decode speech and print the signal-to-noise ratio", roundtrip);
   chooseCodec(trip)->required();
   trip->add_flag("--raw", job.raw, rawHelp);
   trip->add_flag("--tsv", job.tsv, tsvHelp);
-  trip->add_option("IN", job.in, "Speech; - for standard input")->required();
-  trip->add_option("OUT", job.out, "The decoded speech");
+  name(trip, "IN", job.in, "Speech; - for standard input")->required();
+  name(trip, "OUT", job.out, "The decoded speech");
 
   CLI::App* timing = command("bench", "Time the codecs", bench);
   CLI::Option* chosen = chooseCodec(timing);
   timing->get_option("--framing")->needs(chosen);
   timing->add_flag("--raw", job.raw, rawHelp);
   timing->add_flag("--tsv", job.tsv, tsvHelp);
-  timing->add_option("IN", job.in, "Speech to code; a synthetic signal without it");
+  name(timing, "IN", job.in, "Speech to code; a synthetic signal without it");
 
   command("list", "List the codecs", list)->add_flag("--tsv", job.tsv, tsvHelp);
 
@@ -155,18 +160,40 @@ int run(int argc, char** argv) {
   return 0;
 }
 
+// The sentence that tells what went wrong, on one line whatever the names in it are made of: control characters, those of
+// UTF-8 beyond ASCII too, show as their octets.
+void complain(std::string_view sentence) {
+  std::string text;
+  for (std::size_t n = 0; n < sentence.size(); ++n) {
+    const auto octet = [&](std::size_t at) { return at < sentence.size() ? static_cast<unsigned char>(sentence[at]) : 0u; };
+    const bool wide = octet(n) == 0xc2 && octet(n + 1) >= 0x80 && octet(n + 1) < 0xa0;
+    char escaped[9];
+    if (wide)
+      std::snprintf(escaped, sizeof escaped, "\\xc2\\x%02x", octet(++n));
+    else
+      std::snprintf(escaped, sizeof escaped, "\\x%02x", octet(n));
+    if (wide || octet(n) < 0x20 || octet(n) == 0x7f)
+      text += escaped;
+    else
+      text += sentence[n];
+  }
+  std::cerr << "zppcodec: " << text << '\n';
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::signal(SIGPIPE, SIG_IGN);  // a closed pipe shows as a failed write
+  // A closed pipe and a file at its limit show as failed writes.
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
   int status = 2;
   try {
     return run(argc, argv);
   } catch (const UsageError& error) {
-    std::cerr << "zppcodec: " << error.what() << '\n';
+    complain(error.what());
     status = 1;
   } catch (const std::exception& error) {
-    std::cerr << "zppcodec: " << error.what() << '\n';
+    complain(error.what());
   }
   return status;
 }

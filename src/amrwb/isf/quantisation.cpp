@@ -42,7 +42,7 @@ void quantise(const Zpp16s* x, const Codebook& stage1, const Codebook* parts, in
     for (int part = 0; part < count; ++part) {
       const Codebook& book = parts[part];
       const NearestEntry nearest =
-          ownNearestIsf_AMRWB_16s(rest + book.first - stage1.first, book.components, book.dimension, book.entries);
+          ownNearestIsf_AMRWB_16s(rest + (book.first - stage1.first), book.components, book.dimension, book.entries);
       index[part] = nearest.index;
       total = addSat32(total, nearest.distance);
     }
