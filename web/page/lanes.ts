@@ -113,7 +113,9 @@ function drawCells(
       image.data.set(colours.subarray(colour, colour + 3), at);
       image.data[at + 3] = 255;
     }
-  const cells = new OffscreenCanvas(columns, grid.bins);
+  const cells = document.createElement("canvas");
+  cells.width = columns;
+  cells.height = grid.bins;
   cells.getContext("2d")!.putImageData(image, 0, 0);
   const perSecond = width / (view.to - view.from);
   g.imageSmoothingQuality = "high";

@@ -10,6 +10,9 @@ function $<T extends HTMLElement = HTMLElement>(id: string): T {
   return document.getElementById(id) as T;
 }
 
+// Compilers from Debian do not know it yet.
+declare const DecompressionStream: new (format: "gzip") => ReadableWritablePair<Uint8Array, Uint8Array>;
+
 /** What a build put into the page, packed by gzip */
 async function embedded(id: string): Promise<ArrayBuffer> {
   const packed = Uint8Array.from(atob($(id).textContent ?? ""), (c) => c.charCodeAt(0));
