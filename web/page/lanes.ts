@@ -130,10 +130,10 @@ export function drawSpectrogram(canvas: HTMLCanvasElement, grid: Spectrogram, vi
 
 export const widestChange = 30; // dB at the ends of the ramp
 
-/** Where the decoded speech is louder or quieter than the original; what both have below -85 dB is left out. */
+/** Where the decoded speech is louder or quieter than the original; what both have below -75 dB is left out. */
 export function drawChange(canvas: HTMLCanvasElement, before: Spectrogram, after: Spectrogram, view: View, palette: Palette) {
   drawCells(canvas, before, view, palette.change, 127.5, (cell) => {
-    const change = Math.max(-85, levelOf(after.levels[cell]!)) - Math.max(-85, levelOf(before.levels[cell]!));
+    const change = Math.max(-75, levelOf(after.levels[cell]!)) - Math.max(-75, levelOf(before.levels[cell]!));
     return (change / widestChange + 1) * 127.5;
   });
 }
