@@ -14,18 +14,19 @@ inline V mulRoundWrapQ15(V a, V b) {
 }
 
 // x - mulRound(a, b) and x + mulRound(a, b), modulo 2^32. The bit that a shift to the right moves out last is the carry, which
-// rounds at no cost in time; as few ports take additions with carry, recursions do best with both ways.
+// rounds at no cost in time; as few ports of x86 take additions with carry, recursions do best
+// there with both ways.
 inline Zpp32s minusRounded(Zpp32s x, Zpp32s a, Zpp32s b) {
   const Zpp32u product = static_cast<Zpp32u>(a) * static_cast<Zpp32u>(b);
   return subWrap32(x, static_cast<Zpp32s>(product + 16384) >> 15);
 }
 inline Zpp32s plusRounded(Zpp32s x, Zpp32s a, Zpp32s b) {
+#if defined(__x86_64__) || defined(__i386__)
   auto product = static_cast<Zpp32s>(static_cast<Zpp32u>(a) * static_cast<Zpp32u>(b));
-#if defined(__i386__) || defined(__x86_64__)
   asm("sarl $15, %0\n\tadcl %1, %0" : "+&r"(product) : "g"(x) : "cc");
   return product;
 #else
-  return addWrap32(x, (product >> 15) + (product >> 14 & 1));
+  return addWrap32(x, static_cast<Zpp32s>(static_cast<Zpp32u>(a) * static_cast<Zpp32u>(b) + 16384) >> 15);
 #endif
 }
 

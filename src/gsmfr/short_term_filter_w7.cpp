@@ -96,6 +96,7 @@ struct Seen {
 // A stage of the lattice: s -= mulRound(r, from), then to = from + mulRound(r, s), modulo 2^32. What limits the filter beside
 // its products is the number of instructions, and compilers would spend a third more of them on copies and spills.
 inline void stage(const Zpp32s& r, Zpp32s& s, const Zpp32s& from, Zpp32s& to) {
+#if defined(__x86_64__) || defined(__i386__)
   Zpp32s product;
   asm("movl %[r], %[product]\n\t"
       "imull %[from], %[product]\n\t"
@@ -109,6 +110,10 @@ inline void stage(const Zpp32s& r, Zpp32s& s, const Zpp32s& from, Zpp32s& to) {
       : [s] "+&r"(s), [to] "=&r"(to), [product] "=&r"(product)
       : [from] "r"(from), [r] "m"(r)
       : "cc");
+#else
+  s = minusRounded(s, r, from);
+  to = plusRounded(from, r, s);
+#endif
 }
 
 constexpr Zpp32s kEmphasis = 28180;  // Q15

@@ -19,6 +19,7 @@ import unittest
 import wave
 
 from selenium import webdriver
+from selenium.webdriver.chrome.service import Service
 from selenium.webdriver.common.action_chains import ActionChains
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
@@ -95,8 +96,7 @@ def start_browser(*arguments):
                      "--use-fake-ui-for-media-stream", *arguments):
         options.add_argument(argument)
     options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
-    browser = webdriver.Chrome(service=webdriver.ChromeService("/usr/bin/chromedriver"), options=options) if hasattr(
-        webdriver, "ChromeService") else webdriver.Chrome(executable_path="/usr/bin/chromedriver", options=options)
+    browser = webdriver.Chrome(service=Service("/usr/bin/chromedriver"), options=options)
     browser.set_script_timeout(120)
     return browser
 
