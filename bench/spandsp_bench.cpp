@@ -44,6 +44,6 @@ struct G726 {
 
 void enterSpandsp() {
   enter("g711-alaw", "libspandsp", 8000, G711{G711_ALAW});
-  enter("g711-ulaw", "libspandsp", 8000, G711{G711_ULAW});
+  enter("g711-mulaw", "libspandsp", 8000, G711{G711_ULAW});
   for (const int rate : {16, 24, 32, 40}) enter("g726-" + std::to_string(rate), "libspandsp", 8000, G726{1000 * rate});
 }

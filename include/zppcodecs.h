@@ -92,7 +92,8 @@ ZPPCAPI const ZppcCodec* zppcFindCodec(const char* name);
 /* The version of this library, "major.minor". */
 ZPPCAPI const char* zppcVersion(void);
 
-/* What a result below zero means, in a few words without a full stop. Never null. */
+/* What a result below zero means, in a few words without a full stop. Never null.
+ * error: a result below zero. */
 ZPPCAPI const char* zppcErrorText(int error);
 
 /* How a stream is coded. All zero: the codec's defaults. */
@@ -110,10 +111,11 @@ typedef struct {
 ZPPCAPI long zppcEncoderSize(const ZppcCodec* codec);
 ZPPCAPI long zppcDecoderSize(const ZppcCodec* codec);
 
-/* Starts a stream in the caller's memory: `bytes` bytes at any address, at least as many as zppc...Size tells. options may be
- * null: the defaults. Returns the stream, which lies in the memory and ends with it; there is nothing to release. Returns null
- * on an error. *error, unless error is null, receives 0 or the error: in this order ZPPC_ERROR_NULL for codec or memory,
- * ZPPC_ERROR_CODEC, ZPPC_ERROR_OPTION, ZPPC_ERROR_SIZE. */
+/* Starts a stream in the caller's memory. Returns the stream, which lies in the memory and ends with it; there is nothing to
+ * release. Returns null on an error.
+ * memory: at any address. bytes: of the memory, at least as many as zppc...Size tells. codec: a row of the table. options: null
+ * for the defaults. error: null, or receives 0 or the error.
+ * Errors, in this order: ZPPC_ERROR_NULL for codec or memory; ZPPC_ERROR_CODEC; ZPPC_ERROR_OPTION; ZPPC_ERROR_SIZE. */
 ZPPCAPI ZppcEncoder* zppcEncoderInit(void* memory, size_t bytes, const ZppcCodec* codec, const ZppcOptions* options,
                                      int* error);
 ZPPCAPI ZppcDecoder* zppcDecoderInit(void* memory, size_t bytes, const ZppcCodec* codec, const ZppcOptions* options,
@@ -125,22 +127,24 @@ ZPPCAPI ZppcDecoder* zppcDecoderCreate(const ZppcCodec* codec, const ZppcOptions
 ZPPCAPI void zppcEncoderDestroy(ZppcEncoder* encoder);
 ZPPCAPI void zppcDecoderDestroy(ZppcDecoder* decoder);
 
-/* Sets the bit rate from the next frame on.
+/* Sets the bit rate from the next frame on. bitRate: bit/s.
  * Returns 0; ZPPC_ERROR_NULL; ZPPC_ERROR_OPTION for a rate that the codec does not have, or a codec without
  * ZPPC_FEATURE_RATE_SWITCH. */
 ZPPCAPI int zppcEncoderSetBitRate(ZppcEncoder* encoder, int bitRate);
 
 /* Codes one frame; sample-based codecs one or more.
- * pcm: `samples` samples: frameSamples, of sample-based codecs a multiple of it. payload: `capacity` octets.
+ * samples: frameSamples, of sample-based codecs a multiple of it. pcm: as many samples. payload: the octets written.
+ * capacity: octets that it has room for.
  * Returns the octets written; 0 where nothing is sent. Errors, in this order: ZPPC_ERROR_NULL; ZPPC_ERROR_SIZE for another
  * number of samples; ZPPC_ERROR_CAPACITY for a capacity below maxPayload (sample-based: below the octets of these samples),
  * whatever this frame would need. */
 ZPPCAPI int zppcEncode(ZppcEncoder* encoder, const int16_t* pcm, int samples, uint8_t* payload, int capacity);
 
 /* Decodes the payload of one frame; sample-based codecs: of one or more.
- * payload: `octets` octets. Null: the frame was lost and is concealed; octets is then ignored. Not null and octets 0: nothing
- * was sent; a codec without discontinuous transmission takes that for a loss. Lost samples of sample-based codecs are silence,
- * as many as capacity tells. pcm: `capacity` samples. Returns the samples written. Errors, in this order: ZPPC_ERROR_NULL for
+ * payload: the frame's octets; null: the frame was lost and is concealed. octets: their number, which a null payload makes
+ * irrelevant; 0: nothing was sent, which a codec without discontinuous transmission takes for a loss. pcm: the samples written.
+ * capacity: samples that it has room for; lost samples of sample-based codecs are silence, as many as capacity tells.
+ * Returns the samples written. Errors, in this order: ZPPC_ERROR_NULL for
  * decoder or pcm; ZPPC_ERROR_SIZE for a number of octets that no payload of this stream has; ZPPC_ERROR_CAPACITY;
  * ZPPC_ERROR_PAYLOAD for octets that are no payload of this codec. */
 ZPPCAPI int zppcDecode(ZppcDecoder* decoder, const uint8_t* payload, int octets, int16_t* pcm, int capacity);

@@ -75,6 +75,7 @@ static GstFlowReturn fill(Decoder* self, GstClockTime duration) {
   const ZppcCodec* const codec = classOf(self)->codec;
   const gboolean sampleBased = (codec->features & ZPPC_FEATURE_SAMPLE_BASED) != 0;
   const GstClockTime frame = durationOf(codec, codec->frameSamples);
+  if (!GST_CLOCK_TIME_IS_VALID(duration)) duration = frame;
   const int frames = (int)((MIN(duration, 60 * GST_SECOND) + frame / 2) / frame);
   if (frames == 0) return GST_FLOW_OK;
   const int samples = frames * codec->frameSamples, step = sampleBased ? samples : codec->frameSamples;
@@ -95,9 +96,9 @@ static GstFlowReturn handleFrame(GstAudioDecoder* decoder, GstBuffer* buffer) {
 
   GstMapInfo payload, pcm;
   if (!gst_buffer_map(buffer, &payload, GST_MAP_READ)) return GST_FLOW_ERROR;
-  /* No payload of a frame has fewer octets than one, no sample fewer bits than two. */
-  const int capacity =
-      codec->features & ZPPC_FEATURE_SAMPLE_BASED ? 4 * (int)payload.size : codec->frameSamples * (int)payload.size;
+  /* No payload of a frame has fewer octets than one, no sample fewer bits than two; a frame is what broken octets give. */
+  const int most = (int)payload.size * (codec->features & ZPPC_FEATURE_SAMPLE_BASED ? 4 : codec->frameSamples);
+  const int capacity = MAX(most, codec->frameSamples);
   GstBuffer* const out = gst_audio_decoder_allocate_output_buffer(decoder, 2 * (gsize)capacity);
   gst_buffer_map(out, &pcm, GST_MAP_WRITE);
   gint16* const speech = (gint16*)pcm.data;

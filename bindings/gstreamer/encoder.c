@@ -83,7 +83,8 @@ static GstFlowReturn handleFrame(GstAudioEncoder* encoder, GstBuffer* buffer) {
   GST_OBJECT_UNLOCK(self);
   if (bitRate != self->options.bitRate && codec->features & ZPPC_FEATURE_RATE_SWITCH) {
     self->options.bitRate = bitRate;
-    (void)zppcEncoderSetBitRate(self->stream, bitRate != 0 ? bitRate : codec->defaultBitRate);
+    if (zppcEncoderSetBitRate(self->stream, bitRate != 0 ? bitRate : codec->defaultBitRate) < 0)
+      GST_WARNING_OBJECT(self, "%s does not have %d bit/s; the bit rate stays", codec->name, bitRate);
   }
 
   GstMapInfo pcm, payload;

@@ -21,17 +21,32 @@ void LpAnalysis::analyse(const Zpp16s* speech, const Zpp16s* window, Zpp16s* a) 
     std::memcpy(a, lastA_, sizeof lastA_);
 }
 
+namespace {
+
+// Powers of a factor, Q15, 1 as nearly as it goes: a coefficient of 4096 stays what it is.
+struct Powers {
+  constexpr explicit Powers(Zpp16s factor) {
+    for (Zpp16s power = factor; Zpp16s & p : q15) {
+      if (&p == q15) continue;
+      p = power;
+      power = static_cast<Zpp16s>((power * factor + 0x4000) >> 15);
+    }
+  }
+  Zpp16s q15[kSet] = {32767};
+};
+constexpr Powers kPowers94(30802), kPowers90(29491), kPowers60(19661);
+
+}  // namespace
+
 Weighting::Weighting(const Zpp16s* a, int mode) {
-  const Zpp16s gamma1 = mode <= k795 ? 30802 : 29491, gamma2 = 19661;  // 0.94 or 0.9, 0.6 in Q15
-  require(zppsMulPowerC_NR_16s_Sfs(a, gamma1, numerator, kSet, 15));
-  require(zppsMulPowerC_NR_16s_Sfs(a, gamma2, denominator, kSet, 15));
+  require(zppsMul_NR_16s_Sfs(a, (mode <= k795 ? kPowers94 : kPowers90).q15, numerator, kSet, 15));
+  require(zppsMul_NR_16s_Sfs(a, kPowers60.q15, denominator, kSet, 15));
 }
 
-void PerceptualWeighting::weigh(const Zpp16s* speech, const Zpp16s* a, int mode, Zpp16s* dst) {
+void PerceptualWeighting::weigh(const Zpp16s* speech, const Weighting* filters, Zpp16s* dst) {
   for (int k = 0; k < kSubframes; ++k, dst += kSubframe) {
-    const Weighting filter(a + kSet * k, mode);
-    require(zppsResidualFilter_G729_16s(filter.numerator, speech + kSubframe * k, dst, kSubframe));
-    warns(zppsSynthesisFilter_GSMAMR_16s(filter.denominator, dst, dst, kSubframe, memory_));
+    require(zppsResidualFilter_G729_16s(filters[k].numerator, speech + kSubframe * k, dst, kSubframe));
+    warns(zppsSynthesisFilter_GSMAMR_16s(filters[k].denominator, dst, dst, kSubframe, memory_));
     std::memcpy(memory_, dst + kSubframe - kOrder, sizeof memory_);
   }
 }

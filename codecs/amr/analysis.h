@@ -22,10 +22,10 @@ struct Weighting {
   Weighting(const Zpp16s* a, int mode);
 };
 
-// Speech weighted for the open-loop search; the first sample needs 10 before it. dst: 160
+// Speech weighted for the open-loop search by the filters of the subframes; the first sample needs 10 before it. dst: 160
 class PerceptualWeighting {
  public:
-  void weigh(const Zpp16s* speech, const Zpp16s* a, int mode, Zpp16s* dst);
+  void weigh(const Zpp16s* speech, const Weighting* filters, Zpp16s* dst);
 
  private:
   Zpp16s memory_[kOrder] = {};

@@ -53,9 +53,11 @@ int Encoder::encode(const Zpp16s* pcm, Zpp8u* payload) {
   }
 
   Zpp16s* const weighted = weighted_ + kPastWeighted;
-  weighting_.weigh(frame, a, mode_, weighted);
+  const Weighting filters[kSubframes] = {Weighting(a, mode_), Weighting(a + kSet, mode_), Weighting(a + 2 * kSet, mode_),
+                                         Weighting(a + 3 * kSet, mode_)};
+  weighting_.weigh(frame, filters, weighted);
   dtx_.searchOpenLoopPitch(weighted, lagMem_, gainFlag_, lags, rateOf(mode_));
-  if (!silence) subframes_.encode({mode_, frame, a, quantA, lags, gainFlag_}, guard_, lagMem_, writer);
+  if (!silence) subframes_.encode({mode_, frame, filters, quantA, lags, gainFlag_}, guard_, lagMem_, writer);
 
   std::memmove(speech_, speech_ + kFrame, kFrame * sizeof speech_[0]);
   std::memmove(weighted_, weighted_ + kFrame, kPastWeighted * sizeof weighted_[0]);

@@ -11,7 +11,7 @@ inline constexpr int kSidType = 8, kNoDataType = 15;  // frame types of a payloa
 
 // A frame's parameters one after the other, the most significant bit of each first, an octet a bit
 struct FrameBits {
-  Zpp8u at[kMaxBits] = {};
+  Zpp8u at[kMaxBits + 8] = {};  // those behind the bits of a frame are anything
 
   void put(const Zpp16s* parameters, const FrameLayout& layout);
   void get(Zpp16s* parameters, const FrameLayout& layout) const;

@@ -16,13 +16,13 @@ struct SubframeEncoder::Subframe {
         speech(frame.speech + kSubframe * k),
         quantA(frame.quantA + kSet * k),
         excitation(buffer + kPast + kSubframe * k),
-        weighting(frame.a + kSet * k, frame.mode) {}
+        weighting(frame.weighting[k]) {}
 
   int mode, number;
   ZppSpeechRate rate;
   const Zpp16s *openLoopLags, *speech, *quantA;
   Zpp16s* excitation;  // of this subframe, with the past before it
-  Weighting weighting;
+  const Weighting& weighting;
 
   Zpp16s impulse[kSubframe], residual[kSubframe], target[kSubframe];
   Zpp16s lag, lagIndex, vector[kSubframe], filteredVector[kSubframe], coefficients[4];

@@ -9,9 +9,9 @@ namespace codecs::amr {
 // What a frame's subframes share
 struct FrameAnalysis {
   int mode;
-  const Zpp16s* speech;  // 160, with 10 before them
-  const Zpp16s* a;       // 4 x 11, Q12, of the speech as it is
-  const Zpp16s* quantA;  // 4 x 11, Q12, of the synthesis filter
+  const Zpp16s* speech;        // 160, with 10 before them
+  const Weighting* weighting;  // of the subframes
+  const Zpp16s* quantA;        // 4 x 11, Q12, of the synthesis filter
   const Zpp16s* openLoopLags;
   const Zpp16s* gainFlag;
 };

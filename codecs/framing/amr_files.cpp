@@ -31,7 +31,7 @@ void AmrWords::append(const CodedFrame& frame, Bytes& stream) {
     mode = static_cast<unsigned>(sid.mode);
   }
   appendWord(received_ ? static_cast<unsigned>(kReceivedAs[type]) : type, stream);
-  for (const Zpp8u bit : bits.at) appendWord(bit, stream);
+  for (int n = 0; n < amr::kMaxBits; ++n) appendWord(bits.at[n], stream);
   appendWord(mode, stream);
   for (std::size_t n = kModeWord + 1; n < kWords; ++n) appendWord(0, stream);
 }

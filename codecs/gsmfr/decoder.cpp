@@ -37,19 +37,23 @@ void Decoder::synthesise(const Frame& frame, Zpp16s* pcm) {
   std::copy_n(history_, kHistory, residual);
   decodeResidual(frame, residual);
   std::copy_n(residual + kFrame, kHistory, history_);
-  forEachPart(frame.larCode, lar_, [&](const Zpp16s* refl, int first, int len) {
-    require(zppsSpeechSynthesis_GSMFR_16s(refl, residual + kHistory + first, pcm + first, len, lattice_, &emphasis_));
-  });
+  const auto refl = coefficients(frame.larCode, lar_);
+  require(zppsSpeechSynthesis_GSMFR_16s(refl.data(), residual + kHistory, pcm, lattice_, &emphasis_));
 }
 
-// residual: the history, behind which the frame's samples are written
+// residual: the history, behind which the frame's samples are written. The pulses of all subframes come first: vectors that are
+// read as soon as single pulses have been written to them wait for the memory.
 void Decoder::decodeResidual(const Frame& frame, Zpp16s* residual) {
-  for (const Subframe& s : frame.subframe) {
-    Zpp16s estimate[kSubframe], pulses[kSubframe];
-    if (s.lag >= kSubframe && s.lag <= kHistory) lag_ = s.lag;
-    require(zppsRPEQuantDecode_GSMFR_16s(s.pulses, pulses, s.amplitude, s.grid));
-    require(zppsLTPPredict_GSMFR_16s(residual, estimate, lag_, s.gain));
-    require(zppsAdd_16s(pulses, estimate, residual + kHistory, kSubframe));
+  Zpp16s pulses[kFrame], estimate[kSubframe];
+  for (int s = 0; s < kSubframes; ++s) {
+    const Subframe& subframe = frame.subframe[s];
+    require(zppsRPEQuantDecode_GSMFR_16s(subframe.pulses, pulses + kSubframe * s, subframe.amplitude, subframe.grid));
+  }
+  for (int s = 0; s < kSubframes; ++s) {
+    const Subframe& subframe = frame.subframe[s];
+    if (subframe.lag >= kSubframe && subframe.lag <= kHistory) lag_ = subframe.lag;
+    require(zppsLTPPredict_GSMFR_16s(residual, estimate, lag_, subframe.gain));
+    require(zppsAdd_16s(pulses + kSubframe * s, estimate, residual + kHistory, kSubframe));
     residual += kSubframe;
   }
 }

@@ -15,6 +15,8 @@ extern "C" {
  * only read must not overlap one that is written.
  */
 
+/* ---- GSM-AMR: algebraic codebook (TS 26.090 clauses 5.7 and 6.1) ------------------------------------------------------ */
+
 /* Searches the algebraic codebook (TS 26.090 clause 5.7).
  * lag: integer pitch lag of the subframe; from 1 to 39 impulse and code are sharpened: x[n] += (g * x[n - lag]) >> 15,
  *   ascending, g the doubled gain, saturated at 4.75, 5.15, 5.9 and 12.2 kbit/s, else kept to 16 bits.
@@ -55,6 +57,8 @@ ZPPAPI void _zppsToeplizMatrix_r67_GSMAMR_16s32s(const Zpp16s* impulse, const Zp
 ZPPAPI void _zppsToeplizMatrix_r59_GSMAMR_16s32s(const Zpp16s* impulse, const Zpp16s* sign, Zpp32s* matrix);
 ZPPAPI void _zppsToeplizMatrix_r515_GSMAMR_16s32s(const Zpp16s* impulse, const Zpp16s* sign, Zpp32s* matrix, Zpp16s subframe);
 
+/* ---- GSM-AMR: adaptive codebook (TS 26.090 clauses 5.5, 5.6 and 6.1) -------------------------------------------------- */
+
 /* Closed-loop pitch search (TS 26.090 clause 5.6).
  * target: 40, Q0. impulse: 40, Q12. openLoopLags: 2, the first for subframes 0 and 1, the second for 2 and 3.
  * lag: in: the previous subframe's integer lag, read in subframes coded relative to it (1, 3, and 2 at 4.75 and 5.15 kbit/s);
@@ -78,7 +82,8 @@ ZPPAPI ZppStatus zppsAdaptiveCodebookSearch_GSMAMR_16s(const Zpp16s* target, con
  * excitation: 194: 154 past samples, read only, then the vector, written.
  * lag: out: the integer lag of the vector; at 12.2 kbit/s in: the previous subframe's. Lags that no encoder sends are limited
  *   to 143 and to the rate's smallest; 144, where it is coded relative to the lag before, is sent, and may be repeated.
- * vector: 40, a copy of the vector. badFrame: not 0 for an erased frame. rate: ZPP_RATE_DTX decodes as ZPP_RATE_10200.
+ * vector: 40, a copy of the vector. badFrame: not 0 for an erased frame. backgroundNoise: not 0 in background noise.
+ * voicedHangover: 0..10, how long the voiced hangover lasts. rate: ZPP_RATE_DTX decodes as ZPP_RATE_10200.
  * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for the subframe; zppStsOutOfRange for the rate, then, except at 12.2
  * kbit/s, for a lagIndex outside 0..511. */
 ZPPAPI ZppStatus zppsAdaptiveCodebookDecode_GSMAMR_16s(Zpp16s lagIndex, Zpp16s* lastGoodLag, Zpp16s* decodedLag,
@@ -116,6 +121,8 @@ ZPPAPI ZppStatus zppsImpulseResponseTarget_GSMAMR_16s(const Zpp16s* speech, cons
  * log2, at first -2381; [4..7] energies for the other rates, Q10 of dB, at first -14336.
  */
 
+/* ---- GSM-AMR: LSPs (TS 26.090 clause 5.2) ----------------------------------------------------------------------------- */
+
 /* LP coefficients to LSPs (TS 26.090 clause 5.2.3). a: 11, Q12. prevLsp, lsp: 10, Q15, may be one buffer; with fewer than ten
  * roots lsp = prevLsp. */
 ZPPAPI ZppStatus zppsLPCToLSP_GSMAMR_16s(const Zpp16s* a, const Zpp16s* prevLsp, Zpp16s* lsp);
@@ -131,11 +138,13 @@ ZPPAPI ZppStatus zppsLSPQuant_GSMAMR_16s(const Zpp16s* lsp, Zpp16s* residualMem,
                                          ZppSpeechRate rate);
 
 /* Decodes LSPs, or substitutes those of an erased frame (TS 26.090 clause 6.1, TS 26.091). idx: as the quantiser writes it,
- * bits beyond an index's width are ignored; not used in a bad frame. residualMem: 10, in and out; zeros after ZPP_RATE_DTX,
- * which is never a bad frame. lsf: 10, in: the quantised LSFs of the frame before, out: this one's, 16384 = 4000 Hz, at first
- * the mean of the five-way quantiser. quantLsp: 10, at 12.2 kbit/s 20. */
+ * bits beyond an index's width are ignored; not used in a bad frame. badFrame: not 0 for an erased frame. residualMem: 10, in
+ * and out; zeros after ZPP_RATE_DTX, which is never a bad frame. lsf: 10, in: the quantised LSFs of the frame before, out: this
+ * one's, 16384 = 4000 Hz, at first the mean of the five-way quantiser. quantLsp: 10, at 12.2 kbit/s 20. */
 ZPPAPI ZppStatus zppsLSPDecode_GSMAMR_16s(const Zpp16s* idx, Zpp16s badFrame, Zpp16s* residualMem, Zpp16s* lsf,
                                           Zpp16s* quantLsp, ZppSpeechRate rate);
+
+/* ---- GSM-AMR: open-loop pitch (TS 26.090 clause 5.3) ------------------------------------------------------------------ */
 
 /* Open-loop pitch search (TS 26.090 clause 5.3): the lags of the two half frames.
  * weighted: 160, weighted speech, Q0; 143 samples before it are read. lags: 2.
@@ -156,6 +165,8 @@ ZPPAPI ZppStatus zppsOpenLoopPitchSearchDTXVAD1_GSMAMR_16s(const Zpp16s* weighte
 ZPPAPI ZppStatus zppsOpenLoopPitchSearchDTXVAD2_GSMAMR_16s32s(const Zpp16s* weighted, Zpp16s* lagMem, Zpp16s* gainFlag,
                                                               Zpp16s* lags, Zpp32s* correlation, Zpp16s* ltpFlag,
                                                               ZppSpeechRate rate);
+
+/* ---- GSM-AMR: voice activity detection and silence descriptors (TS 26.092 to 26.094) ---------------------------------- */
 
 /* Voice activity detection, option 1 (TS 26.094 clause 3). state: any alignment. speech: 160, the high-passed new samples; 40
  * samples before it are read. vadMem: as above; [2] in and out, the others read. flag: 0 or 1. */
@@ -178,13 +189,15 @@ ZPPAPI ZppStatus zppsDTXDecision_GSMAMR_16s(Zpp16s vadFlag, Zpp16s* dtxMem, Zpp1
  * logEnergyHist: 8, in and out: of the last eight frames, oldest first; at first the LSPs after reset, and zeros. */
 ZPPAPI ZppStatus zppsDTXHistory_GSMAMR_16s(const Zpp16s* speech, const Zpp16s* lsp, Zpp16s* lspHist, Zpp16s* logEnergyHist);
 
-/* The silence descriptor of the last eight frames (TS 26.092 clause 5.2). gainMem: 8, written. sid: 5: starting predictor,
+/* The silence descriptor of the last eight frames (TS 26.092 clause 5.2). lspHist: 80, logEnergyHist: 8, as above.
+ * gainMem: 8, written. sid: 5: starting predictor,
  * three LSF indices, energy index 0..63. */
 ZPPAPI ZppStatus zppsSIDQuant_GSMAMR_16s(const Zpp16s* lspHist, const Zpp16s* logEnergyHist, Zpp16s* gainMem, Zpp16s* sid);
 
-/* Quantises the pitch gain at 12.2 kbit/s (TS 26.090 clause 5.6.2). limit: Q14, 32767 for none. gain: Q14, in and out. idx:
- * 0..15.
- */
+/* ---- GSM-AMR: gains (TS 26.090 clauses 5.6.2, 5.8 and 6.1, TS 26.091) ------------------------------------------------- */
+
+/* Quantises the pitch gain at 12.2 kbit/s (TS 26.090 clause 5.6.2). limit: Q14, 32767 for none. gain: Q14, in and out.
+ * idx: 0..15. */
 ZPPAPI ZppStatus zppsPitchGainQuant_GSMAMR_16s(Zpp16s limit, Zpp16s* gain, Zpp16s* idx);
 
 /* Quantises the gains of a subframe (TS 26.090 clause 5.8).
@@ -200,14 +213,16 @@ ZPPAPI ZppStatus zppsGainQuant_GSMAMR_16s(const Zpp16s* target, const Zpp16s* co
                                           Zpp16s* adaptMem, Zpp16s* pitchGain, Zpp16s* codeGain, Zpp16s* idx,
                                           ZppSpeechRate rate);
 
-/* 4.75 kbit/s, subframes 0 and 2: measures for the next one. gainMem: read. unquantMem: 8, written: the prediction memory of
- * the next subframe. first: 14 words, written for zppsGainQuantSecond_GSMAMR_16s. codeGain: Q1, provisional. */
+/* 4.75 kbit/s, subframes 0 and 2: measures for the next one. target, codeTarget, filteredVector, filteredCode, code,
+ * coefficients: as above. gainMem: read. unquantMem: 8, written: the prediction memory of the next subframe. first: 14 words,
+ * written for zppsGainQuantSecond_GSMAMR_16s. codeGain: Q1, provisional. */
 ZPPAPI ZppStatus zppsGainQuantFirst_GSMAMR_16s(const Zpp16s* target, const Zpp16s* codeTarget, const Zpp16s* filteredVector,
                                                const Zpp16s* filteredCode, const Zpp16s* code, const Zpp16s* coefficients,
                                                const Zpp16s* gainMem, Zpp16s* unquantMem, Zpp16s* first, Zpp16s* codeGain);
 
-/* 4.75 kbit/s, subframes 1 and 3: quantises the gains of both, the vectors being this subframe's. gainMem: in and out.
- * pitchGain, codeGain: 2 each, Q14 and Q1. idx: 0..255. */
+/* 4.75 kbit/s, subframes 1 and 3: quantises the gains of both. target, codeTarget, filteredVector, filteredCode, code,
+ * coefficients: as above, this subframe's. limit: of the pitch gain, Q14. unquantMem, first: of the subframe before. gainMem:
+ * in and out. pitchGain, codeGain: 2 each, Q14 and Q1. idx: 0..255. */
 ZPPAPI ZppStatus zppsGainQuantSecond_GSMAMR_16s(const Zpp16s* target, const Zpp16s* codeTarget, const Zpp16s* filteredVector,
                                                 const Zpp16s* filteredCode, const Zpp16s* code, const Zpp16s* coefficients,
                                                 Zpp16s limit, const Zpp16s* unquantMem, const Zpp16s* first, Zpp16s* gainMem,
@@ -229,14 +244,18 @@ ZPPAPI ZppStatus zppsGainDecode_GSMAMR_16s(Zpp16s idx, const Zpp16s* code, Zpp16
 ZPPAPI ZppStatus zppsPitchGainConceal_GSMAMR_16s_I(Zpp16s* gain, Zpp16s* mem, const Zpp16s* condition);
 ZPPAPI ZppStatus zppsCodeGainConceal_GSMAMR_16s_I(Zpp16s* gain, Zpp16s* mem, Zpp16s* gainMem, const Zpp16s* condition);
 
-/* The code gain smoothed in stationary noise (TS 26.090 clause 6.1). prevLsf, lsf: 10, of the frame before and of this one.
+/* The code gain smoothed in stationary noise (TS 26.090 clause 6.1). codeGain: Q1. prevLsf, lsf: 10, of the frame before and of
+ * this one.
  * lsfMean: 10, their long-term mean. mem: 9 words, in and out: seven past gains, oldest first, count of changes, count of
  * stationary subframes; at first 0. smoothed: equal to codeGain at 7.4, 7.95 and 12.2 kbit/s. subframe: 0..3. */
 ZPPAPI ZppStatus zppsCodeGainSmooth_GSMAMR_16s(Zpp16s codeGain, const Zpp16s* prevLsf, const Zpp16s* lsf, const Zpp16s* lsfMean,
                                                Zpp16s* mem, Zpp16s* smoothed, const Zpp16s* condition, Zpp16s subframe,
                                                ZppSpeechRate rate);
 
-/* Anti-sparseness processing (TS 26.090 clause 6.1). code: 40, in and out, changed at 4.75 to 6.7 and at 7.95 kbit/s. mem: 8
+/* ---- GSM-AMR: excitation, synthesis and postfilter (TS 26.090 clause 6) ----------------------------------------------- */
+
+/* Anti-sparseness processing (TS 26.090 clause 6.1). pitchGain: Q14. codeGain: Q1. code: 40, in and out, changed at 4.75 to 6.7
+ * and at 7.95 kbit/s. mem: 8
  * words, in and out: five past pitch gains, newest first, last choice 0..2, last code gain, onset count; at first 0. */
 ZPPAPI ZppStatus zppsPhaseDispersion_GSMAMR_16s_I(Zpp16s pitchGain, Zpp16s codeGain, Zpp16s* code, Zpp16s* mem,
                                                   const Zpp16s* condition, ZppSpeechRate rate);
@@ -257,7 +276,8 @@ ZPPAPI ZppStatus zppsPitchEmphasis_GSMAMR_16s(const Zpp16s* vector, const Zpp16s
 ZPPAPI ZppStatus zppsSynthesisFilter_GSMAMR_16s(const Zpp16s* a, const Zpp16s* src, Zpp16s* dst, int len, const Zpp16s* hist);
 
 /* Detects background noise, once a speech frame (TS 26.091). speech: 160, before the postfilter. pitchGainHist: 9, oldest
- * first. energyHist: 60, in and out, oldest first; noiseCount; voicedHangover, 0..10: in and out, all at first 0.
+ * first. energyHist: 60, in and out, oldest first, at first 0. noiseCount: in and out, at first 0. voicedHangover: 0..10, in
+ * and out, at first 0.
  * backgroundNoise: 0 or 1. */
 ZPPAPI ZppStatus zppsBackgroundNoise_GSMAMR_16s(const Zpp16s* speech, const Zpp16s* pitchGainHist, Zpp16s* energyHist,
                                                 Zpp16s* noiseCount, Zpp16s* voicedHangover, Zpp16s* backgroundNoise);
@@ -267,16 +287,19 @@ ZPPAPI ZppStatus zppsBackgroundNoise_GSMAMR_16s(const Zpp16s* speech, const Zpp1
  * others 0. */
 ZPPAPI ZppStatus zppsPostFilter_GSMAMR_16s_I(const Zpp16s* a, Zpp16s* speech, Zpp16s* mem, ZppSpeechRate rate);
 
+/* ---- GSM-AMR: comfort noise (TS 26.092 clause 6) ---------------------------------------------------------------------- */
+
 /* Comfort noise (TS 26.092 clause 6, TS 26.093 clause 5.2). state: any alignment. Frame types: 0 good speech, 1 degraded
  * speech, 2 onset, 3 bad speech, 4 first silence descriptor, 5 update of it, 6 bad silence descriptor, 7 no data. States of the
  * decoder: 0 speech, 1 comfort noise, 2 comfort noise that fades. */
 ZPPAPI ZppStatus zppsComfortNoiseGetSize_GSMAMR_16s(Zpp32s* size); /* 416 */
 ZPPAPI ZppStatus zppsComfortNoiseInit_GSMAMR_16s(void* state);
 
-/* Takes note of a frame, whatever its type. prevState: after the frame before, at first 1. newState: of this one. */
+/* Takes note of a frame. frameType: 0..7, as above. prevState: after the frame before, at first 1. newState: of this one. */
 ZPPAPI ZppStatus zppsDTXReceive_GSMAMR_16s(Zpp16s frameType, Zpp16s prevState, Zpp16s* newState, void* state);
 
-/* A frame of comfort noise, for a newState of 1 or 2. sid: 5 words, the descriptor, used after a frame of type 5 only; bits
+/* A frame of comfort noise, for a newState of 1 or 2. prevState, newState: as of zppsDTXReceive_GSMAMR_16s. sid: 5 words, the
+ * descriptor, used after a frame of type 5 only; bits
  * beyond a word's width are ignored. residualMem: 10, lsf: 10, gainMem: 8, in and out, the decoder's. synthMem: 10, in and out,
  * past synthesis, oldest first. speech: 160. a: 4 x 11, Q12, four times the same. lsp: 10, Q15. rate: the speech rate in force.
  */

@@ -35,7 +35,8 @@ ZPPAPI ZppStatus zppsDownSampling_AMRWB_16s(const Zpp16s* src, Zpp16s* dst, int 
 ZPPAPI ZppStatus zppsUpSampling_AMRWB_16s(const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* mem);
 
 /* High-pass filters of order 2 or 3. state: 40 bytes.
- * Init: coef: 2 * order + 1: b0..b[order], then a1..a[order], factors of past outputs that are added; the history becomes 0.
+ * Init: the history becomes 0. coef: 2 * order + 1 values: b0..b[order], then a1..a[order], factors of past outputs that are
+ *   added.
  * Filter: len samples in place, len 1 or more. shift: 2 for coefficients in Q13 (50 Hz and weighted-speech filters: Q12 with
  *   order 3's gain), 1 for Q14 (400 Hz filter, whose output is a sixteenth).
  * Scale: the history times 2^shift, shift -31..31.
@@ -45,8 +46,8 @@ ZPPAPI ZppStatus zppsHighPassFilterInit_AMRWB_16s(const Zpp16s* coef, int order,
 ZPPAPI ZppStatus zppsHighPassFilter_AMRWB_16s_I(Zpp16s* srcDst, int len, int shift, void* state);
 ZPPAPI ZppStatus zppsHighPassFilterScale_AMRWB_16s(int shift, void* state);
 
-/* *shift: the largest left shift, 0..8, that leaves a bit of headroom to src[n] - gamma * src[n - 1]. src: len samples, len 1 or
- * more; prev: the one before; gamma: Q15. Status: zppStsOk; zppStsNullPointer; zppStsBadSize. */
+/* Headroom of the pre-emphasis. *shift: the largest left shift, 0..8, that leaves a bit of headroom to src[n] - gamma * src[n -
+ * 1]. src: len samples, len 1 or more; prev: the one before; gamma: Q15. Status: zppStsOk; zppStsNullPointer; zppStsBadSize. */
 ZPPAPI ZppStatus zppsPreemphasisScale_AMRWB_16s(const Zpp16s* src, int len, Zpp16s gamma, Zpp16s prev, int* shift);
 
 /* srcDst[n] = (srcDst[n] - gamma * srcDst[n - 1]) * 2^(shift - 1), from past inputs, rounded and saturated. len 1 or more;
@@ -67,7 +68,7 @@ ZPPAPI ZppStatus zppsDecimateBy2_AMRWB_16s_I(Zpp16s* srcDst, int len, Zpp16s* me
  * 1 or more. Status: zppStsOk; zppStsNullPointer; zppStsBadSize; zppStsOutOfRange for the lag. */
 ZPPAPI ZppStatus zppsHarmonicFilter_AMRWB_16s_I(Zpp16s gain, int lag, Zpp16s* srcDst, int len);
 
-/* ---- AMR-WB: linear prediction ---------------------------------------------------------------------------------------------- */
+/* ---- AMR-WB: linear prediction ---------------------------------------------------------------------------------------- */
 
 /* Windowing, autocorrelation and lag window (TS 26.190 clauses 5.2.1 and 5.2.2). src: 384, Q0. dst: lags 0..16, lag 0
  * normalised, the lowest bit of each clear. */
@@ -81,14 +82,16 @@ ZPPAPI ZppStatus zppsLevinsonDurbin_AMRWB_32s16s(const Zpp32s* src, Zpp16s* lpc,
  * which is the last reflection coefficient. prevIsp: 16, delivered where fewer than 15 roots are found; isp may be prevIsp. */
 ZPPAPI ZppStatus zppsLPCToISP_AMRWB_16s(const Zpp16s* lpc, Zpp16s* isp, const Zpp16s* prevIsp);
 
-/* ISPs to frequencies and back (TS 26.190 clause 5.2.5). isp, isf: order elements; isp Q15; isf: 16384 is half the sampling
- * rate, and the last element on half that scale. ISFs outside 0..16384 count as the nearest of these. In place is allowed.
+/* ISPs to frequencies and back (TS 26.190 clause 5.2.5). order: 16 or 20. isp: order elements, Q15. isf: order elements, 16384
+ * is half the sampling rate, and the last element on half that scale. ISFs outside 0..16384 count as the nearest of these. In
+ * place is allowed.
  * Status also: zppStsBadSize for an order other than 16 and 20. */
 ZPPAPI ZppStatus zppsISPToISF_AMRWB_16s(const Zpp16s* isp, Zpp16s* isf, int order);
 ZPPAPI ZppStatus zppsISFToISP_AMRWB_16s(const Zpp16s* isf, Zpp16s* isp, int order);
 
-/* ISPs to the LP filter (TS 26.190 clause 5.2.7). isp: order, Q15. lpc: order + 1, Q12. scaling: 0, coefficients beyond 16 bits
- * wrap; 1, the Q format is lowered by as many bits q (at most 4) as keep all in range, and lpc[0] is 4096 >> q.
+/* ISPs to the LP filter (TS 26.190 clause 5.2.7). order: 16 or 20. isp: order, Q15. lpc: order + 1, Q12. scaling: 0,
+ * coefficients beyond 16 bits wrap; 1, the Q format is lowered by as many bits q (at most 4) as keep all in range, and lpc[0]
+ * is 4096 >> q.
  * Status also: zppStsBadSize for an order other than 16 and 20. */
 ZPPAPI ZppStatus zppsISPToLPC_AMRWB_16s(const Zpp16s* isp, Zpp16s* lpc, int order, int scaling);
 
@@ -99,15 +102,15 @@ ZPPAPI ZppStatus zppsInterpolateISP_AMRWB_16s(const Zpp16s* prevIsp, const Zpp16
 /* LP residual, A(z). lpc: 17, Q12. src: len, with 16 before. dst: len. Status also: zppStsBadSize for a len below 1. */
 ZPPAPI ZppStatus zppsResidualFilter_AMRWB_16s(const Zpp16s* lpc, const Zpp16s* src, Zpp16s* dst, int len);
 
-/* LP synthesis, 1/A(z), in place. lpc: order + 1, lpc[0] telling the Q format. mem: order past outputs, oldest first; the last
- * ones on return. Status also: zppStsBadSize for a len below 1. order: 16 or 20, else zppStsOutOfRange. */
+/* LP synthesis, 1/A(z), in place. order: 16 or 20. lpc: order + 1, lpc[0] telling the Q format. mem: order past outputs, oldest
+ * first; the last ones on return. Status also: zppStsBadSize for a len below 1; zppStsOutOfRange for the order. */
 ZPPAPI ZppStatus zppsSynthesisFilter_AMRWB_16s_I(const Zpp16s* lpc, Zpp16s* srcDst, int len, int order, Zpp16s* mem);
 
-/* LP synthesis in double precision. lpc: 17. src: len, scaled by 2^scale, scale 0..8 (else zppStsBadScale). dst: len, with 16
+/* LP synthesis in double precision. lpc: 17. src: len, scaled by 2^scale. scale: 0..8, else zppStsBadScale. dst: len, with 16
  * past outputs before: 28 bits, 256 times the signal. Status also: zppStsBadSize for a len below 1. */
 ZPPAPI ZppStatus zppsSynthesisFilter_AMRWB_16s32s(const Zpp16s* lpc, const Zpp16s* src, Zpp32s* dst, int len, int scale);
 
-/* ---- AMR-WB: ISF quantisation ----------------------------------------------------------------------------------------------- */
+/* ---- AMR-WB: ISF quantisation ----------------------------------------------------------------------------------------- */
 
 /* Predictive multi-stage split vector quantisation (TS 26.190 clause 5.2.6). isf: 16. pastResidual: 16, of the last frame (at
  * the start 0); on return this frame's. quantIsf: 16, may be isf. index: 5 words of 8, 8, 7, 7 and 6 bits at 6.60 kbit/s, 7 words
@@ -156,8 +159,9 @@ ZPPAPI ZppStatus zppsAdaptiveCodebookSearch_AMRWB_16s(const Zpp16s* target, cons
 
 /* Chooses the filtered or, above 8.85, the plain adaptive vector and takes its contribution away. target, impulse: as above.
  * excitation: 65 and 1 before, the first 64 become the chosen vector. residualTarget: 64, in and out.
- * target2: 64, the target without the contribution; filteredVector: 64; gain: Q14, 0..1.2, with clip 1 0..0.95; coef: 4:
- * mantissa and exponent of the filtered vector's energy, then of its correlation with the target; select: 0 filtered, 1 plain.
+ * target2: 64, the target without the contribution; filteredVector: 64; gain: Q14, 0..1.2, with clip 1 0..0.95; clip: 0 or 1;
+ * coef: 4: mantissa and exponent of the filtered vector's energy, then of its correlation with the target; select: 0 filtered,
+ * 1 plain.
  * Status: zppStsOk; zppStsNullPointer; zppStsOutOfRange for clip other than 0 and 1 or the rate. */
 ZPPAPI ZppStatus zppsAdaptiveCodebookContribution_AMRWB_16s(const Zpp16s* target, const Zpp16s* impulse, Zpp16s* excitation,
                                                             Zpp16s* residualTarget, Zpp16s* target2, Zpp16s* filteredVector,
@@ -180,7 +184,7 @@ ZPPAPI ZppStatus zppsAdaptiveCodebookDecode_AMRWB_16s(Zpp16s index, const Zpp16s
                                                       Zpp16s* fraction, int subframe, int badFrame, int unusable, void* state,
                                                       ZppSpeechRate rate);
 
-/* ---- AMR-WB: algebraic codebook --------------------------------------------------------------------------------------------- */
+/* ---- AMR-WB: algebraic codebook --------------------------------------------------------------------------------------- */
 
 /* Codebook search (TS 26.190 clause 5.8). target: 64, without the adaptive codebook's contribution. residualTarget: 64, the same
  * in the domain of the residual. impulse: 64, Q12, response of the weighted synthesis filter with the sharpening.
@@ -191,14 +195,15 @@ ZPPAPI ZppStatus zppsAdaptiveCodebookDecode_AMRWB_16s(Zpp16s index, const Zpp16s
 ZPPAPI ZppStatus zppsAlgebraicCodebookSearch_AMRWB_16s(const Zpp16s* target, const Zpp16s* residualTarget, const Zpp16s* impulse,
                                                        Zpp16s* code, Zpp16s* filteredCode, Zpp16s* index, ZppSpeechRate rate);
 
-/* Decodes the words of the search; bits beyond a field's width are ignored. code: 64, Q9, not sharpened. */
+/* Decodes the words of the search. index: 1, 4 or 8 words as above, bits beyond a field's width are ignored. code: 64, Q9, not
+ * sharpened. */
 ZPPAPI ZppStatus zppsAlgebraicCodebookDecode_AMRWB_16s(const Zpp16s* index, Zpp16s* code, ZppSpeechRate rate);
 
-/* ---- AMR-WB: gains ---------------------------------------------------------------------------------------------------------- */
+/* ---- AMR-WB: gains ---------------------------------------------------------------------------------------------------- */
 
 /* Joint quantisation of the gains (TS 26.190 clause 5.9), 6 bits up to 8.85 kbit/s, 7 above.
- * target, filteredVector: 64, scaled by 2^scale. filteredCode, code: 64, Q9, code sharpened. coef: 4, mantissa and exponent of the
- * filtered vector's energy, then of its correlation with the target.
+ * target, filteredVector: 64, scaled by 2^scale. scale: see there. index: the codeword. filteredCode, code: 64, Q9, code
+ * sharpened. coef: 4, mantissa and exponent of the filtered vector's energy, then of its correlation with the target.
  * gainPitch: Q14; in the open-loop gain, which a search of 7 bits reads; out the quantised one. gainCode: Q16. mem: 4 past
  * quantised energies, newest first, Q10 (at the start -14336). clip: 1 keeps the pitch gain below 1. */
 ZPPAPI ZppStatus zppsGainQuant_AMRWB_16s(const Zpp16s* target, const Zpp16s* filteredVector, const Zpp16s* filteredCode,
@@ -212,9 +217,10 @@ ZPPAPI ZppStatus zppsGainQuant_AMRWB_16s(const Zpp16s* target, const Zpp16s* fil
 ZPPAPI ZppStatus zppsDecodeGain_AMRWB_16s(Zpp16s index, const Zpp16s* code, Zpp16s* gainPitch, Zpp32s* gainCode, Zpp16s* mem,
                                           int badFrame, int prevBadFrame, int unusable, int state, int vadHist, ZppSpeechRate rate);
 
-/* ---- AMR-WB: excitation ----------------------------------------------------------------------------------------------------- */
+/* ---- AMR-WB: excitation ----------------------------------------------------------------------------------------------- */
 
-/* How voiced a subframe is (TS 26.190 clause 6.1). vector: 64, scaled by 2^scale. code: 64, Q9. gainPitch: Q14. gainCode: Q0.
+/* How voiced a subframe is (TS 26.190 clause 6.1). vector: 64, scaled by 2^scale. scale: of the vector. code: 64, Q9.
+ * gainPitch: Q14. gainCode: Q0.
  * *factor: Q15, -32767 unvoiced .. 32767 voiced. */
 ZPPAPI ZppStatus zppsVoiceFactor_AMRWB_16s(const Zpp16s* vector, const Zpp16s* code, int scale, Zpp16s gainPitch, Zpp16s gainCode,
                                            Zpp16s* factor);
@@ -223,7 +229,7 @@ ZPPAPI ZppStatus zppsVoiceFactor_AMRWB_16s(const Zpp16s* vector, const Zpp16s* c
 ZPPAPI ZppStatus zppsExcitation_AMRWB_16s_I(const Zpp16s* code, Zpp16s* srcDst, Zpp16s gainCode, Zpp16s gainPitch);
 
 /* Noise and pitch enhancement, then the sum of both parts (TS 26.190 clause 6.1). code: 64, Q9. srcDst: 64, in the adaptive vector
- * scaled by 2^scale (0..8, else zppStsBadScale), out the enhanced excitation. gainPitch: Q14. gainCode: Q16. stability,
+ * scaled by 2^scale, out the enhanced excitation. scale: 0..8, else zppStsBadScale. gainPitch: Q14. gainCode: Q16. stability,
  * voiceFactor: Q15. mem: 1, smoothed code gain, Q16 (at the start 0). */
 ZPPAPI ZppStatus zppsExcitationEnhance_AMRWB_16s_I(const Zpp16s* code, Zpp16s* srcDst, Zpp16s gainPitch, Zpp32s gainCode,
                                                    Zpp16s stability, Zpp16s voiceFactor, int scale, Zpp32s* mem);
@@ -242,16 +248,16 @@ ZPPAPI ZppStatus zppsPhaseDispersion_AMRWB_16s_I(Zpp16s* srcDst, Zpp16s gainCode
 /* Noise of 80 samples with the energy of src: 64, an excitation scaled by 2^scale. seed: 1. */
 ZPPAPI ZppStatus zppsHighBandNoise_AMRWB_16s(const Zpp16s* src, Zpp16s* dst, int scale, Zpp16s* seed);
 
-/* *gain: Q15, 0.1 at least, from the spectral tilt of src: 64, the synthesis behind the 400 Hz filter. vadHist: frames since
- * the last active one. */
+/* Gain of the high band from the spectral tilt. *gain: Q15, 0.1 at least. src: 64, the synthesis behind the 400 Hz filter.
+ * vadHist: frames since the last active one. */
 ZPPAPI ZppStatus zppsHighBandGain_AMRWB_16s(const Zpp16s* src, int vadHist, Zpp16s* gain);
 
-/* Index 0..15 of the gain at 23.85 kbit/s. speech, noise: 80 each, behind the 6 to 7 kHz filter; estimate: Q15, the gain from
- * the tilt; weight: Q15, of the measured gain. */
+/* Coded gain of the high band at 23.85 kbit/s. *index: 0..15. speech, noise: 80 each, behind the 6 to 7 kHz filter; estimate:
+ * Q15, the gain from the tilt; weight: Q15, of the measured gain. */
 ZPPAPI ZppStatus zppsHighBandGainQuant_AMRWB_16s(const Zpp16s* speech, const Zpp16s* noise, Zpp16s estimate, Zpp16s weight,
                                                  Zpp16s* index);
 
-/* isf: 16, at 12.8 kHz, to isp: 20, Q15, at 16 kHz. */
+/* The high band's ISPs at 6.60 kbit/s from the ISFs. isf: 16, at 12.8 kHz. isp: 20, Q15, at 16 kHz. */
 ZPPAPI ZppStatus zppsISFExtrapolate_AMRWB_16s(const Zpp16s* isf, Zpp16s* isp);
 
 /* Filters of 31 taps in place. len 1 or more. band 0: 6 to 7 kHz, of a quarter of the input; 1: low-pass 7 kHz. mem: 30 past
@@ -266,11 +272,12 @@ ZPPAPI ZppStatus zppsHighBandFilter_AMRWB_16s_I(Zpp16s* srcDst, int len, int ban
 ZPPAPI ZppStatus zppsVADInit_AMRWB_16s(void* state);
 ZPPAPI ZppStatus zppsVAD_AMRWB_16s(const Zpp16s* src, Zpp16s* toneFlag, Zpp16s* vad, void* state);
 
-/* *logEnergy: the base-2 logarithm of half the energy of src: 256, Q7. */
+/* Level of a frame. src: 256. *logEnergy: base-2 logarithm of half the energy, Q7. */
 ZPPAPI ZppStatus zppsLogEnergy_AMRWB_16s(const Zpp16s* src, Zpp16s* logEnergy);
 
-/* The average ISFs of eight frames, outliers replaced. isfHistory: eight vectors of 16, the newest at index hist, 0..7;
- * logEnergyHistory: 8, Q7; distance: 28 and sumDistance: 8, the distances between the frames, in and out; isf: 16; dither: 1
+/* The average ISFs of eight frames, outliers replaced. isfHistory: eight vectors of 16. hist: 0..7, the newest of
+ * them. logEnergyHistory: 8, Q7; distance: 28, in and out, the distances between the frames; sumDistance: 8, in and out, their
+ * sums; isf: 16; dither: 1
  * where the noise is not stationary. Status: zppStsOk; zppStsNullPointer; zppStsOutOfRange for hist. */
 ZPPAPI ZppStatus zppsISFAverageDTX_AMRWB_16s(const Zpp16s* isfHistory, const Zpp16s* logEnergyHistory, int hist,
                                              Zpp32s* distance, Zpp32s* sumDistance, Zpp16s* isf, Zpp16s* dither);

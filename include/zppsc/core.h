@@ -15,6 +15,8 @@ extern "C" {
  * len below 1. Integer results saturate. Nothing is read or written outside the len elements.
  */
 
+/* ---- Setting and copying ---------------------------------------------------------------------------------------------- */
+
 /* dst[n] = 0 */
 ZPPAPI ZppStatus zppsZero_16s(Zpp16s* dst, int len);
 ZPPAPI ZppStatus zppsZero_32f(Zpp32f* dst, int len);
@@ -31,6 +33,8 @@ ZPPAPI ZppStatus zppsCopy_32f(const Zpp32f* src, Zpp32f* dst, int len);
 /* dst[n] = src[n]; the buffers may overlap in any way: the result is as if src were copied first. */
 ZPPAPI ZppStatus zppsMove_16s(const Zpp16s* src, Zpp16s* dst, int len);
 ZPPAPI ZppStatus zppsMove_32f(const Zpp32f* src, Zpp32f* dst, int len);
+
+/* ---- Arithmetic ------------------------------------------------------------------------------------------------------- */
 
 /* dst[n] = |src[n]|, 32767 for -32768 */
 ZPPAPI ZppStatus zppsAbs_16s(const Zpp16s* src, Zpp16s* dst, int len);
@@ -72,6 +76,8 @@ ZPPAPI ZppStatus zppsMulC_NR_16s_ISfs(Zpp16s* srcDst, Zpp16s value, int len, int
  * Checks pointers, then the scale factor (0 or more, else zppStsBadScale), then the length. */
 ZPPAPI ZppStatus zppsMulPowerC_NR_16s_Sfs(const Zpp16s* src, Zpp16s value, Zpp16s* dst, int len, int scaleFactor);
 
+/* ---- Shifts and conversions ------------------------------------------------------------------------------------------- */
+
 /* dst[n] = src[n] << shift; bits shifted out are lost, a shift beyond the width gives zeros.
  * Status also: zppStsShiftErr for a shift below 0. */
 ZPPAPI ZppStatus zppsLShiftC_16s(const Zpp16s* src, Zpp16s* dst, int len, int shift);
@@ -93,6 +99,8 @@ ZPPAPI ZppStatus zppsConvert_16s32s(const Zpp16s* src, Zpp32s* dst, int len);
  * src: 32-bit values. Status also: zppStsBadScale for a negative scale factor. */
 ZPPAPI ZppStatus _zppsConvert_NR_32s16s_Sfs(const Zpp32s* src, Zpp16s* dst, int len, int scaleFactor);
 
+/* ---- Sums and extremes ------------------------------------------------------------------------------------------------ */
+
 /* *sum = the sum of src, Sfs rule, saturated to 32 or 16 bits */
 ZPPAPI ZppStatus zppsSum_16s32s_Sfs(const Zpp16s* src, int len, Zpp32s* sum, int scaleFactor);
 ZPPAPI ZppStatus zppsSum_16s_Sfs(const Zpp16s* src, int len, Zpp16s* sum, int scaleFactor);
@@ -113,6 +121,8 @@ ZPPAPI ZppStatus zppsMin_32f(const Zpp32f* src, int len, Zpp32f* value);
 ZPPAPI ZppStatus zppsMaxIndx_32f(const Zpp32f* src, int len, Zpp32f* value, int* index);
 ZPPAPI ZppStatus zppsMinIndx_32f(const Zpp32f* src, int len, Zpp32f* value, int* index);
 ZPPAPI ZppStatus zppsMinIndx_16s(const Zpp16s* src, int len, Zpp16s* value, int* index);
+
+/* ---- Normalisation and roots ------------------------------------------------------------------------------------------ */
 
 /* Block normalisation: shifts all elements left by the count that brings the largest magnitude (-32768 counting as 32767) into
  * 16384..32767, and reports that count. An all-zero vector keeps its zeros with count 0.

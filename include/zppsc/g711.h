@@ -16,11 +16,6 @@ extern "C" {
 ZPPAPI ZppStatus zppsLinToMuLaw_16s8u(const Zpp16s* src, Zpp8u* dst, int len);
 ZPPAPI ZppStatus zppsLinToALaw_16s8u(const Zpp16s* src, Zpp8u* dst, int len);
 
-/* Expansion to the middle of each code's interval, on a 16-bit scale. src: len codes; dst: len samples.
- * Status: zppStsOk, zppStsNullPointer, zppStsBadSize for len below 1. */
-ZPPAPI ZppStatus zppsMuLawToLin_8u16s(const Zpp8u* src, Zpp16s* dst, int len);
-ZPPAPI ZppStatus zppsALawToLin_8u16s(const Zpp8u* src, Zpp16s* dst, int len);
-
 #ifdef __cplusplus
 }
 #endif

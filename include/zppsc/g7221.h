@@ -22,12 +22,12 @@ extern "C" {
  * dst must not overlap the others. Source: ITU-T G.722.1 clause 3.1. */
 ZPPAPI ZppStatus zppsDecomposeMLTToDCT_G722_16s(const Zpp16s* src, Zpp16s* srcDstOld, Zpp16s* dst);
 
-/* Forward DCT-IV with the analysis bias: dst[0..319] = the MLT coefficients of src[0..319], scaled to 16 bits by halving in
- * every splitting stage. src is unchanged unless dst is the same buffer. The sums of the 10-point core are exact and saturate
+/* Forward DCT-IV with the analysis bias. src: 320 values, unchanged unless dst is the same buffer. dst: 320 MLT coefficients,
+ * scaled to 16 bits by halving in every splitting stage. The sums of the 10-point core are exact and saturate
  * once. Source: ITU-T G.722.1 clause 3.2. */
 ZPPAPI ZppStatus zppsDCTFwd_G722_16s(const Zpp16s* src, Zpp16s* dst);
 
-/* Inverse DCT-IV with dither and synthesis bias: src: 320 MLT coefficients, unchanged unless dst is the same buffer; dst: 320
+/* Inverse DCT-IV with dither and synthesis bias. src: 320 MLT coefficients, unchanged unless dst is the same buffer; dst: 320
  * values for the synthesis window, once the caller has undone the block scaling. Stages saturate.
  * Source: ITU-T G.722.1 clause 4.6. */
 ZPPAPI ZppStatus zppsDCTInv_G722_16s(const Zpp16s* src, Zpp16s* dst);

@@ -16,6 +16,8 @@ extern "C" {
  * Source: ITU-T G.723.1 (fixed-point reference), clauses 2.4 to 2.7 for the spectrum, 2.18 for the adaptive codebook.
  */
 
+/* ---- G.723.1: LPC and LSF --------------------------------------------------------------------------------------------- */
+
 /* Autocorrelation of one analysis block: normalised to three guard bits, Hamming window, then as the function below.
  * src: 180 high-passed samples. autocorr: 11 lags. *exponent: left shift of the lags in all, negative for loud blocks; 40 for
  * a block of zeros. */
@@ -50,14 +52,16 @@ ZPPAPI ZppStatus _zppsLSFQuant_G723_16s_I(const Zpp16s* prevLsf, Zpp16s* lsf, Zp
 
 /* Decodes an LSF set and spreads it until neighbours keep their minimum distance.
  * index: three, the low 8 bits of each count; not read (but not null) when erased is not 0, which conceals a lost frame.
- * prevLsf: 10; lsf: 10, may be prevLsf.
+ * erased: 0, or another value for a lost frame. prevLsf: 10; lsf: 10, may be prevLsf.
  * Status: zppStsOk; zppStsNullPointer; zppStsLSFLowClamped when ten passes leave the set unstable: lsf then holds the tenth
  *   pass, and the standard goes on with the previous set. */
 ZPPAPI ZppStatus zppsLSFDecode_G723_16s(const Zpp16s* index, const Zpp16s* prevLsf, Zpp32s erased, Zpp16s* lsf);
 
-/* LSF to LPC. lsf: 10; lpc: 10, Q13 */
+/* LSF to LPC. lsf: 10; lpc: 10, Q13. lsfLpc: 10: LSF in, LPC out. */
 ZPPAPI ZppStatus zppsLSFToLPC_G723_16s(const Zpp16s* lsf, Zpp16s* lpc);
 ZPPAPI ZppStatus zppsLSFToLPC_G723_16s_I(Zpp16s* lsfLpc);
+
+/* ---- G.723.1: adaptive-codebook vector (clause 2.18) ------------------------------------------------------------------ */
 
 /* Adaptive-codebook vector of a subframe: the past excitation at lag + offset - 1 samples through the five-tap gain filter.
  * lag: 18 or more; offset: 0..3; lag + offset: up to 146. gainIndex: 0..169, with ZPP_RATE_6300 and a lag below 58 0..84, and
@@ -93,6 +97,8 @@ ZPPAPI ZppStatus _zppsAdaptiveCodebookDecode_G723_16s(const Zpp16s* taps, const 
  *   signs        6, 5, 6, 5 bits in the four subframes, at 5.3 kbit/s 4 bits
  */
 
+/* ---- G.723.1: high-pass filter, weighting and open-loop pitch (clauses 2.3 to 2.13) ----------------------------------- */
+
 /* High-pass filter (1 - z^-1) / (1 - 127/128 z^-1) at half the level.
  * srcDst: len samples. memory: the last input, the last output with 16 bits behind the point; 0 at first.
  * Status: zppStsNullPointer; zppStsBadSize for a len below 1. Clause 2.3. */
@@ -120,7 +126,7 @@ ZPPAPI ZppStatus zppsHarmonicNoiseShaping_G723_16s(const Zpp16s* src, Zpp16s* ds
 /* Filters of the four subframes from the LSF of two frames. prevLsf, lsf: 10; lpc: 40, subframe by subframe. Clause 2.7. */
 ZPPAPI ZppStatus zppsLSFInterpolation_G723_16s(const Zpp16s* prevLsf, const Zpp16s* lsf, Zpp16s* lpc);
 
-/* Impulse response (60, Q13) of synthesis, formant weighting and harmonic noise shaping.
+/* Impulse response of synthesis, formant weighting and harmonic noise shaping. impulse: 60, Q13.
  * lpc: 10, quantised. lag: 1..145; gain: Q15. Status: zppStsNullPointer; zppStsBadArgument for lag. Clause 2.12. */
 ZPPAPI ZppStatus zppsImpulseResponse_G723_16s(const Zpp16s* lpc, const Zpp16s* weighting, Zpp16s* impulse, Zpp16s lag,
                                               Zpp16s gain);
@@ -137,21 +143,26 @@ ZPPAPI ZppStatus zppsRingingSubtraction_G723_16s_I(const Zpp16s* lpc, const Zpp1
 ZPPAPI ZppStatus zppsRingingUpdate_G723_16s_I(const Zpp16s* lpc, const Zpp16s* weighting, const Zpp16s* excitation,
                                               Zpp16s* history, Zpp16s* memory);
 
+/* ---- G.723.1: codebook searches (clauses 2.14 to 2.17) ---------------------------------------------------------------- */
+
 /* Closed-loop search of delay and gain row of the adaptive codebook.
  * target, impulse: 60. history: the last 145 samples of excitation, oldest first. taming: 5, see zppsTamingUpdate_G723_32s_I.
  * *lag: in even subframes the open-loop lag (18..142) in, in odd ones the lag of the subframe before (18..141); 18..141 out.
  * *offset, *gainIndex: as zppsDecodeAdaptiveVector_G723_16s takes them. sineDetector: below 0 where the input is a sine.
+ * subframe: 0..3. rate: ZPP_RATE_5300 or ZPP_RATE_6300.
  * Status: zppStsNullPointer; zppStsOutOfRange for a subframe outside 0..3 and for the rate; zppStsBadArgument for *lag.
  * Clause 2.14. */
 ZPPAPI ZppStatus zppsAdaptiveCodebookSearch_G723(const Zpp16s* target, const Zpp16s* impulse, const Zpp16s* history,
                                                  const Zpp32s* taming, Zpp16s* lag, Zpp16s* offset, Zpp16s* gainIndex,
                                                  Zpp16s sineDetector, int subframe, ZppSpeechRate rate);
 
-/* Takes the filtered adaptive vector off the target. vector: of zppsDecodeAdaptiveVector_G723_16s; all 60. Clause 2.14. */
+/* Takes the filtered adaptive vector off the target. vector: of zppsDecodeAdaptiveVector_G723_16s; impulse, target: as
+ * above; all 60. Clause 2.14. */
 ZPPAPI ZppStatus zppsTargetUpdate_G723_16s_I(const Zpp16s* vector, const Zpp16s* impulse, Zpp16s* target);
 
 /* Follows how an error in the decoder's excitation would grow.
- * taming: estimates for 5 zones of 30 samples of past excitation, newest first; in and out; each 4 at first.
+ * taming: estimates for 5 zones of 30 samples of past excitation, newest first; in and out; each 4 at first. gainIndex: 0..169.
+ * rate: ZPP_RATE_5300 or ZPP_RATE_6300.
  * Status: zppStsNullPointer; zppStsOutOfRange for the rate; zppStsBadCodedParam for a lag outside 18..143, an offset outside
  *   0..3, lag + offset above 146, a gainIndex outside 0..169 (0..84 with ZPP_RATE_6300 and a lag below 58). Clause 2.14. */
 ZPPAPI ZppStatus zppsTamingUpdate_G723_32s_I(Zpp32s* taming, Zpp16s lag, Zpp16s offset, Zpp16s gainIndex, ZppSpeechRate rate);
@@ -161,6 +172,7 @@ ZPPAPI ZppStatus zppsTamingUpdate_G723_32s_I(Zpp32s* taming, Zpp16s lag, Zpp16s 
 ZPPAPI ZppStatus _zppsPitchPredictor_G723_16s(const Zpp16s* taps, const Zpp16s* history, Zpp16s* dst, int delay);
 
 /* Multipulse search of 6.3 kbit/s (MP-MLQ). target, impulse: 60. codeword: all zero when no choice of pulses is of any use.
+ * subframe: 0..3.
  * Status: zppStsNullPointer; zppStsOutOfRange for a subframe outside 0..3; zppStsBadCodedParam for lag. Clause 2.15. */
 ZPPAPI ZppStatus zppsMultiPulseSearch_G723_16s32s(const Zpp16s* target, const Zpp16s* impulse, Zpp32s* codeword, Zpp16s lag,
                                                   int subframe);
@@ -181,12 +193,15 @@ ZPPAPI ZppStatus zppsAlgebraicCodebookSearch_G723_16s32s(const Zpp16s* target, c
 ZPPAPI ZppStatus zppsGainQuant_G723_16s(const Zpp16s* target, const Zpp16s* filteredCode, Zpp16s* level);
 
 /* Fixed-codebook vector (60) of either rate, with pulse train or pitch contribution.
- * A number of a combination that does not exist gives zeros; of the signs the low bits count.
+ * A number of a combination that does not exist gives zeros; of the signs the low bits count. gainIndex: of the adaptive
+ * codebook, 0..169. subframe: 0..3. rate: ZPP_RATE_5300 or ZPP_RATE_6300.
  * Status: zppStsNullPointer; zppStsOutOfRange for a subframe outside 0..3 and for the rate; zppStsBadCodedParam for a gain
  *   level, grid or train outside its range, positions below 0 (5.3 kbit/s: or above 4095), lag, offset (0..3) or gainIndex
  *   (0..169). Clause 2.17. */
 ZPPAPI ZppStatus zppsFixedCodebookDecode_G723_32s16s(const Zpp32s* codeword, Zpp16s* dst, Zpp16s lag, Zpp16s offset,
                                                      Zpp16s gainIndex, int subframe, ZppSpeechRate rate);
+
+/* ---- G.723.1: concealment, synthesis and postfilters (clauses 3.6 to 3.10) -------------------------------------------- */
 
 /* Class of a good frame's excitation. src: 385 block-scaled samples, 145 of the past and the frame's 240.
  * lag: of the frame's second half. *period: 0 for unvoiced, else 15..145. *energy: for the comfort noise that may follow.
@@ -200,7 +215,8 @@ ZPPAPI ZppStatus zppsResidualInterpolation_G723_16s(Zpp16s* history, Zpp16s* see
                                                     int lossCount);
 
 /* Pitch postfilter of a subframe. src: the frame's 385 block-scaled samples of excitation, as above.
- * *filterLag: below 0 backward, above 0 forward, 0 none. *gain, *scale: Q15.
+ * *filterLag: below 0 backward, above 0 forward, 0 none. *gain, *scale: Q15. subframe: 0..3. rate: ZPP_RATE_5300 or
+ * ZPP_RATE_6300.
  * Status: zppStsNullPointer; zppStsOutOfRange for a subframe outside 0..3 and for the rate; zppStsBadCodedParam for lag.
  * Clause 3.6. */
 ZPPAPI ZppStatus zppsPitchPostFilterSearch_G723_16s(const Zpp16s* src, Zpp16s* filterLag, Zpp16s* gain, Zpp16s* scale,
@@ -223,6 +239,8 @@ ZPPAPI ZppStatus zppsFormantPostFilter_G723_16s_I(const Zpp16s* lpc, Zpp16s* src
  * Status: zppStsNullPointer; zppStsBadArgument for an energy below 0. Clause 3.9. */
 ZPPAPI ZppStatus zppsGainControl_G723_16s_I(Zpp16s* srcDst, Zpp16s* gain, Zpp32s energy);
 
+/* ---- G.723.1: voice activity detection and comfort noise (Annex A) ---------------------------------------------------- */
+
 /* Voice activity detection. src: the frame's 240 new samples behind the high-pass filter. lags: the open-loop lags of the two
  * frames before, oldest first (1, 1, 60, 60 at first). noiseLpc: 10 (0 at first). sineDetector: below 0 where the input is a
  * sine. levels: energy of the last frame, noise level; 1024, 1024 at first. counters: hangover, activity, adaptation; 3, 0, 0
@@ -230,7 +248,8 @@ ZPPAPI ZppStatus zppsGainControl_G723_16s_I(Zpp16s* srcDst, Zpp16s* gain, Zpp32s
 ZPPAPI ZppStatus zppsVAD_G723_16s(const Zpp16s* src, const Zpp16s* lags, const Zpp16s* noiseLpc, Zpp32s* levels,
                                   Zpp16s* counters, Zpp16s* vad, Zpp16s sineDetector);
 
-/* Sum of count (1..4) autocorrelations of 11 lags with their exponents (zppsAutoCorr_G723_16s), renormalised.
+/* Sum of count (1..4) autocorrelations with their exponents (zppsAutoCorr_G723_16s), renormalised. autocorr: 11 lags each;
+ * exponents: one each; dst: 11 lags; *exponent: their left shift.
  * Status: zppStsNullPointer; zppStsBadSize for count. Clause A.4. */
 ZPPAPI ZppStatus zppsAutoCorrSum_G723_16s(const Zpp16s* autocorr, const Zpp16s* exponents, Zpp16s* dst, Zpp16s* exponent,
                                           int count);
@@ -243,12 +262,13 @@ ZPPAPI ZppStatus zppsLPCAutoCorr_G723_16s(const Zpp16s* lpc, Zpp16s* dst, Zpp16s
 ZPPAPI ZppStatus zppsLPCSimilarity_G723_16s(const Zpp16s* lpcAutoCorr, const Zpp16s* autocorr, Zpp16s* similar, Zpp16s shift,
                                             Zpp16s energy);
 
-/* Index (0..63) of the comfort-noise gain. count 1..3: residual energies of as many frames with their exponents; count 0:
- * energy of zppsVoicingDecision_G723_16s and the shift of its block-scaled samples. Status: zppStsNullPointer;
- * zppStsBadArgument for count. Clause A.4. */
+/* Index of the comfort-noise gain. count: 0..3. energies, exponents: with a count of 1 to 3 the residual energies of as many
+ * frames and their exponents; with 0 the energy of zppsVoicingDecision_G723_16s and the shift of its block-scaled samples.
+ * *index: 0..63. Status: zppStsNullPointer; zppStsBadArgument for count. Clause A.4. */
 ZPPAPI ZppStatus zppsSIDGainQuant_G723_16s(const Zpp16s* energies, const Zpp16s* exponents, Zpp16s* index, int count);
 
-/* Gain of an index 0..63. Status: zppStsNullPointer; zppStsBadCodedParam for index. Clause A.4. */
+/* Gain of an index. index: 0..63. *gain: as zppsComfortNoise_G723_16s takes it. Status: zppStsNullPointer; zppStsBadCodedParam
+ * for index. Clause A.4. */
 ZPPAPI ZppStatus zppsSIDGainDecode_G723_16s(Zpp16s index, Zpp16s* gain);
 
 /* Comfort-noise excitation of a frame. history: 145, in and out. *seed: in and out; 12345 at the start of every pause.

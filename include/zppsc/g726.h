@@ -29,13 +29,15 @@ ZPPAPI ZppStatus zppsEncodeInit_G726_16s8u(void* state, Zpp32s rate);
  * samples. Status: zppStsOk, zppStsNullPointer, zppStsOutOfRange for the rate, then for the law. */
 ZPPAPI ZppStatus zppsDecodeInit_G726_8u16s(void* state, Zpp32s rate, Zpp32s law);
 
-/* src: len samples of 14-bit uniform PCM, -8192..8191 (16-bit speech shifted right by 2; expanded G.711 code words on the scale
+/* Codes len samples.
+ * src: len samples of 14-bit uniform PCM, -8192..8191 (16-bit speech shifted right by 2; expanded G.711 code words on the scale
  * where mu-law reaches 8031 and A-law 8064); others are coded as they are, a difference to the prediction beyond 16 bits
  * saturating. dst: len codes, one in the low 2, 3, 4 or 5 bits of each byte, the upper bits zero.
  * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len 0. */
 ZPPAPI ZppStatus zppsEncode_G726_16s8u(void* state, const Zpp16s* src, Zpp8u* dst, Zpp32u len);
 
-/* src: len codes, one a byte; the bits above the rate's width are ignored. dst: len values: linear samples -8192..8191 (times 4
+/* Decodes len codes.
+ * src: len codes, one a byte; the bits above the rate's width are ignored. dst: len values: linear samples -8192..8191 (times 4
  * for 16-bit speech), or law code words as transmitted, 0..255.
  * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len 0. */
 ZPPAPI ZppStatus zppsDecode_G726_8u16s(void* state, const Zpp8u* src, Zpp16s* dst, Zpp32u len);

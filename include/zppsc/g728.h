@@ -67,11 +67,13 @@ ZPPAPI ZppStatus zppsCombinedFilterZeroState_G728_16s(const Zpp16s* coef, const 
  * lenNonRec, decay): 50, 20, 35, 2 for the synthesis filter, 10, 20, 30, 1 for the weighting filter, 10, 4, 20, 2 for the log
  * gain. */
 
-/* *size = 16 + 2 (order + 1) + 4 n + 2 ceil(n / 5), rounded up to a multiple of 4.
+/* *size = 16 + 2 (order + 1) + 4 n + 2 ceil(n / 5), rounded up to a multiple of 4. order: 1..50; lenNew, lenNonRec: 1 or more,
+ * n 256 at most.
  * Status: zppStsOk; zppStsNullPointer; zppStsBadSize unless order is 1..50, lenNew and lenNonRec are 1 or more and n is 256 or
  * less. */
 ZPPAPI ZppStatus zppsWinHybridGetStateSize_G728_16s(Zpp32s order, Zpp32s lenNew, Zpp32s lenNonRec, Zpp32s* size);
-/* Copies the window; zero history, of Q 16, and zero recursive sums. window: n words, Q15, word k for the k-th newest sample.
+/* Copies the window; zero history, of Q 16, and zero recursive sums. order, lenNew, lenNonRec: as above. window: n words, Q15,
+ * word k for the k-th newest sample.
  * decay: the recursive sums are multiplied by 1 - 2^-decay at each call.
  * Status: as above; zppStsBadScale unless decay is 1..15. */
 ZPPAPI ZppStatus zppsWinHybridInit_G728_16s(const Zpp16s* window, Zpp32s order, Zpp32s lenNew, Zpp32s lenNonRec, Zpp32s decay,
@@ -80,13 +82,15 @@ ZPPAPI ZppStatus zppsWinHybridInit_G728_16s(const Zpp16s* window, Zpp32s order, 
  * lag 0. *valid: 1, or 0 when the last lag is zero before it is rounded, which asks to keep the predictor of before; dst and
  * the state are written in either case. */
 ZPPAPI ZppStatus zppsWinHybrid_G728_16s(const Zpp16s* src, Zpp16s* dst, Zpp32s* valid, void* state);
-/* The same for src of lenNew / 5 blocks, oldest first. A state serves one of the two forms.
+/* The same for blocks. src: lenNew / 5 blocks, oldest first. *valid: as above. A state serves one of the two forms.
  * Status: zppStsOk; zppStsNullPointer; zppStsBadSize when lenNew or n is not a multiple of 5. */
 ZPPAPI ZppStatus zppsWinHybridBlock_G728_16s(const Zpp16s* src, Zpp16s* dst, Zpp32s* valid, void* state);
 
 /* ---- Levinson-Durbin recursion and bandwidth expansion (blocks 37, 38, 44, 45, 50, 51 and 85) ---------------------------- */
 
-/* src: order + 1 autocorrelations. dst: order predictor coefficients, Q *scale. *rc1: first reflection coefficient, Q15.
+/* The recursion from its beginning.
+ * src: order + 1 autocorrelations. order: 1..50. dst: order predictor coefficients, Q *scale. *rc1: first reflection
+ * coefficient, Q15.
  * *residual: prediction error, in the scale of src. *scale: 15, 14 or 13.
  * Status: zppStsOk; zppStsNullPointer; zppStsBadSize unless order is 1..50; zppStsLpcCalcErr, nothing written, for a breakdown
  * at one of the first eleven stages (stage m computes the predictor of order m): a prediction error or an energy that is not
@@ -97,24 +101,25 @@ ZPPAPI ZppStatus zppsLevinsonDurbin_G728_16s_Sfs(const Zpp16s* src, int order, Z
                                                  int* scale);
 /* Continues a recursion that has reached startOrder. srcDst: startOrder coefficients in, order out. *residual, *scale: in and
  * out. startOrder 0 begins anew: *residual and srcDst are only written, *scale is checked but not used. *rc1 is written by a
- * new recursion only. With startOrder = order nothing changes.
+ * new recursion only. order: 1..50; startOrder: 0..order; where both are the same nothing changes.
  * Status: as above; zppStsOutOfRange unless startOrder is 0..order; zppStsBadScale unless *scale is 0..15. */
 ZPPAPI ZppStatus zppsLevinsonDurbin_G728_16s_ISfs(const Zpp16s* src, int startOrder, int order, Zpp16s* srcDst, Zpp16s* rc1,
                                                   Zpp16s* residual, int* scale);
-/* dst[i] = src[i] * weight[i], Q14. src: len words, Q scale; weight: len words, Q14. dst may be src.
+/* dst[i] = src[i] * weight[i], Q14. src: len words, Q scale; weight: len words, Q14; scale: 13..15. dst may be src.
  * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len below 1; zppStsBadScale unless scale is 13, 14 or 15;
  * zppStsOverflowWarn, nothing written, when a result does not fit. */
 ZPPAPI ZppStatus zppsWeightLPC_G728_16s_Sfs(const Zpp16s* src, const Zpp16s* weight, Zpp16s* dst, int len, int scale);
 
 /* ---- Backward gain adapter (clause 3.8, blocks 20 and 30) ---------------------------------------------------------------- */
 
-/* Predicts the gain of the next vector (blocks 46 to 48). coef: 10 words; src: the ten last logGains, oldest first. previous:
- * null, or the logGain predicted for the vector before, over which the result may grow by 2 dB at most (after an erasure).
+/* Predicts the gain of the next vector (blocks 46 to 48). coef: 10 words; src: the ten last logGains, oldest first.
+ * previous: null, or the logGain predicted for the vector before, over which the result may grow by 2 dB at most (after an
+ * erasure).
  * logGain: one word; gain: 2 words. */
 ZPPAPI ZppStatus zppsLogGainPredict_G728_16s(const Zpp16s* coef, const Zpp16s* src, const Zpp16s* previous, Zpp16s* logGain,
                                              Zpp16s* gain);
 /* logGain of the scaled excitation (blocks 39, 40, 67, by tables): *dst = logGain plus the level of the code vector, -16384 or
- * more.
+ * more. index: 0..1023, as the search gives it.
  * Status: zppStsOk; zppStsNullPointer; zppStsOutOfRange for another rate; zppStsBadCodedParam unless index is 0..1023;
  * zppStsBadArgument for a rate without codebook. */
 ZPPAPI ZppStatus zppsLogGainUpdate_G728_16s(Zpp16s logGain, Zpp16s* dst, Zpp32s index, Zpp32s rate);
@@ -134,7 +139,8 @@ ZPPAPI ZppStatus zppsTargetNormalize_G728_16s(const Zpp16s* src, const Zpp16s* g
  * Status: zppStsOk; zppStsNullPointer; zppStsOutOfRange for another rate; zppStsBadArgument for a rate without codebook. */
 ZPPAPI ZppStatus zppsCodebookSearch_G728_16s(const Zpp16s* target, const Zpp16s* response, const Zpp16s* energy, Zpp32s* index,
                                              Zpp32s rate);
-/* Gain-scaled code vector (blocks 19, 21 and 29, 31). gain: 2 words; dst: block. Status as zppsLogGainUpdate_G728_16s. */
+/* Gain-scaled code vector (blocks 19, 21 and 29, 31). gain: 2 words; dst: block; index: 0..1023. Status as
+ * zppsLogGainUpdate_G728_16s. */
 ZPPAPI ZppStatus zppsExcitationVector_G728_16s(const Zpp16s* gain, Zpp16s* dst, Zpp32s index, Zpp32s rate);
 /* dst = the block src as 5 words of Q scale, rounded and saturated.
  * Status: zppStsOk; zppStsNullPointer; zppStsBadScale unless scale is 0..15. */
@@ -149,12 +155,13 @@ ZPPAPI ZppStatus zppsPostFilterAdapterInit_G728(void* state);
 /* LPC inverse filter of order 10 (block 81) on 5 samples. coef: 10 words, Q13; src: decoded speech, Q2; dst: residual, Q1; may
  * be src. */
 ZPPAPI ZppStatus zppsLPCInverseFilter_G728_16s(const Zpp16s* coef, const Zpp16s* src, Zpp16s* dst, void* state);
-/* Pitch period (block 82), 20..140, once a cycle. src: the 20 newest residual samples, Q1; the 220 before the pointer are read.
+/* Pitch period (block 82), once a cycle. *pitch: 20..140. src: the 20 newest residual samples, Q1; the 220 before the pointer
+ * are read.
  * Correlations beyond 32 bits count as the largest value of 32 bits. */
 ZPPAPI ZppStatus zppsPitchPeriod_G728_16s(const Zpp16s* src, Zpp32s* pitch, void* state);
-/* Long-term postfilter coefficients (blocks 83, 84). src: 100 samples of decoded speech, Q0; the pitch samples before the
- * pointer are read. *tap: single-tap pitch predictor, Q14, 0..16384. ltp: 2 words: the factor of a sample, Q14, and that of the
- * sample a pitch period before, Q16.
+/* Long-term postfilter coefficients (blocks 83, 84). pitch: 20..140. src: 100 samples of decoded speech, Q0; the pitch samples
+ * before the pointer are read. *tap: single-tap pitch predictor, Q14, 0..16384. ltp: 2 words: the factor of a sample, Q14, and
+ * that of the sample a pitch period before, Q16.
  * Status: zppStsOk; zppStsNullPointer; zppStsOutOfRange unless pitch is 20..140. */
 ZPPAPI ZppStatus zppsLongTermPostFilterCoeffs_G728_16s(const Zpp16s* src, Zpp32s pitch, Zpp16s* tap, Zpp16s* ltp);
 
@@ -166,7 +173,7 @@ ZPPAPI ZppStatus zppsPostFilterGetStateSize_G728_16s(Zpp32s* size);
 ZPPAPI ZppStatus zppsPostFilterInit_G728_16s(void* state);
 /* Long-term and short-term postfilter, tilt compensation and gain control on 5 samples. ltp: 2 words; coefZero, coefPole: 10
  * words each; tilt: Q14. src: 5 samples, Q2; history: points at these samples' place in the decoded speech of Q0, of which
- * history[-pitch .. 4 - pitch] is read. dst: 5 samples, Q2; may be src.
+ * history[-pitch .. 4 - pitch] is read; pitch: 20..140. dst: 5 samples, Q2; may be src.
  * Status: zppStsOk; zppStsNullPointer; zppStsOutOfRange unless pitch is 20..140. */
 ZPPAPI ZppStatus zppsPostFilter_G728_16s(const Zpp16s* ltp, const Zpp16s* coefZero, const Zpp16s* coefPole, const Zpp16s* src,
                                          const Zpp16s* history, Zpp16s* dst, Zpp32s pitch, Zpp16s tilt, void* state);

@@ -36,8 +36,8 @@ ZPPAPI ZppStatus zppsHighPassFilter_G729_16s_ISfs(Zpp16s* srcDst, int len, int s
  * Formats and shapes, unless a function says otherwise:
  *
  * - a: LP coefficients, 11 values, Q12, a[0] = 4096. refl: reflection coefficients, Q15.
- * - lsp: line spectral pairs in the cosine domain, 10 values, Q15, descending. lsf: line spectral frequencies in radians, 10
- *   values, Q13, ascending. lsfNorm: the same over 2 pi, 10 values, Q15 (0..0.5).
+ * - lsp, quantLsp: line spectral pairs in the cosine domain, 10 values, Q15, descending. lsf, quantLsf: line spectral
+ *   frequencies in radians, 10 values, Q13, ascending. lsfNorm: the same over 2 pi, 10 values, Q15 (0..0.5).
  * - maMem: memory of the moving-average predictor, 40 values, Q13: four code vectors of 10, the newest first. It belongs to the
  *   caller, who starts every row with the LSFs of a flat spectrum, i pi / 11: 2339 4679 7018 9358 11698 14037 16377 18717 21056
  *   23396 (_32f: 0.285599 0.571199 0.856798 1.142397 1.427997 1.713596 1.999195 2.284795 2.570394 2.855993). The quantiser and
@@ -152,7 +152,8 @@ ZPPAPI ZppStatus zppsLSFDecodeErased_G729_32f(Zpp16s maMode, Zpp32f* maMem, cons
 ZPPAPI ZppStatus zppsLSFQuant_G729B_16s(const Zpp16s* lsf, Zpp16s* maMem, Zpp16s* quantLsf, Zpp16s* sidIdx);
 ZPPAPI ZppStatus zppsLSFQuant_G729B_32f(const Zpp32f* lsf, Zpp32f* maMem, Zpp32f* quantLsf, Zpp16s* sidIdx);
 
-/* Decodes the LSFs of a silence-descriptor frame. sidIdx: the low one, five and four bits count; nothing is refused.
+/* Decodes the LSFs of a silence-descriptor frame. sidIdx: the low one, five and four bits count; nothing is refused. maMem: in
+ * and out, shifted by this frame. quantLsf: out.
  * Status: zppStsOk; zppStsNullPointer; the warnings of zppsLSFDecode_G729_16s. */
 ZPPAPI ZppStatus zppsLSFDecode_G729B_16s(const Zpp16s* sidIdx, Zpp16s* maMem, Zpp16s* quantLsf);
 ZPPAPI ZppStatus zppsLSFDecode_G729B_32f(const Zpp16s* sidIdx, Zpp32f* maMem, Zpp32f* quantLsf);
@@ -235,8 +236,8 @@ ZPPAPI ZppStatus _zppsClosedLoopPitchSearch_G729_16s(const Zpp16s* corr, int sub
 
 /* Adaptive vector of 40 samples: the past excitation at delay[0] + delay[1] / 3, interpolated. Delays below 50 feed the first
  * samples of the vector back into its later ones.
- * delay: integer delay, 18..144, and fraction in thirds, -1..1. _I: exc holds 154 samples of past excitation, oldest first, and
- * the 40 samples behind them are written. The other form: pastExc, those 154 samples; dst: 40 samples.
+ * delay: integer delay, 18..144, and fraction in thirds, -1..1. exc: 154 samples of past excitation, oldest first, and the 40
+ * samples behind them, which are written. pastExc: those 154 samples; dst: 40 samples.
  * Status: zppStsOk; zppStsNullPointer; zppStsBadCodedParam for a delay or fraction outside its range.
  * Source: ITU-T G.729 clause 3.7.1. */
 ZPPAPI ZppStatus zppsDecodeAdaptiveVector_G729_16s_I(const Zpp16s* delay, Zpp16s* exc);
@@ -248,8 +249,10 @@ ZPPAPI ZppStatus zppsDecodeAdaptiveVector_G729_16s(const Zpp16s* delay, const Zp
 ZPPAPI ZppStatus zppsDecodeAdaptiveVector_G729_32f_I(const Zpp16s* delay, Zpp32f* exc);
 
 /* Filtered adaptive vector and adaptive-codebook gain <target, filtered> / <filtered, filtered>, Q14, 0..19661 (1.2).
- * target, adaptive: 40 samples; filtered: 40 samples, written, apart from the others: the convolution with impulse, 40 values,
- * Q12, truncated (_G729), or the adaptive vector through 1/A(z) from rest with a[0..10], Q12 (_G729A). gain: one value.
+ * target, adaptive: 40 samples. filtered: 40 samples, written, apart from the others: the convolution with the impulse
+ * response, truncated (_G729), or the adaptive vector through 1/A(z) from rest (_G729A). impulse: 40 values, Q12. a: 11 values,
+ * Q12.
+ * gain: one value.
  * Status: zppStsOk; zppStsNullPointer. Source: ITU-T G.729 clause 3.7.3 and Annex A clause A.3.7. */
 ZPPAPI ZppStatus zppsAdaptiveCodebookGain_G729_16s(const Zpp16s* target, const Zpp16s* impulse, const Zpp16s* adaptive,
                                                    Zpp16s* filtered, Zpp16s* gain);

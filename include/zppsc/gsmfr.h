@@ -17,7 +17,7 @@ extern "C" {
  * 06.12) for silence descriptors.
  */
 
-/* Encoder: pre-processing. */
+/* ---- GSM full rate: pre-processing ------------------------------------------------------------------------------------ */
 
 /* Downscaling and offset compensation (clauses 5.2.1, 5.2.2).
  * src: len samples of 13 bits, left-justified; the low 3 bits are ignored. dst: len samples at half the scale of src; may be
@@ -28,7 +28,7 @@ ZPPAPI ZppStatus zppsOffsetCompensation_GSMFR_16s(const Zpp16s* src, Zpp16s* dst
  * the last of src. */
 ZPPAPI ZppStatus zppsPreemphasize_GSMFR_16s(const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* memory);
 
-/* Encoder: LPC analysis. */
+/* ---- GSM full rate: LPC analysis -------------------------------------------------------------------------------------- */
 
 /* Autocorrelation with dynamic scaling (clause 5.2.4). srcDst: the 160 samples of a frame, scaled down by 2^scale with rounding
  * for the sums and up again, without saturation: low bits are lost, and 32760 and more become -32768 at scale 4.
@@ -45,7 +45,7 @@ ZPPAPI ZppStatus zppsReflToLAR_GSMFR_16s(const Zpp16s* refl, Zpp16s* lar);
 /* Quantises LAR (clause 5.2.7). lar: 8. larCode: 8 codes from 0 to 63, 63, 31, 31, 15, 15, 7, 7; may be lar. */
 ZPPAPI ZppStatus zppsLARQuant_GSMFR_16s(const Zpp16s* lar, Zpp16s* larCode);
 
-/* Encoder and decoder: short-term filters. */
+/* ---- GSM full rate: short-term filters -------------------------------------------------------------------------------- */
 
 /* LAR of their codes (clause 5.2.8). larCode: 8, of which the low 6, 6, 5, 5, 4, 4, 3, 3 bits count. lar: 8; may be larCode. */
 ZPPAPI ZppStatus zppsLARDecode_GSMFR_16s(const Zpp16s* larCode, Zpp16s* lar);
@@ -62,7 +62,7 @@ ZPPAPI ZppStatus zppsShortTermAnalysisFilter_GSMFR_16s_I(const Zpp16s* refl, Zpp
 ZPPAPI ZppStatus zppsShortTermSynthesisFilter_GSMFR_16s(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, int len,
                                                         Zpp16s* memory);
 
-/* Long-term predictor. */
+/* ---- GSM full rate: Long-term predictor ------------------------------------------------------------------------------- */
 
 /* Lag and gain (clause 5.2.11). src: 40 samples of the short-term residual. history: the last 120 samples of the reconstructed
  * one, oldest first. *lag: 40..120, the smallest of equals; 40 where no correlation is positive. *gain: code 0..3. */
@@ -72,7 +72,7 @@ ZPPAPI ZppStatus zppsLTPSearch_GSMFR_16s(const Zpp16s* src, const Zpp16s* histor
  * Status: zppStsOk; zppStsNullPointer; zppStsBadCodedParam for a lag outside 40..120 or a gain outside 0..3. */
 ZPPAPI ZppStatus zppsLTPPredict_GSMFR_16s(const Zpp16s* history, Zpp16s* dst, Zpp16s lag, Zpp16s gain);
 
-/* Regular pulse excitation. */
+/* ---- GSM full rate: Regular pulse excitation -------------------------------------------------------------------------- */
 
 /* Weighting filter (clause 5.2.13). src, dst: 40 samples each; samples outside the subframe count as zero. */
 ZPPAPI ZppStatus zppsWeightingFilter_GSMFR_16s(const Zpp16s* src, Zpp16s* dst);
@@ -81,24 +81,25 @@ ZPPAPI ZppStatus zppsWeightingFilter_GSMFR_16s(const Zpp16s* src, Zpp16s* dst);
  * *grid: 0..3. *amplitude: code 0..63. *maximum: the largest magnitude on the grid, before coding, 0..32767. */
 ZPPAPI ZppStatus zppsRPEQuant_GSMFR_16s(const Zpp16s* src, Zpp16s* pulses, Zpp16s* grid, Zpp16s* amplitude, Zpp16s* maximum);
 
-/* Pulses of their codes (clauses 5.2.16, 5.2.17). pulses: 13 codes, of which the low 3 bits count. dst: 40 samples, zero off
- * the grid.
+/* Pulses of their codes (clauses 5.2.16, 5.2.17). pulses: 13 codes, of which the low 3 bits count. amplitude: 0..63; grid:
+ * 0..3. dst: 40 samples, zero off the grid.
  * Status: zppStsOk; zppStsNullPointer; zppStsBadScale for an amplitude outside 0..63; zppStsBadCodedParam for a grid outside
  * 0..3. */
 ZPPAPI ZppStatus zppsRPEQuantDecode_GSMFR_16s(const Zpp16s* pulses, Zpp16s* dst, Zpp16s amplitude, Zpp16s grid);
 
-/* Decoder: post-processing. */
+/* ---- GSM full rate: post-processing ----------------------------------------------------------------------------------- */
 
 /* De-emphasis, upscaling by 2 and truncation to 13 bits (clauses 5.3.5 to 5.3.7). srcDst: len samples. *memory: the last
  * sample before upscaling. */
 ZPPAPI ZppStatus zppsDeemphasize_GSMFR_16s_I(Zpp16s* srcDst, int len, Zpp16s* memory);
 
-/* zppsShortTermSynthesisFilter_GSMFR_16s and, of its output, zppsDeemphasize_GSMFR_16s_I in one call, which takes little longer
- * than the first of them. memory: 8 signals of the lattice. *emphasis: the memory of the de-emphasis. dst may be src. */
-ZPPAPI ZppStatus zppsSpeechSynthesis_GSMFR_16s(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* memory,
+/* A frame in one call: the synthesis lattice with the four sets of coefficients of zppsLARToRefl_GSMFR_16s, each for its samples,
+ * and de-emphasis of its output, in little more than the time of the lattice. refl: 32, Q15. src, dst: 160 samples; dst may be
+ * src. memory: 8 values of the lattice. *emphasis: the memory of the de-emphasis. Status: zppStsOk, zppStsNullPointer. */
+ZPPAPI ZppStatus zppsSpeechSynthesis_GSMFR_16s(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, Zpp16s* memory,
                                                Zpp16s* emphasis);
 
-/* Voice activity detection and comfort noise. */
+/* ---- GSM full rate: Voice activity detection and comfort noise -------------------------------------------------------- */
 
 /* *size = 320, bytes of a detector's state. Status: zppStsOk, zppStsNullPointer. */
 ZPPAPI ZppStatus zppsVADGetSize_GSMFR_16s(Zpp32s* size);
@@ -108,11 +109,12 @@ ZPPAPI ZppStatus zppsVADGetSize_GSMFR_16s(Zpp32s* size);
 ZPPAPI ZppStatus zppsVADInit_GSMFR_16s(void* state, Zpp32s direction);
 
 /* Decides about one frame, behind its encoding (TS 46.032).
- * autoCorr: 9 lags, and scale, as zppsAutoCorr_GSMFR_16s32s_I gives them; lags that no signal has give no useful decision, but
- * do no harm. offsetFree: 160 samples behind offset compensation, before pre-emphasis. lags: the frame's 4 LTP lags.
+ * autoCorr, scale: 9 lags and their scale, 0..4, as zppsAutoCorr_GSMFR_16s32s_I gives them; lags that no signal has give no
+ * useful decision, but do no harm. offsetFree: 160 samples behind offset compensation, before pre-emphasis. lags: the frame's 4
+ * LTP lags.
  * *vad: 1 where there is speech, else 0.
- * Status: zppStsOk; zppStsNullPointer; zppStsBadScale for a scale outside 0..4; zppStsBadCodedParam for a lag outside
- * 40..120. */
+ * Status: zppStsOk; zppStsNullPointer; zppStsBadScale for a scale outside 0..4; zppStsBadCodedParam for a lag outside 40..120.
+ * */
 ZPPAPI ZppStatus zppsVAD_GSMFR_16s(const Zpp32s* autoCorr, const Zpp16s* offsetFree, const Zpp16s* lags, Zpp16s* vad,
                                    Zpp32s scale, void* state);
 

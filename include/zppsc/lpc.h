@@ -8,22 +8,25 @@
 extern "C" {
 #endif
 
-/* ---- Linear prediction shared by codecs ---------------------------------------------------------------------------------- */
-
-/* Autocorrelation: r[k] = sum of src[n] * src[n + k], n = 0..len-1-k; 0 for k of len or more.
+/* ---- Autocorrelation --------------------------------------------------------------------------------------------------------
+ *
+ * r[k] = sum of src[n] * src[n + k], n = 0..len-1-k; 0 for k of len or more.
  * src: len samples; dst: lenDst lags, lag 0 first.
- * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len or lenDst below 1; others as told. */
+ * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len or lenDst below 1; others as told.
+ */
 
-/* dst[k] = r[k] modulo 2^32, neither scaled nor saturated */
+/* dst[k] = r[k] modulo 2^32, neither scaled nor saturated. lenDst: number of lags, 1 or more. */
 ZPPAPI ZppStatus zppsAutoCorr_16s32s(const Zpp16s* src, int len, Zpp32s* dst, int lenDst);
 
 /* dst[0] = (2 * r[0] + 1) << norm, dst[k] = sat32(r[k] << (norm + 1)), with norm the shift that normalises 2 * r[0] + 1.
- * *norm: 0..30; 30 for silence. zppStsOverflowWarn, and nothing written, when r[0] exceeds 1073741823: scale the frame down
- * (ITU-T G.729: by 2 bits) and call again. Source: ITU-T G.729 clause 3.2.1, on the windowed frame. */
+ * lenDst: number of lags, 1 or more. *norm: 0..30; 30 for silence. zppStsOverflowWarn, and nothing written, when r[0] exceeds
+ * 1073741823: scale the frame down (ITU-T G.729: by 2 bits) and call again. Source: ITU-T G.729 clause 3.2.1, on the windowed
+ * frame. */
 ZPPAPI ZppStatus zppsAutoCorr_NormE_16s32s(const Zpp16s* src, int len, Zpp32s* dst, int lenDst, Zpp32s* norm);
 
 /* dst[0] = round16(sat32(2 * r[0]) << norm), dst[k] = round16(sat32(r[k] << (norm + 1))), round16 giving the rounded upper
- * 16 bits, 32767 at most; norm normalises sat32(2 * r[0]) and is 0 for silence. A frame too loud is clamped silently. */
+ * 16 bits, 32767 at most. A frame too loud is clamped silently. lenDst: number of lags, 1 or more. *norm: the shift that
+ * normalises sat32(2 * r[0]); 0 for silence. */
 ZPPAPI ZppStatus zppsAutoCorr_NormE_NR_16s(const Zpp16s* src, int len, Zpp16s* dst, int lenDst, Zpp32s* norm);
 
 /* As zppsAutoCorr_NormE_NR_16s with a choice of lags: dst[0] is lag 0, dst[j] lag firstLag + (j - 1) * step, j = 1..lenDst-1.
@@ -39,6 +42,8 @@ ZPPAPI ZppStatus _zppsAutoCorr_G729_16s32s_Sfs(const Zpp16s* src, int len, Zpp32
  * Returns zppStsOk. */
 ZPPAPI ZppStatus _zppsAutoCorr_Inv_16s32s(const Zpp16s* src, int len, Zpp32s* dst, int lenDst);
 
+/* ---- Synthesis, residual and sharpening filters ----------------------------------------------------------------------- */
+
 /* LP synthesis 1/A(z) of order 10: y[n] = sat16((acc + half) >> scaleFactor), half = 2^(scaleFactor-1),
  * acc = coef[0] * x[n] - sum of coef[i] * y[n - i], i = 1..10, modulo 2^32.
  * coef: 11 values, Q12 for scale factor 12 or Q13 for 13. src, dst, srcDst: len samples. hist: the last 10 outputs of the
@@ -53,16 +58,17 @@ ZPPAPI ZppStatus zppsSynthesisFilter_NR_16s_ISfs(const Zpp16s* coef, Zpp16s* src
 /* The same outputs, without the warning */
 ZPPAPI ZppStatus zppsSynthesisFilterLow_NR_16s_ISfs(const Zpp16s* coef, Zpp16s* srcDst, int len, int scaleFactor,
                                                     const Zpp16s* hist);
-/* The first len samples of the impulse response of coef[0]/A(z), dst[0] = coef[0]; clamped without a warning */
+/* The first len samples of the impulse response of coef[0]/A(z), dst[0] = coef[0]; clamped without a warning. coef: 11 values
+ * as above. */
 ZPPAPI ZppStatus zppsSynthesisFilterZeroStateResponse_NR_16s(const Zpp16s* coef, Zpp16s* dst, int len, int scaleFactor);
 
-/* The filter with coef[0..order], Q12, and `order` outputs of history, which must lie outside dst (ITU-T G.729 Annex E).
+/* The filter of any order (ITU-T G.729 Annex E: 30). coef: order + 1 values, Q12. hist: order outputs, outside dst.
  * Status as above; zppStsBadSize also for an order below 1. */
 ZPPAPI ZppStatus zppsSynthesisFilter_G729E_16s(const Zpp16s* coef, int order, const Zpp16s* src, Zpp16s* dst, int len,
                                                const Zpp16s* hist);
 
-/* The filter of order 10 in Q12 with its history in dst[-10..-1]; dst may be src. Status: zppStsOk, zppStsNullPointer,
- * zppStsBadSize, zppStsOverflowWarn. */
+/* The filter of order 10 with its history in dst[-10..-1]; dst may be src. coef: 11 values, Q12. Status: zppStsOk,
+ * zppStsNullPointer, zppStsBadSize, zppStsOverflowWarn. */
 ZPPAPI ZppStatus zppsSynthesisFilter_G729_16s(const Zpp16s* coef, const Zpp16s* src, Zpp16s* dst, int len);
 
 /* LP residual: dst[n] = sat16((sum of coef[i] * src[n - i], i = 0..10, + 2048) >> 12). coef: 11 values, Q12; src: len samples,
@@ -70,7 +76,8 @@ ZPPAPI ZppStatus zppsSynthesisFilter_G729_16s(const Zpp16s* coef, const Zpp16s* 
  * len below 1. Source: ITU-T G.729 clause 3.3. */
 ZPPAPI ZppStatus zppsResidualFilter_G729_16s(const Zpp16s* coef, const Zpp16s* src, Zpp16s* dst, int len);
 
-/* The same with coef[0..order] and the `order` samples before src (ITU-T G.729 Annex E: order 30). The sum is exact.
+/* The same for any order (ITU-T G.729 Annex E: 30). coef: order + 1 values, Q12. src: len samples, and the order samples before
+ * them are read. The sum is exact.
  * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len, then for order, below 1. */
 ZPPAPI ZppStatus zppsResidualFilter_G729E_16s(const Zpp16s* coef, int order, const Zpp16s* src, Zpp16s* dst, int len);
 
@@ -79,6 +86,8 @@ ZPPAPI ZppStatus zppsResidualFilter_G729E_16s(const Zpp16s* coef, int order, con
  * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len below 1; zppStsOutOfRange for a lag below 1.
  * Source: 3GPP TS 26.090 clause 5.7, ITU-T G.729 clause 3.8. */
 ZPPAPI ZppStatus zppsHarmonicFilter_16s_I(Zpp16s gain, int lag, Zpp16s* srcDst, int len);
+
+/* ---- Convolution, correlation and lags -------------------------------------------------------------------------------- */
 
 /* Convolution cut to len values: dst[n] = sat16((sum of src1[k] * src2[n - k], k = 0..n) >> scaleFactor), truncating the exact
  * sum; factors beyond 31 act as 31. src1, src2, dst: len values; dst must not be a source.
@@ -89,7 +98,8 @@ ZPPAPI ZppStatus zppsConvPartial_16s_Sfs(const Zpp16s* src1, const Zpp16s* src2,
 ZPPAPI ZppStatus zppsConvPartial_16s32s(const Zpp16s* src1, const Zpp16s* src2, Zpp32s* dst, int len);
 
 /* Largest of c[k] = sat32(sum of src1[n] * src2[n + k], n = 0..len-1), k = 0..maxLag, and its lag. Of equal values the largest
- * lag is reported; when none is positive, 0 at maxLag. src1: len samples; src2: len + maxLag.
+ * lag is reported; when none is positive, 0 at maxLag. src1: len samples; src2: len + maxLag. *max: out, the largest value;
+ * *maxLagOut: out, its lag.
  * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len below 1; zppStsOutOfRange for maxLag below 0. */
 ZPPAPI ZppStatus zppsCrossCorrLagMax_16s(const Zpp16s* src1, const Zpp16s* src2, int len, int maxLag, Zpp32s* max,
                                          Zpp32s* maxLagOut);
@@ -97,13 +107,15 @@ ZPPAPI ZppStatus zppsCrossCorrLagMax_16s(const Zpp16s* src1, const Zpp16s* src2,
 /* Largest of the sums of src[n] * src[n + k] (Fwd) or src[n] * src[n - k] (Inv), n = 0..len-1, k = minLag..maxLag, and its lag.
  * The sums are not doubled and are taken modulo 2^32: keep the energies below 2^31. Of equal values the smallest lag is
  * reported; for minLag above maxLag -2147483648 and 0.
- * src: len samples, and the maxLag samples behind (Fwd) or before (Inv) them are read. minLag: 0 or more.
+ * src: len samples, and the maxLag samples behind (Fwd) or before (Inv) them are read. minLag: 0 or more. *max: out, the
+ * largest sum; *lag: out.
  * Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len below 1. Source: ITU-T G.729 clause 3.4. */
 ZPPAPI ZppStatus zppsAutoCorrLagMax_Fwd_16s(const Zpp16s* src, int len, int minLag, int maxLag, Zpp32s* max, Zpp32s* lag);
 ZPPAPI ZppStatus zppsAutoCorrLagMax_Inv_16s(const Zpp16s* src, int len, int minLag, int maxLag, Zpp32s* max, Zpp32s* lag);
 
 /* Largest of sat32(2 * sum of target[n] * signal[n - k]), n = 0..len-1, k = minLag..maxLag, and its lag; of equal values the
- * smallest lag. signal[-maxLag..len-1-minLag] is read. An empty range writes nothing. Returns zppStsOk.
+ * smallest lag. target: len values; signal: signal[-maxLag..len-1-minLag] is read. *max: out, the largest value; *lag: out. An
+ * empty range writes neither. Returns zppStsOk.
  * Source: ITU-T G.729 Annex A clause A.3.7. */
 ZPPAPI ZppStatus _zppsCrossCorrLagMax_Inv_16s(const Zpp16s* target, const Zpp16s* signal, int len, int minLag, int maxLag,
                                               Zpp32s* max, Zpp32s* lag);
@@ -119,7 +131,7 @@ ZPPAPI ZppStatus zppsCrossCorr_NR_16s(const Zpp16s* src1, const Zpp16s* src2, in
 
 /* Backward filtering for a pitch search: d[n] = sat32(2 * sum of target[k] * signal[k - n], k = n..len-1) and
  * dst[n] = d[n] >> (18 - min(norm, 16)), norm normalising the largest magnitude of d (0 for silence): 13 bits remain at most.
- * All vectors: len values. Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len below 1.
+ * target, signal, dst: len values. Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len below 1.
  * Source: Cor_h_X of the ITU-T G.729 Annex A fixed-point reference. */
 ZPPAPI ZppStatus zppsCrossCorr_NormM_16s(const Zpp16s* target, const Zpp16s* signal, int len, Zpp16s* dst);
 

@@ -46,7 +46,7 @@ enum {
   zppStsOverflowWarn = 12,   /* the computation overflowed; each function says what it has written */
   zppStsLSFLowClamped = 13,  /* the LSF stability step raised the lowest LSF */
   zppStsLSFHighClamped = 14, /* the LSF stability step lowered the highest LSF */
-  zppStsLSFBothClamped = 15  /* both */
+  zppStsLSFBothClamped = 15  /* both of these */
 };
 
 /* Codec rates, by ascending bit rate. A function accepts those of its own codec. */
@@ -84,7 +84,7 @@ typedef struct {
   Zpp32s minor;          /* 1 */
   Zpp32s majorBuild;     /* 12 */
   Zpp32s build;          /* 5 */
-  char targetCpu[4];     /* processor level of the build: "px", "a6" (SSE), "w7" (SSE2), "t7" (SSE3) or "v3" (AVX2), two zero bytes */
+  char targetCpu[4];     /* processor level: "px", "a6" (SSE), "w7" (SSE2), "t7" (SSE3), "v3" (AVX2) or "n8" (NEON), two zero bytes */
   const char* Name;      /* file name of the shared object */
   const char* Version;   /* "v4.1" */
   const char* BuildDate; /* "Jul 22 2004" */

@@ -23,13 +23,4 @@ Zpp16s median(const Zpp16s* values, int count) {
   return sorted[count / 2];
 }
 
-Zpp32s correlation(const Zpp16s* x, const Zpp16s* y, int len, Zpp32s start) {
-  // With magnitudes below these no partial sum reaches 2^31 - 1; start is 0 or 1.
-  if (Zpp64s{ownMaxAbs_16s(x, len) + 1} * (ownMaxAbs_16s(y, len) + 1) * len < (1 << 30) - 1)
-    return static_cast<Zpp32s>(start + 2 * ownDotProd_16s(x, y, len));
-  Zpp32s sum = start;
-  for (int n = 0; n < len; ++n) sum = macDbl(sum, x[n], y[n]);
-  return sum;
-}
-
 }  // namespace zpp::amr

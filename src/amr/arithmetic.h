@@ -3,6 +3,7 @@
 
 #include "core/fixed_point.h"
 #include "core/kernels.h"
+#include "lpc/dot_product.h"
 
 namespace zpp::amr {
 
@@ -49,10 +50,5 @@ Root squareRoot(Zpp32s x);  // sqrt_l_exp
 
 // The median of an odd number of up to 9 values
 Zpp16s median(const Zpp16s* values, int count);  // gmed_n
-
-// start + the doubled sum of squares, saturated after every term: all of them are positive, so once is enough.
-inline Zpp32s energy(const Zpp16s* x, int len, Zpp32s start = 0) { return sat32(start + 2 * ownDotProd_16s(x, x, len)); }
-// start + the doubled sum of products, saturated after every term
-Zpp32s correlation(const Zpp16s* x, const Zpp16s* y, int len, Zpp32s start = 0);
 
 }  // namespace zpp::amr

@@ -1,12 +1,11 @@
-// Arithmetic that the steps of this room share: sums of products, numbers with an exponent, and the random generator of
+// Arithmetic that the steps of this room share: numbers with an exponent, and the random generator of
 // 3GPP TS 26.173.
 #pragma once
-
-#include <bit>
 
 #include "core/fixed_point.h"
 #include "core/kernels.h"
 #include "core/tables.h"
+#include "lpc/dot_product.h"
 
 namespace zpp::amrwb {
 
@@ -25,29 +24,6 @@ constexpr Zpp16s quotientQ15(Zpp16s num, Zpp16s den) { return num <= 0 || den <=
 constexpr Zpp16s scaleRound16(Zpp16s x, int shift) { return roundHigh16(shlSat32(fromHigh16(x), shift)); }
 inline void scaleRound16(const Zpp16s* src, Zpp16s* dst, int len, int shift) {
   for (int n = 0; n < len; ++n) dst[n] = scaleRound16(src[n], shift);
-}
-
-// start + the doubled squares of x. No term is negative, so saturation at every step is saturation at the end.
-inline Zpp32s energy(const Zpp16s* x, int len, Zpp32s start = 0) { return sat32(start + 2 * ownDotProd_16s(x, x, len)); }
-
-// By Cauchy and Schwarz, no partial sum of products of x and y reaches 2^30 when the product of their exact energies stays
-// below 2^60: then no doubled sum saturates, nor one that started at 1.
-constexpr bool productsFit(Zpp64s energy1, Zpp64s energy2) {
-  return std::bit_width(static_cast<std::uint64_t>(energy1)) + std::bit_width(static_cast<std::uint64_t>(energy2)) <= 60;
-}
-
-// start + the doubled products of x and y, each added with saturation
-inline Zpp32s dotProductStepwise(const Zpp16s* x, const Zpp16s* y, int len, Zpp32s start) {
-  for (int n = 0; n < len; ++n) start = macDbl(start, x[n], y[n]);
-  return start;
-}
-// The same for a start of 0 or 1; energies: exact, of x and y
-inline Zpp32s dotProduct(const Zpp16s* x, const Zpp16s* y, int len, Zpp32s start, Zpp64s energyX, Zpp64s energyY) {
-  if (!productsFit(energyX, energyY)) return dotProductStepwise(x, y, len, start);
-  return start + 2 * static_cast<Zpp32s>(ownDotProd_16s(x, y, len));
-}
-inline Zpp32s dotProduct(const Zpp16s* x, const Zpp16s* y, int len, Zpp32s start) {
-  return dotProduct(x, y, len, start, ownDotProd_16s(x, x, len), ownDotProd_16s(y, y, len));
 }
 
 // A sum brought to 31 bits (Dot_product12's result): mantissa normalised, value = mantissa * 2^(exponent - 30)

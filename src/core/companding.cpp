@@ -1,4 +1,4 @@
-// ITU-T G.711 compression and expansion: entries.
+// ITU-T G.711 compression: entries.
 #include "core/checks.h"
 #include "core/kernels.h"
 
@@ -15,19 +15,5 @@ ZppStatus zppsLinToALaw_16s8u(const Zpp16s* src, Zpp8u* dst, int len) {
   if (anyNull(src, dst)) return zppStsNullPointer;
   if (len < 1) return zppStsBadSize;
   ownLinToALaw_16s8u(src, dst, len);
-  return zppStsOk;
-}
-
-ZppStatus zppsMuLawToLin_8u16s(const Zpp8u* src, Zpp16s* dst, int len) {
-  if (anyNull(src, dst)) return zppStsNullPointer;
-  if (len < 1) return zppStsBadSize;
-  ownMuLawToLin_8u16s(src, dst, len);
-  return zppStsOk;
-}
-
-ZppStatus zppsALawToLin_8u16s(const Zpp8u* src, Zpp16s* dst, int len) {
-  if (anyNull(src, dst)) return zppStsNullPointer;
-  if (len < 1) return zppStsBadSize;
-  ownALawToLin_8u16s(src, dst, len);
   return zppStsOk;
 }

@@ -1,4 +1,4 @@
-// ITU-T G.711: compression and expansion of one sample.
+// ITU-T G.711 compression of one sample.
 #pragma once
 
 #include <bit>
@@ -22,23 +22,6 @@ constexpr Zpp8u aLawCode(Zpp16s x) {
   const int segment = magnitude < 32 ? 0 : std::bit_width(magnitude) - 5;  // 0..7
   const int code = segment * 16 + static_cast<int>((magnitude >> (segment == 0 ? 1 : segment)) & 15);
   return static_cast<Zpp8u>(code ^ (x < 0 ? 0x55 : 0xd5));
-}
-
-// The middle of a code's interval on a 16-bit scale. mu-law: segments start at 33 * 2^segment - 33 in 14-bit units.
-constexpr Zpp16s muLawValue(Zpp8u code) {
-  constexpr int bias = 33 << 2;
-  const int word = ~code;
-  const int magnitude = ((((word & 15) << 3) + bias) << (word >> 4 & 7)) - bias;
-  return static_cast<Zpp16s>(word & 128 ? -magnitude : magnitude);
-}
-
-// A-law: the two lowest segments have the same step.
-constexpr Zpp16s aLawValue(Zpp8u code) {
-  const int word = code ^ 0x55;
-  const int segment = word >> 4 & 7;
-  const int middle = ((word & 15) << 4) + 8;
-  const int magnitude = segment == 0 ? middle : (middle + 256) << (segment - 1);
-  return static_cast<Zpp16s>(word & 128 ? magnitude : -magnitude);
 }
 
 }  // namespace zpp

@@ -1,4 +1,4 @@
-// ITU-T G.711 compression and expansion: AVX2 kernels, the SSE2 ones' arithmetic on sixteen samples.
+// ITU-T G.711 compression: AVX2 kernels, the SSE2 ones' arithmetic on sixteen samples.
 #include "core/companding.h"
 #include "core/kernels.h"
 #include "core/simd_v3.h"
@@ -49,46 +49,7 @@ void compress(const Zpp16s* src, Zpp8u* dst, int len) {
   if (n < len) Law::rest(src + n, dst + n, len - n);
 }
 
-W logarithmicValue(V words) {
-  const auto eight = [](V eightWords) {
-    const W bits = _mm256_slli_epi32(_mm256_cvtepu8_epi32(eightWords), 19);
-    return _mm256_cvttps_epi32(_mm256_castsi256_ps(_mm256_add_epi32(bits, _mm256_set1_epi32(((127 + 7) << 23) + (1 << 18)))));
-  };
-  return inOrder(_mm256_packs_epi32(eight(words), eight(_mm_srli_si128(words, 8))));
-}
-
-struct MuLawExpansion {
-  static V words(V codes) { return _mm_andnot_si128(codes, _mm_set1_epi8(127)); }
-  static W magnitude(V words) { return _mm256_sub_epi16(logarithmicValue(words), _mm256_set1_epi16(33 * 4)); }
-  static constexpr auto rest = ownMuLawToLin_8u16s_W7;
-};
-
-struct ALawExpansion {
-  static V words(V codes) { return _mm_and_si128(_mm_xor_si128(codes, _mm_set1_epi8(0x55)), _mm_set1_epi8(127)); }
-  static W magnitude(V words) {
-    const W word = _mm256_cvtepu8_epi16(words);
-    const W linear = _mm256_add_epi16(_mm256_slli_epi16(word, 4), _mm256_set1_epi16(8));
-    const W beyond = _mm256_srli_epi16(_mm256_cmpgt_epi16(word, _mm256_set1_epi16(15)), 1);
-    return _mm256_min_epi16(logarithmicValue(words), _mm256_or_si256(linear, beyond));
-  }
-  static constexpr auto rest = ownALawToLin_8u16s_PX;
-};
-
-template <class Law>
-void expand(const Zpp8u* src, Zpp16s* dst, int len) {
-  int n = 0;
-  for (; n + 16 <= len; n += 16) {
-    const V codes = load(src + n);
-    // Codes with the upper bit are positive.
-    const W sign = _mm256_or_si256(_mm256_cvtepi8_epi16(_mm_cmpgt_epi8(codes, _mm_set1_epi8(-1))), _mm256_set1_epi16(1));
-    storeWide(dst + n, _mm256_sign_epi16(Law::magnitude(Law::words(codes)), sign));
-  }
-  if (n < len) Law::rest(src + n, dst + n, len - n);
-}
-
 }  // namespace
 
 void ownLinToMuLaw_16s8u_V3(const Zpp16s* src, Zpp8u* dst, int len) { compress<MuLaw>(src, dst, len); }
 void ownLinToALaw_16s8u_V3(const Zpp16s* src, Zpp8u* dst, int len) { compress<ALaw>(src, dst, len); }
-void ownMuLawToLin_8u16s_V3(const Zpp8u* src, Zpp16s* dst, int len) { expand<MuLawExpansion>(src, dst, len); }
-void ownALawToLin_8u16s_V3(const Zpp8u* src, Zpp16s* dst, int len) { expand<ALawExpansion>(src, dst, len); }

@@ -1,8 +1,8 @@
-// ITU-T G.711 compression and expansion: SSE2 kernels.
+// ITU-T G.711 compression: SSE2 kernels.
 //
 // The segment is a bit length and the mantissa the four bits below the leading one: both stand in the bits of the 16-bit
 // magnitude converted to single precision, exactly, as (126 + bit length) * 16 + mantissa from bit 19 on. The bits that the
-// laws drop lie below the mantissa and need no clearing. Expansion goes the same way back.
+// laws drop lie below the mantissa and need no clearing.
 #include "core/companding.h"
 #include "core/kernels.h"
 #include "core/simd_w7.h"
@@ -59,34 +59,7 @@ void compress(const Zpp16s* src, Zpp8u* dst, int len) {
   for (; n < len; ++n) dst[n] = Law::code(src[n]);
 }
 
-// The values of 16 codes without their signs: 2^segment * (128 + 8 * interval + 4) from the four bits of the interval below the
-// exponent and the middle of the interval below these. word: 7 bits in 16-bit lanes.
-V logarithmicValue(V word) {
-  const auto four = [](V bits) {
-    const V value = _mm_add_epi32(_mm_slli_epi32(bits, 19), _mm_set1_epi32(((127 + 7) << 23) + (1 << 18)));
-    return _mm_cvttps_epi32(_mm_castsi128_ps(value));
-  };
-  const V zero = _mm_setzero_si128();
-  return _mm_packs_epi32(four(_mm_unpacklo_epi16(word, zero)), four(_mm_unpackhi_epi16(word, zero)));
-}
-V negateWhere(V mask, V x) { return _mm_sub_epi16(_mm_xor_si128(x, mask), mask); }
-
 }  // namespace
 
 void ownLinToMuLaw_16s8u_W7(const Zpp16s* src, Zpp8u* dst, int len) { compress<MuLaw>(src, dst, len); }
 void ownLinToALaw_16s8u_W7(const Zpp16s* src, Zpp8u* dst, int len) { compress<ALaw>(src, dst, len); }
-
-void ownMuLawToLin_8u16s_W7(const Zpp8u* src, Zpp16s* dst, int len) {
-  const V zero = _mm_setzero_si128(), bias = _mm_set1_epi16(33 * 4);
-  int n = 0;
-  for (; n + 16 <= len; n += 16) {
-    // Codes without the upper bit are negative.
-    const V codes = load(src + n), words = _mm_andnot_si128(codes, _mm_set1_epi8(127)),
-            negative = _mm_cmpgt_epi8(codes, _mm_set1_epi8(-1));
-    const V low = _mm_sub_epi16(logarithmicValue(_mm_unpacklo_epi8(words, zero)), bias);
-    const V high = _mm_sub_epi16(logarithmicValue(_mm_unpackhi_epi8(words, zero)), bias);
-    store(dst + n, negateWhere(_mm_unpacklo_epi8(negative, negative), low));
-    store(dst + n + 8, negateWhere(_mm_unpackhi_epi8(negative, negative), high));
-  }
-  if (n < len) ownMuLawToLin_8u16s_PX(src + n, dst + n, len - n);
-}

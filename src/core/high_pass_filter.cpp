@@ -1,5 +1,6 @@
 // Second-order high-pass filters of ITU-T G.729 pre- and post-processing (clauses 3.1 and 4.2.5).
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 #include "core/checks.h"
@@ -40,14 +41,12 @@ Zpp32s harmlessOutput(const HighPassState& s, int largestInput) {
   return upperWord > kMax16 ? kMax32 : upperWord * 65536;
 }
 
-// The filter's pace is the way from one output to the next, so all else is kept off it: the share of the output before last
-// comes from the last step, and saturation hides behind branches.
+// Any signal: where a sum may saturate, it is added up step by step.
 template <int scaleFactor>
-void filter(Zpp16s* srcDst, int len, HighPassState& s) {
+void filterSaturating(Zpp16s* srcDst, int len, HighPassState& s, Zpp32s harmless) {
   constexpr int gain = 15 - scaleFactor;
   const Zpp32s b0 = s.b[0], b1 = s.b[1], b2 = s.b[2], a1 = s.a[1], a2 = s.a[2];
   Zpp32s x1 = s.x1, x2 = s.x2, y1 = fromDpf(s.y1), y2 = fromDpf(s.y2);
-  const Zpp32s harmless = harmlessOutput(s, std::max({ownMaxAbs_16s(srcDst, len) + 1, magnitude(s.x1), magnitude(s.x2)}));
   const auto isHarmless = [harmless](Zpp32s y) { return y >= -harmless && y <= harmless; };
 
   bool harmless1 = isHarmless(y1), harmless2 = isHarmless(y2);
@@ -69,6 +68,59 @@ void filter(Zpp16s* srcDst, int len, HighPassState& s) {
     x1 = x0;
   }
   s.y1 = toDpf(y1), s.y2 = toDpf(y2), s.x1 = low16(x1), s.x2 = low16(x2);
+}
+
+constexpr int kBlock = 80;
+
+// A block of at most kBlock samples in 64-bit registers, while no sum saturates; otherwise false and nothing is changed. All is
+// done with halves of the sums, of which an output is a multiple: the feedback's way from one to the next is a product, a shift
+// and an addition, and all else is kept off it. What has been seen is looked at once.
+template <int scaleFactor>
+bool filterHarmless(Zpp16s* srcDst, int len, HighPassState& s, Zpp32s harmless) {
+  constexpr int gain = 15 - scaleFactor;
+  const Zpp32s y1 = fromDpf(s.y1), y2 = fromDpf(s.y2);
+  if (harmless < 2 << (gain + 1) || ((y1 | y2) & ((2 << gain) - 1)) != 0) return false;
+  const int bits = 30 - std::countl_zero(static_cast<Zpp32u>(harmless)) - gain;  // |half| < 2^bits is harmless, and fits
+  const auto seenIn = [bits](std::uint64_t half) { return half + (std::uint64_t{1} << bits); };
+  // Wraps where saturation has been seen before
+  const auto product = [](std::uint64_t half, std::uint64_t a) {
+    return static_cast<std::uint64_t>(static_cast<Zpp64s>(half * a) >> scaleFactor);
+  };
+  const auto extended = [](Zpp32s x) { return static_cast<std::uint64_t>(Zpp64s{x}); };
+
+  const std::uint64_t a1 = extended(s.a[1]), a2 = extended(s.a[2]);
+  const Zpp32s b0 = s.b[0], b1 = s.b[1], b2 = s.b[2];
+  std::uint64_t half1 = extended(y1 >> (gain + 1)), half2 = extended(y2 >> (gain + 1)), seen = seenIn(half1) | seenIn(half2);
+  Zpp32s x1 = s.x1, x2 = s.x2, halves[kBlock];
+  for (int n = 0; n < len; ++n) {
+    const Zpp32s x0 = srcDst[n];
+    const std::uint64_t inputs = extended(addWrap32(addWrap32(x0 * b0, x1 * b1), x2 * b2)) + product(half2, a2);
+    half2 = half1;
+    half1 = inputs + product(half1, a1);
+    seen |= seenIn(half1);
+    halves[n] = static_cast<Zpp32s>(half1);
+    x2 = x1;
+    x1 = x0;
+  }
+  if (seen >> (bits + 1) != 0) return false;
+  const auto output = [&](int n) { srcDst[n] = sat16(((halves[n] >> 11) + 1) >> 1); };
+  if (len == kBlock)  // written out for the compiler, which makes vectors of it
+    for (int n = 0; n < kBlock; ++n) output(n);
+  else
+    for (int n = 0; n < len; ++n) output(n);
+  s.y1 = toDpf(static_cast<Zpp32s>(half1) * (2 << gain)), s.y2 = toDpf(static_cast<Zpp32s>(half2) * (2 << gain));
+  s.x1 = low16(x1), s.x2 = low16(x2);
+  return true;
+}
+
+template <int scaleFactor>
+void filter(Zpp16s* srcDst, int len, HighPassState& s) {
+  for (; len > 0; len -= kBlock, srcDst += kBlock) {
+    const int count = std::min(len, kBlock);
+    const Zpp32s harmless = harmlessOutput(s, std::max({ownMaxAbs_16s(srcDst, count) + 1, magnitude(s.x1), magnitude(s.x2)}));
+    const bool done = sizeof(void*) == 8 && filterHarmless<scaleFactor>(srcDst, count, s, harmless);
+    if (!done) filterSaturating<scaleFactor>(srcDst, count, s, harmless);
+  }
 }
 
 }  // namespace

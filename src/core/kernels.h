@@ -35,9 +35,8 @@
   KERNEL(ownMaxIndx_32f, A6, int(const Zpp32f* src, int len))                                                        \
   KERNEL(ownMinIndx_32f, A6, int(const Zpp32f* src, int len))                                                        \
   KERNEL(ownLinToMuLaw_16s8u, W7_V3, void(const Zpp16s* src, Zpp8u* dst, int len))                                   \
-  KERNEL(ownLinToALaw_16s8u, W7_V3, void(const Zpp16s* src, Zpp8u* dst, int len))                                    \
-  KERNEL(ownMuLawToLin_8u16s, W7_V3, void(const Zpp8u* src, Zpp16s* dst, int len))                                   \
-  KERNEL(ownALawToLin_8u16s, V3, void(const Zpp8u* src, Zpp16s* dst, int len))
+  KERNEL(ownLinToALaw_16s8u, W7_V3, void(const Zpp16s* src, Zpp8u* dst, int len))
+
 ZPP_CORE_KERNELS(ZPP_DECLARE_KERNEL)
 
 void ownMulPowerC_NR_16s_Sfs(const Zpp16s* src, Zpp16s value, Zpp16s* dst, int len, int scaleFactor);

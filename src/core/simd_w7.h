@@ -1,11 +1,13 @@
 // Thin wrappers over SSE2 for kernels of 16- and 32-bit integers. Include it from *_w7.cpp, *_t7.cpp and *_v3.cpp files only.
 #pragma once
 
-#include <emmintrin.h>
-
 #include <cstring>
 #include <utility>
 
+#include "core/sse.h"
+#if defined(__aarch64__)
+#include "core/simd_n8.h"
+#endif
 #include "zppsc.h"
 
 namespace zpp {
@@ -30,6 +32,36 @@ inline V pairOf(Zpp32s first, Zpp32s second) {
   return _mm_set1_epi32(static_cast<int>((static_cast<Zpp32u>(second) << 16) | (static_cast<Zpp32u>(first) & 0xffff)));
 }
 
+// body(0), body(1) .. body(count - 1), written out: compilers that optimise for size as well keep short loops, and with them
+// arrays of vectors in memory.
+template <int count, class Body>
+[[gnu::always_inline]] inline void unrolled(Body body) {
+  [&]<int... i>(std::integer_sequence<int, i...>) __attribute__((always_inline)) {
+    (body(std::integral_constant<int, i>{}), ...);
+  }
+  (std::make_integer_sequence<int, count>{});
+}
+
+// Interleaves the first four of eight rows with the last four: a third of a transposition.
+inline void interleave(const V (&rows)[8], V (&out)[8]) {
+  out[0] = _mm_unpacklo_epi16(rows[0], rows[4]);
+  out[1] = _mm_unpackhi_epi16(rows[0], rows[4]);
+  out[2] = _mm_unpacklo_epi16(rows[1], rows[5]);
+  out[3] = _mm_unpackhi_epi16(rows[1], rows[5]);
+  out[4] = _mm_unpacklo_epi16(rows[2], rows[6]);
+  out[5] = _mm_unpackhi_epi16(rows[2], rows[6]);
+  out[6] = _mm_unpacklo_epi16(rows[3], rows[7]);
+  out[7] = _mm_unpackhi_epi16(rows[3], rows[7]);
+}
+// Transposes eight rows of eight 16-bit lanes.
+inline void transpose(V (&rows)[8]) {
+  V first[8], second[8];
+  interleave(rows, first);
+  interleave(first, second);
+  interleave(second, rows);
+}
+
+#if !defined(__aarch64__)  // there they are core/simd_n8.h's
 // Eight 16-bit lanes in reverse order
 inline V reversed(V v) {
   v = _mm_shufflehi_epi16(_mm_shufflelo_epi16(v, _MM_SHUFFLE(0, 1, 2, 3)), _MM_SHUFFLE(0, 1, 2, 3));
@@ -51,14 +83,6 @@ inline V mulWrapQ15(V a, V b) {
 inline V mulQ15(V a, V b) {
   const V product = mulWrapQ15(a, b);
   return _mm_xor_si128(product, _mm_cmpeq_epi16(product, _mm_set1_epi16(-32768)));
-}
-
-// body(0), body(1) .. body(count - 1), written out: compilers that optimise for size as well keep short loops, and with them
-// arrays of vectors in memory.
-template <int count, class Body>
-[[gnu::always_inline]] inline void unrolled(Body body) {
-  [&]<int... i>(std::integer_sequence<int, i...>) { (body(std::integral_constant<int, i>{}), ...); }
-  (std::make_integer_sequence<int, count>{});
 }
 
 // Sum of the four 32-bit lanes, modulo 2^32
@@ -87,5 +111,6 @@ inline Zpp64s sumLanes64(V v) {
 
 // mask ? a : b, lane by lane, for masks of all ones or all zeros
 inline V select(V mask, V a, V b) { return _mm_or_si128(_mm_and_si128(mask, a), _mm_andnot_si128(mask, b)); }
+#endif
 
 }  // namespace zpp

@@ -1,7 +1,6 @@
 // Element-wise arithmetic on single-precision vectors: SSE kernels.
-#include <xmmintrin.h>
-
 #include "core/kernels.h"
+#include "core/sse.h"
 
 namespace {
 

@@ -2,11 +2,10 @@
 //
 // maxps and minps return their second operand when either is a NaN: with the running extreme second, a NaN element is passed
 // over and a running NaN, which can only come from the first element, stays, just as in the portable kernel.
-#include <xmmintrin.h>
-
 #include <bit>
 
 #include "core/kernels.h"
+#include "core/sse.h"
 
 namespace {
 

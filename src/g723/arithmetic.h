@@ -3,6 +3,7 @@
 
 #include "core/fixed_point.h"
 #include "core/kernels.h"
+#include "lpc/dot_product.h"
 
 namespace g723 {
 
@@ -10,23 +11,6 @@ inline constexpr int kFrame = 240, kSubframe = 60, kOrder = 10;
 inline constexpr int kHistory = 145;  // past excitation, and past weighted speech
 
 constexpr bool isRate(ZppSpeechRate rate) { return rate == ZPP_RATE_5300 || rate == ZPP_RATE_6300; }
-
-// Sum of doubled products, saturating at every step
-inline Zpp32s macChain(const Zpp16s* a, const Zpp16s* b, int len) {
-  Zpp32s sum = 0;
-  for (int n = 0; n < len; ++n) sum = zpp::macDbl(sum, a[n], b[n]);
-  return sum;
-}
-
-// The same of squares: terms that only add saturate as their exact sum does.
-inline Zpp32s energyChain(const Zpp16s* x, int len) { return zpp::sat32(2 * ownDotProd_16s(x, x, len)); }
-
-// macChain of vectors of which the energies (energyChain) are known. By Cauchy and Schwarz no partial sum exceeds the geometric
-// mean of the energies: it saturates only when an energy does.
-inline Zpp32s correlationChain(const Zpp16s* a, Zpp32s energyA, const Zpp16s* b, Zpp32s energyB, int len) {
-  if (energyA == zpp::kMax32 || energyB == zpp::kMax32) return macChain(a, b, len);
-  return zpp::wrap32(2 * ownDotProd_16s(a, b, len));
-}
 
 // Block scaling: normalised to three guard bits. Returns the shift to the left, -3 for a block of zeros.
 inline int blockScale(const Zpp16s* src, Zpp16s* dst, int len) {

@@ -5,6 +5,8 @@
 #include "lpc/kernels.h"
 
 inline constexpr int kGsmFrFrame = 160, kGsmFrSubframe = 40, kGsmFrHistory = 120, kGsmFrOrder = 8;
+// The parts of a frame with coefficients of their own (3GPP TS 46.010 clause 5.2.9)
+inline constexpr int kGsmFrParts = 4, kGsmFrPartBounds[kGsmFrParts + 1] = {0, 13, 27, 40, 160};
 inline constexpr int kGsmFrShortestLag = 40, kGsmFrLongestLag = 120;
 
 // len is 1 or more; src may be dst.
@@ -16,11 +18,11 @@ inline constexpr int kGsmFrShortestLag = 40, kGsmFrLongestLag = 120;
   KERNEL(ownLARDecode_GSMFR_16s, W7, void(const Zpp16s* larCode, Zpp16s* lar))                                          \
   KERNEL(ownLARToRefl_GSMFR_16s, W7, void(const Zpp16s* prevLar, const Zpp16s* lar, Zpp16s* refl))                      \
   KERNEL(ownShortTermAnalysisFilter_GSMFR_16s_I, W7, void(const Zpp16s* refl, Zpp16s* srcDst, int len, Zpp16s* memory)) \
-  KERNEL(ownShortTermSynthesisFilter_GSMFR_16s, W7,                                                                  \
+  KERNEL(ownShortTermSynthesisFilter_GSMFR_16s, W7,                                                                     \
          void(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* memory))                             \
-  KERNEL(ownSpeechSynthesis_GSMFR_16s, W7,                                                                           \
-         void(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* memory, Zpp16s* emphasis))           \
-  KERNEL(ownLTPCorrelation_GSMFR_16s, W7, LagMax(const Zpp16s* target, const Zpp16s* history))                          \
+  KERNEL(ownSpeechSynthesis_GSMFR_16s, W7,                                                                              \
+         void(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, Zpp16s* memory, Zpp16s* emphasis))                    \
+  KERNEL(ownLTPCorrelation_GSMFR_16s, W7_V3, LagMax(const Zpp16s* target, const Zpp16s* history))                       \
   KERNEL(ownLTPPredict_GSMFR_16s, W7, void(const Zpp16s* history, Zpp16s* dst, int lag, int gain))                      \
   KERNEL(ownWeightingFilter_GSMFR_16s, W7, void(const Zpp16s* src, Zpp16s* dst))
 

@@ -18,10 +18,8 @@ ZppStatus zppsShortTermSynthesisFilter_GSMFR_16s(const Zpp16s* refl, const Zpp16
   return zppStsOk;
 }
 
-ZppStatus zppsSpeechSynthesis_GSMFR_16s(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* memory,
-                                        Zpp16s* emphasis) {
+ZppStatus zppsSpeechSynthesis_GSMFR_16s(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, Zpp16s* memory, Zpp16s* emphasis) {
   if (anyNull(refl, src, dst, memory, emphasis)) return zppStsNullPointer;
-  if (len < 1) return zppStsBadSize;
-  ownSpeechSynthesis_GSMFR_16s(refl, src, dst, len, memory, emphasis);
+  ownSpeechSynthesis_GSMFR_16s(refl, src, dst, memory, emphasis);
   return zppStsOk;
 }

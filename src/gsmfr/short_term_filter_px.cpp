@@ -28,8 +28,10 @@ void ownShortTermSynthesisFilter_GSMFR_16s_PX(const Zpp16s* refl, const Zpp16s* 
   }
 }
 
-void ownSpeechSynthesis_GSMFR_16s_PX(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* memory,
-                                     Zpp16s* emphasis) {
-  ownShortTermSynthesisFilter_GSMFR_16s_PX(refl, src, dst, len, memory);
-  ownDeemphasize_GSMFR_16s_I_PX(dst, len, emphasis);
+void ownSpeechSynthesis_GSMFR_16s_PX(const Zpp16s* refl, const Zpp16s* src, Zpp16s* dst, Zpp16s* memory, Zpp16s* emphasis) {
+  for (int part = 0; part < kGsmFrParts; ++part) {
+    const int begin = kGsmFrPartBounds[part], len = kGsmFrPartBounds[part + 1] - begin;
+    ownShortTermSynthesisFilter_GSMFR_16s_PX(refl + kGsmFrOrder * part, src + begin, dst + begin, len, memory);
+  }
+  ownDeemphasize_GSMFR_16s_I_PX(dst, kGsmFrPartBounds[kGsmFrParts], emphasis);
 }

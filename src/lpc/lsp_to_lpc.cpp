@@ -6,8 +6,28 @@ using namespace zpp;
 
 namespace {
 
-// The polynomial whose roots are five LSPs, every other one from lsp on: coefficients 0..5, Q24
-void expandRoots(const Zpp16s* lsp, Zpp32s* g) {
+// The polynomial whose roots are five LSPs, every other one from lsp on: coefficients 0..5, Q24. Multiplied out without
+// looking: false when a step left 32 bits, which the standard saturates.
+bool expandRootsExactly(const Zpp16s* lsp, Zpp32s* g) {
+  Zpp64s f[6] = {1 << 24, -1024 * lsp[0]}, beyond = 0;  // beyond: from bit 32 on set where something was
+  const auto within = [&beyond](Zpp64s x) {
+    beyond |= x + (Zpp64s{1} << 31);
+    return x;
+  };
+#pragma GCC unroll 4
+  for (int i = 2; i <= 5; ++i) {
+    const Zpp64s q = lsp[2 * (i - 1)];
+    f[i] = f[i - 2];
+#pragma GCC unroll 4
+    for (int m = i; m >= 2; --m) f[m] = within(within(f[m] + f[m - 2]) - within((((f[m - 1] >> 1) * q) >> 15) * 4));
+    f[1] = within(f[1] - 1024 * q);
+  }
+  for (int i = 0; i <= 5; ++i) g[i] = static_cast<Zpp32s>(f[i]);
+  return beyond >> 32 == 0;
+}
+
+// The same with saturation at every step
+void expandRootsSaturating(const Zpp16s* lsp, Zpp32s* g) {
   g[0] = 1 << 24;
   g[1] = -1024 * lsp[0];
   for (int i = 2; i <= 5; ++i) {
@@ -19,6 +39,10 @@ void expandRoots(const Zpp16s* lsp, Zpp32s* g) {
     }
     g[1] = subSat32(g[1], 1024 * q);
   }
+}
+
+void expandRoots(const Zpp16s* lsp, Zpp32s* g) {
+  if (!expandRootsExactly(lsp, g)) expandRootsSaturating(lsp, g);
 }
 
 Zpp16s toQ12(Zpp32s twice) { return wrap16((twice >> 13) + ((twice >> 12) & 1)); }

@@ -23,6 +23,11 @@ struct FourLagsWide {
     sum2 = _mm256_add_epi32(sum2, _mm256_madd_epi16(last, _mm256_castsi128_si256(load(y + 2))));
     sum3 = _mm256_add_epi32(sum3, _mm256_madd_epi16(last, _mm256_castsi128_si256(load(y + 3))));
   }
+  void add(const Zpp16s* x, const Zpp16s* y, int len) {  // len: a multiple of 8
+    int n = 0;
+    for (; n + 16 <= len; n += 16) add(loadWide(x + n), y + n);
+    if (n < len) add(load(x + n), y + n);
+  }
   V total() const { return sumsOfLanes32(sum0, sum1, sum2, sum3); }
 };
 

@@ -46,38 +46,6 @@ TEST(Companding, CodesEveryInput) {
   }
 }
 
-// A value is the middle of its code's interval: it has this code again, and lies between the ends of the run of the code.
-TEST(Companding, ExpandsToTheMiddleOfTheInterval) {
-  const struct {
-    ZppStatus (*expand)(const Zpp8u*, Zpp16s*, int);
-    ZppStatus (*compress)(const Zpp16s*, Zpp8u*, int);
-    int clipped, step;  // magnitudes from here on, and units of the input
-  } laws[] = {{zppsMuLawToLin_8u16s, zppsLinToMuLaw_16s8u, 32124, 4}, {zppsALawToLin_8u16s, zppsLinToALaw_16s8u, 32256, 8}};
-  for (const auto& law : laws)
-    for (int code = 0; code < 256; ++code) {
-      const auto octet = static_cast<Zpp8u>(code);
-      Zpp16s value = 0;
-      ASSERT_EQ(law.expand(&octet, &value, 1), zppStsOk);
-      Zpp8u again = 0;
-      ASSERT_EQ(law.compress(&value, &again, 1), zppStsOk);
-      if (value != 0) {
-        EXPECT_EQ(again, octet);
-      }
-      EXPECT_EQ(value < 0, code < 128 && value != 0) << code;
-      if (std::abs(value) >= law.clipped || std::abs(value) < 2 * law.step) continue;
-      const auto hasCode = [&](int x) {
-        const auto sample = static_cast<Zpp16s>(x);
-        Zpp8u its = 0;
-        law.compress(&sample, &its, 1);
-        return its == octet;
-      };
-      int below = 0, above = 0;
-      while (hasCode(value - below - law.step)) below += law.step;
-      while (hasCode(value + above + law.step)) above += law.step;
-      EXPECT_LE(std::abs(below - above), law.step) << code;
-    }
-}
-
 template <class T>
 void moves(const char* file, ZppStatus (*move)(const T*, T*, int)) {
   for (const auto& golden : cases(file)) {
@@ -168,7 +136,7 @@ TEST(HighPassFilter, SaturatesAtEverySum) {
     return static_cast<Zpp16s>(extreme ? x < -10000 ? -32768 : x < 10000 ? 0 : 32767 : x);
   };
   for (int i = 0; i < 300; ++i) {
-    V16 coef(6), signal(40);
+    V16 coef(6), signal(i % 4 == 0 ? 200 : 40);
     for (auto& c : coef) c = static_cast<Zpp16s>(next(i % 2 == 0) / (i % 5 + 1));
     for (auto& x : signal) x = next(i % 3 == 0);
     cases.emplace_back(coef, signal);

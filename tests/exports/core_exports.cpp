@@ -78,8 +78,6 @@ std::vector<Export> coreExports() {
 
       row(FUNCTION(zppsLinToMuLaw_16s8u), src, dst, lenSrc),
       row(FUNCTION(zppsLinToALaw_16s8u), src, dst, lenSrc),
-      row(FUNCTION(zppsMuLawToLin_8u16s), src, dst, lenSrc),
-      row(FUNCTION(zppsALawToLin_8u16s), src, dst, lenSrc),
   };
 }
 

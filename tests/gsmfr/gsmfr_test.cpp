@@ -157,13 +157,14 @@ TEST(Lattices, SaturateAtEveryStageAsTheStandardDoes) {
                               {-32700, 32000, 1000, 0, 0, 0, 0, 32767}};
   for (const V16& refl : coefficients)
     for (int level = -32768; level < 32768; level += 5) {
-      V16 src, dst(shape.size()), expected(shape.size()), memory(8), expectedMemory(8);
-      for (const Zpp16s x : shape) src.push_back(static_cast<Zpp16s>((Zpp32s{x} * level) >> 15));
+      V16 src(160), dst(160), expected(160), memory(8), expectedMemory(8);
+      for (std::size_t n = 0; n < shape.size(); ++n) src[n] = static_cast<Zpp16s>((Zpp32s{shape[n]} * level) >> 15);
       memory[2] = expectedMemory[2] = static_cast<Zpp16s>(level / 3);
       Zpp16s emphasis = 0, expectedEmphasis = 0;
-      const int len = static_cast<int>(shape.size());
-      zppsSpeechSynthesis_GSMFR_16s(refl.data(), src.data(), dst.data(), len, memory.data(), &emphasis);
-      ownSpeechSynthesis_GSMFR_16s_PX(refl.data(), src.data(), expected.data(), len, expectedMemory.data(), &expectedEmphasis);
+      V16 sets;
+      for (int part = 0; part < 4; ++part) sets.insert(sets.end(), refl.begin(), refl.end());
+      zppsSpeechSynthesis_GSMFR_16s(sets.data(), src.data(), dst.data(), memory.data(), &emphasis);
+      ownSpeechSynthesis_GSMFR_16s_PX(sets.data(), src.data(), expected.data(), expectedMemory.data(), &expectedEmphasis);
       ASSERT_EQ(dst, expected) << level;
       ASSERT_EQ(memory, expectedMemory) << level;
       ASSERT_EQ(emphasis, expectedEmphasis) << level;

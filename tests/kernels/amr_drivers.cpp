@@ -82,6 +82,32 @@ DRIVE(ownToeplizMatrix_GSMAMR_16s, only({4, 5})) {
   });
 }
 
+DRIVE(ownTargetSignalCorr_X2_GSMAMR_16s, only({4, 5})) {
+  repeat(rig, [&](Zpp16s level, int run) {
+    const Zpp16s *target = within(rig, level), *impulse = response(rig, 32767 >> (run % 6), run);
+    rig.run(target, impulse, rig.template out<Zpp16s>(40), rig.scalar(1, 2), gridOf(n));
+  });
+}
+
+// Few different values, so that many are equal, and now and then full scale
+DRIVE(ownSetSign_GSMAMR_16s, only({4, 6, 8})) {
+  repeat(rig, [&](Zpp16s level, int run) {
+    Zpp16s* corr = within(rig, run % 3 == 0 ? Zpp16s{3} : level);
+    if (run % 3 == 1)
+      for (int k = 0; k < 10 + run; ++k) corr[rig.scalar(0, 39)] = k % 2 == 0 ? 32767 : -32768;
+    rig.run(corr, rig.template out<Zpp16s>(40), rig.template out<Zpp16s>(40), n);
+  });
+}
+
+DRIVE(ownSetSign_M102M122_GSMAMR_16s, only({4, 5})) {
+  repeat(rig, [&](Zpp16s level, int run) {
+    const Zpp16s* residual = within(rig, run % 4 == 0 ? Zpp16s{2} : level);
+    Zpp16s* corr = within(rig, run % 3 == 0 ? Zpp16s{3} : static_cast<Zpp16s>(32767 >> run % 7));
+    rig.run(residual, corr, rig.template out<Zpp16s>(40), rig.template out<Zpp16s>(n), rig.template out<Zpp16s>(2 * n),
+            gridOf(n));
+  });
+}
+
 DRIVE(ownSearchOptimalPulsePos_GSMAMR_16s, only({2, 3, 4})) {
   static constexpr Zpp8u kSequences[4][4] = {{0, 1, 2, 3}, {4, 0, 1, 2}, {1, 4, 2, 0}, {3, 2, 1, 4}};
   repeat(rig, [&](Zpp16s level, int run) {
@@ -147,6 +173,21 @@ DRIVE(ownPredLt_GSMAMR_16s_I, only({11, 17, 18, 19, 20, 33, 50, 80, 144})) {
   });
 }
 
+// Filters that ring out, that blow up and that are none
+DRIVE(ownImpulseResponseTarget_GSMAMR_16s, only({40})) {
+  repeat(rig, [&](Zpp16s level, int run) {
+    const auto lpc = [&] {
+      Zpp16s* a = within(rig, static_cast<Zpp16s>(rig.keep || run % 3 != 0 ? 700 : 32767 >> run % 5), 11);
+      if (run % 4 != 0) a[0] = 4096;
+      return a;
+    };
+    const Zpp16s *speech = within(rig, level, 50), *weight1 = lpc(), *weight2 = lpc(), *quantLpc = lpc();
+    const Zpp16s *errorMem = within(rig, level, 10), *weightMem = within(rig, level, 10);
+    rig.run(speech, weight1, weight2, quantLpc, errorMem, weightMem, rig.template out<Zpp16s>(n), rig.template out<Zpp16s>(n),
+            rig.template out<Zpp16s>(n));
+  });
+}
+
 // Residuals near the codebook's entries, far from all, and such that every error saturates
 DRIVE(ownLsfSearch_GSMAMR_16s, only({64, 128, 256, 512})) {
   const LsfCodebook& book = n == 64 ? dico5Lsf5 : n == 128 ? dico1Lsf5 : n == 256 ? dico3Lsf5 : dico3Lsf3;
@@ -199,6 +240,19 @@ DRIVE(ownDisperse_GSMAMR_16s, only({40})) {
       if (run % 5 != 0 && rig.scalar(0, 9) != 0) pulses[i] = 0;
     const DispersionResponse* responses[] = {&phImpLow, &phImpMid, &phImpLowMR795, &phImpMidMR795};
     rig.run(pulses, *responses[run % 4], rig.template out<Zpp16s>(n));
+  });
+}
+
+// Coefficients as of filters that fade, and such that outputs and sums saturate
+DRIVE(ownFormantResponses_GSMAMR_16s, only({4})) {
+  repeat(rig, [&](Zpp16s level, int run) {
+    constexpr int kWords = sizeof(FormantFilter) / sizeof(Zpp16s);
+    const auto top = static_cast<Zpp16s>(rig.keep || run % 3 != 0 ? 1500 : level);
+    const auto* filters = reinterpret_cast<const FormantFilter*>(
+        rig.template made<Zpp16s>(n * kWords, [&](Zpp16s* word) {
+          for (int i = 0; i < n * kWords; ++i) word[i] = i % 11 == 0 && run % 4 != 0 ? Zpp16s{4096} : rig.template scalar<Zpp16s>(-top, top);
+        }));
+    rig.run(filters, reinterpret_cast<FormantResponse*>(rig.template out<Zpp16s>(n * FormantResponse::kLength)));
   });
 }
 

@@ -193,7 +193,7 @@ DRIVE(ownPulseGains_AMRWB_16s, only({300, 4096, 20000, 32767})) {
   repeat(rig, [&] {
     const Zpp16s* const impulse = response(rig, n);
     const Zpp16s* const code = within(rig, 64, level(rig));
-    const bool exact = zpp::amrwb::productsFit(ownDotProd_16s(impulse, impulse, 64), ownDotProd_16s(code, code, 64));
+    const bool exact = zpp::productsFit(ownDotProd_16s(impulse, impulse, 64), ownDotProd_16s(code, code, 64));
     const zpp::amrwb::PulseTarget* const target = pulseTarget(rig, 32767);
     rig.run(impulse, code, target, rig.scalar(0, 3), rig.template out<Zpp16s>(32), exact);
   });

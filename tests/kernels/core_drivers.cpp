@@ -48,7 +48,5 @@ DRIVE(ownMaxIndx_32f, upTo(200)) { rig.run(rig.in<Zpp32f>(n), n); }
 DRIVE(ownMinIndx_32f, upTo(200)) { rig.run(rig.in<Zpp32f>(n), n); }
 DRIVE(ownLinToMuLaw_16s8u, upTo(200, {160})) { rig.run(rig.in<Zpp16s>(n), rig.out<Zpp8u>(n), n); }
 DRIVE(ownLinToALaw_16s8u, upTo(200, {160})) { rig.run(rig.in<Zpp16s>(n), rig.out<Zpp8u>(n), n); }
-DRIVE(ownMuLawToLin_8u16s, upTo(200, {160})) { rig.run(rig.in<Zpp8u>(n), rig.out<Zpp16s>(n), n); }
-DRIVE(ownALawToLin_8u16s, upTo(200, {160})) { rig.run(rig.in<Zpp8u>(n), rig.out<Zpp16s>(n), n); }
 
 }  // namespace test

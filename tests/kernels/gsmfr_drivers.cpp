@@ -31,11 +31,12 @@ DRIVE(ownShortTermSynthesisFilter_GSMFR_16s, upTo(130, {13, 120})) {
   const auto* src = rig.in<Zpp16s>(n, static_cast<Zpp16s>(-level), level);
   rig.run(refl, src, rig.out<Zpp16s>(n), n, rig.inOut<Zpp16s>(kGsmFrOrder, static_cast<Zpp16s>(-level - 1), level));
 }
-DRIVE(ownSpeechSynthesis_GSMFR_16s, upTo(130, {13, 120})) {
-  const Zpp16s level = rig.random.between(0, 1) == 0 ? 32767 : 3000;
-  const auto* refl = reflection(rig);
+DRIVE(ownSpeechSynthesis_GSMFR_16s, only({160})) {
+  const Zpp16s level = rig.scalar<Zpp16s>(0, 3) == 0 ? Zpp16s{32767} : rig.scalar<Zpp16s>(100, 3000);
+  const Zpp16s most = rig.scalar(0, 1) == 0 ? 18000 : 32767;
+  const auto* refl = rig.in<Zpp16s>(4 * kGsmFrOrder, static_cast<Zpp16s>(-most - (most == 32767)), most);
   const auto* src = rig.in<Zpp16s>(n, static_cast<Zpp16s>(-level), level);
-  rig.run(refl, src, rig.out<Zpp16s>(n), n, rig.inOut<Zpp16s>(kGsmFrOrder, static_cast<Zpp16s>(-level - 1), level),
+  rig.run(refl, src, rig.out<Zpp16s>(n), rig.inOut<Zpp16s>(kGsmFrOrder, static_cast<Zpp16s>(-level - 1), level),
           rig.inOut<Zpp16s>(1));
 }
 DRIVE(ownLTPCorrelation_GSMFR_16s, only({kGsmFrSubframe})) {

@@ -11,7 +11,7 @@ import sys
 import tempfile
 import unittest
 
-PROGRAM = ""
+PROGRAM = []  # in a build for another processor, behind its emulator
 DATA = os.path.join(os.path.dirname(os.path.abspath(__file__)), "data")
 BLOCK, BLOCK_SAMPLES = 65, 320
 
@@ -76,7 +76,7 @@ class Ffmpeg(Peer):
 
 def ours(command, framing, content):
     return subprocess.run(
-        [PROGRAM, command, "-c", "gsm-fr", "--raw", "--framing", framing, "-", "-"],
+        [*PROGRAM, command, "-c", "gsm-fr", "--raw", "--framing", framing, "-", "-"],
         input=content, capture_output=True, check=True, timeout=60).stdout
 
 
@@ -104,5 +104,5 @@ class GsmPeers(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    PROGRAM = os.path.abspath(sys.argv.pop(1))
+    PROGRAM = [*os.environ.get("EMULATOR", "").split(), os.path.abspath(sys.argv.pop(1))]
     unittest.main()

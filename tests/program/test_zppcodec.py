@@ -20,7 +20,7 @@ import unittest
 import wave
 import zlib
 
-PROGRAM = ""
+PROGRAM = []  # in a build for another processor, behind its emulator
 DATA = os.path.join(os.path.dirname(os.path.abspath(__file__)), "data")
 WIDTHS = {"g726-16": 2, "g726-24": 3, "g726-32": 4, "g726-40": 5}
 
@@ -31,7 +31,7 @@ def data(name):
 
 
 def run(*args, stdin=b""):
-    return subprocess.run([PROGRAM, *args], input=stdin, capture_output=True, timeout=120)
+    return subprocess.run([*PROGRAM, *args], input=stdin, capture_output=True, timeout=120)
 
 
 def samples(pcm):
@@ -140,7 +140,7 @@ class Streams(ProgramTest):
         for codec in ("g726-24", "g726-40", "g711-alaw"):
             with self.subTest(codec=codec):
                 whole = run("encode", "-c", codec, "--raw", "-", "-", stdin=speech).stdout
-                coder, decoder = [subprocess.Popen([PROGRAM, command, "-c", codec, "--raw", "-", "-"], stdin=subprocess.PIPE,
+                coder, decoder = [subprocess.Popen([*PROGRAM, command, "-c", codec, "--raw", "-", "-"], stdin=subprocess.PIPE,
                                                    stdout=subprocess.PIPE) for command in ("encode", "decode")]
                 stream = b""
                 for start in range(0, 1001, 77):  # an odd number of bytes: samples arrive in halves
@@ -157,7 +157,7 @@ class Streams(ProgramTest):
                 self.assertEqual((coder.returncode, decoder.returncode), (0, 0))
 
     def test_a_stream_flows_while_its_input_is_still_open(self):
-        with subprocess.Popen([PROGRAM, "encode", "-c", "g726-32", "--raw", "-", "-"], stdin=subprocess.PIPE,
+        with subprocess.Popen([*PROGRAM, "encode", "-c", "g726-32", "--raw", "-", "-"], stdin=subprocess.PIPE,
                               stdout=subprocess.PIPE) as coder:
             coder.stdin.write(data("speech.pcm")[:320])
             coder.stdin.flush()
@@ -449,7 +449,7 @@ class Refusals(ProgramTest):
             with self.subTest(args=args):
                 reader, writer = os.pipe()
                 os.close(reader)
-                result = subprocess.run([PROGRAM, *args], input=data("speech.pcm"), stdout=writer, stderr=subprocess.PIPE)
+                result = subprocess.run([*PROGRAM, *args], input=data("speech.pcm"), stdout=writer, stderr=subprocess.PIPE)
                 os.close(writer)
                 self.assertRefused(result, 2, "standard output")
 
@@ -475,7 +475,7 @@ class Files(ProgramTest):
         self.assertRefused(self.encode(self.path("link"), speech), 1, "the input itself")
         with open(speech, "r+b") as both:
             for source, target in (("-", speech), (speech, "-")):
-                result = subprocess.run([PROGRAM, "encode", "-c", "g711-alaw", "--raw", source, target],
+                result = subprocess.run([*PROGRAM, "encode", "-c", "g711-alaw", "--raw", source, target],
                                         stdin=both, stdout=both, stderr=subprocess.PIPE)
                 self.assertRefused(result, 1, "the input itself")
         self.assertEqual(self.content("speech.pcm"), data("speech.pcm"))
@@ -513,7 +513,7 @@ class Files(ProgramTest):
     def test_a_full_disk_or_a_size_limit_leaves_nothing(self):
         speech = self.file("speech.pcm", data("speech.pcm"))
         for program in ("encode", "roundtrip"):
-            limited = subprocess.run([PROGRAM, program, "-c", "g711-alaw", "--raw", speech, self.path("out")], capture_output=True,
+            limited = subprocess.run([*PROGRAM, program, "-c", "g711-alaw", "--raw", speech, self.path("out")], capture_output=True,
                                      preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (1000, 1000)))
             self.assertRefused(limited, 2, "cannot write", "large")
             self.assertFiles("speech.pcm")
@@ -549,7 +549,7 @@ class Files(ProgramTest):
         with open(self.path("long.pcm"), "wb") as file:
             file.truncate(1 << 30)  # sparse: minutes of work, cut short below
         terminal, slave = pty.openpty()
-        coder = subprocess.Popen([PROGRAM, "encode", "-c", "g726-40", "--raw", self.path("long.pcm"), self.path("out")],
+        coder = subprocess.Popen([*PROGRAM, "encode", "-c", "g726-40", "--raw", self.path("long.pcm"), self.path("out")],
                                  stderr=slave)
         os.close(slave)
         shown = b""
@@ -632,5 +632,5 @@ class Wav(ProgramTest):
 
 
 if __name__ == "__main__":
-    PROGRAM = os.path.abspath(sys.argv.pop(1))
+    PROGRAM = [*os.environ.get("EMULATOR", "").split(), os.path.abspath(sys.argv.pop(1))]
     unittest.main()

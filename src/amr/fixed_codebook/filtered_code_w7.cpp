@@ -13,28 +13,35 @@ void ownFilteredCode_GSMAMR_16s_W7(const Zpp16s* impulse, const Zpp16s* position
                                    Zpp16s* filtered) {
   constexpr int kVectors = kSubframe / 8;
   const V zero = _mm_setzero_si128();
-  alignas(16) Zpp16s delayed[2 * kSubframe];  // zeros before the response
+  alignas(16) Zpp16s positive[2 * kSubframe], negative[2 * kSubframe], magnitude[2 * kSubframe];  // zeros, then the response
   for (int n = 0; n < kSubframe; n += 8) {
-    store(delayed + n, zero);
-    store(delayed + kSubframe + n, load(impulse + n));
+    const V h = load(impulse + n), negated = _mm_subs_epi16(zero, h);
+    for (Zpp16s* delayed : {positive, negative, magnitude}) store(delayed + n, zero);
+    store(positive + kSubframe + n, h);
+    store(negative + kSubframe + n, negated);
+    store(magnitude + kSubframe + n, _mm_max_epi16(h, negated));
   }
   const bool quarter = weights[0] == 8192 || weights[0] == -8192;
-  V largest = zero, result[kVectors];
-  for (int i = 0; i < kVectors; ++i) {
-    V sum = zero, ofPositive = zero, magnitudes = zero;
-    for (int k = 0; k < pulses; ++k) {
-      const V response = load(delayed + kSubframe + 8 * i - positions[k]);
-      const V negative = _mm_set1_epi16(static_cast<Zpp16s>(weights[k] >> 15));
-      sum = _mm_add_epi16(sum, _mm_sub_epi16(_mm_xor_si128(response, negative), negative));
-      ofPositive = _mm_add_epi16(ofPositive, _mm_andnot_si128(negative, response));
-      magnitudes = _mm_adds_epi16(magnitudes, _mm_max_epi16(response, _mm_subs_epi16(zero, response)));
-    }
-    largest = _mm_max_epi16(largest, magnitudes);
-    const V up = _mm_cmpgt_epi16(_mm_set1_epi16(-16383), ofPositive), down = _mm_cmpgt_epi16(ofPositive, _mm_set1_epi16(16384));
-    result[i] =
-        quarter ? _mm_srai_epi16(_mm_add_epi16(sum, _mm_set1_epi16(2)), 2) : _mm_add_epi16(_mm_sub_epi16(sum, up), down);
+  V sum[kVectors], magnitudes[kVectors], ofPositive[kVectors];
+  unrolled<kVectors>([&](int i) { sum[i] = magnitudes[i] = ofPositive[i] = zero; });
+  for (int k = 0; k < pulses; ++k) {
+    const int from = kSubframe - positions[k];
+    const Zpp16s *response = (weights[k] < 0 ? negative : positive) + from, *ofMagnitude = magnitude + from;
+    unrolled<kVectors>([&](int i) {
+      sum[i] = _mm_add_epi16(sum[i], load(response + 8 * i));
+      magnitudes[i] = _mm_adds_epi16(magnitudes[i], load(ofMagnitude + 8 * i));
+    });
+    if (quarter || weights[k] < 0) continue;
+    unrolled<kVectors>([&](int i) { ofPositive[i] = _mm_add_epi16(ofPositive[i], load(response + 8 * i)); });
   }
+  V largest = zero;
+  unrolled<kVectors>([&](int i) { largest = _mm_max_epi16(largest, magnitudes[i]); });
   if (_mm_movemask_epi8(_mm_cmpgt_epi16(largest, _mm_set1_epi16(kMax16 - 4))) != 0)
     return ownFilteredCode_GSMAMR_16s_PX(impulse, positions, weights, pulses, filtered);
-  for (int i = 0; i < kVectors; ++i) store(filtered + 8 * i, result[i]);
+  unrolled<kVectors>([&](int i) {
+    const V up = _mm_cmpgt_epi16(_mm_set1_epi16(-16383), ofPositive[i]);
+    const V down = _mm_cmpgt_epi16(ofPositive[i], _mm_set1_epi16(16384));
+    store(filtered + 8 * i, quarter ? _mm_srai_epi16(_mm_add_epi16(sum[i], _mm_set1_epi16(2)), 2)
+                                    : _mm_add_epi16(_mm_sub_epi16(sum[i], up), down));
+  });
 }

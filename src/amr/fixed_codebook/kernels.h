@@ -13,6 +13,11 @@
 // ownSearchOptimalPulsePos_M102M122: two pulses a track; trackBest: each track's slot of largest correlation; trackOrder:
 //   `pulses` tracks in the order of the first pass.
 // ownFilteredCode: filtered = sum of weight * impulse delayed by position, saturated after every product, in this order.
+// ownTargetSignalCorr_X2: target filtered backward by the impulse response, normalised to 16 bits by the largest magnitudes
+//   of the tracks (cor_h_x2); corr in track order.
+// ownSetSign: sign = that of corr, corr = |corr|; candidate >= 0 marks the `candidates` largest of each of the five tracks.
+// ownSetSign_M102M122: signs from correlation and LTP residual together (set_sign12k2); trackBest and trackOrder as the search
+//   takes them.
 #define ZPP_AMR_FIXED_CODEBOOK_KERNELS(KERNEL)                                                                            \
   KERNEL(ownToeplizMatrix_GSMAMR_16s, W7,                                                                                 \
          void(const Zpp16s* impulse, const Zpp16s* sign, Zpp16s* matrix, int tracks, TrackPairs pairs))                   \
@@ -23,21 +28,17 @@
          void(const Zpp16s* corr, const Zpp16s* matrix, const Zpp16s* trackBest, const Zpp16s* trackOrder, Zpp16s* slots, \
               int pulses, int tracks))                                                                                    \
   KERNEL(ownFilteredCode_GSMAMR_16s, W7,                                                                                  \
-         void(const Zpp16s* impulse, const Zpp16s* positions, const Zpp16s* weights, int pulses, Zpp16s* filtered))
+         void(const Zpp16s* impulse, const Zpp16s* positions, const Zpp16s* weights, int pulses, Zpp16s* filtered))       \
+  KERNEL(ownTargetSignalCorr_X2_GSMAMR_16s, W7,                                                                           \
+         void(const Zpp16s* target, const Zpp16s* impulse, Zpp16s* corr, int guardBits, const Grid& grid))                \
+  KERNEL(ownSetSign_GSMAMR_16s, W7, void(Zpp16s * corr, Zpp16s * sign, Zpp16s * candidate, int candidates))               \
+  KERNEL(ownSetSign_M102M122_GSMAMR_16s, W7,                                                                              \
+         void(const Zpp16s* ltpResidual, Zpp16s* corr, Zpp16s* sign, Zpp16s* trackBest, Zpp16s* trackOrder,               \
+              const Grid& grid))
 
 ZPP_AMR_FIXED_CODEBOOK_KERNELS(ZPP_DECLARE_KERNEL)
 
-// --- Target of the codebook search and signs of its pulses -----------------------------------------------------------
-
-// Target filtered backward by the impulse response, normalised to 16 bits by the largest magnitudes of the tracks (cor_h_x2);
-// corr in track order
-void ownTargetSignalCorr_X2_GSMAMR_16s(const Zpp16s* target, const Zpp16s* impulse, Zpp16s* corr, int guardBits,
-                                       const Grid& grid);
-// sign = that of corr, corr = |corr|; candidate >= 0 marks the `candidates` largest of each of the five tracks
-void ownSetSign_GSMAMR_16s(Zpp16s* corr, Zpp16s* sign, Zpp16s* candidate, int candidates);
-// Signs from correlation and LTP residual together (set_sign12k2); trackBest and trackOrder as the search takes them
-void ownSetSign_M102M122_GSMAMR_16s(const Zpp16s* ltpResidual, Zpp16s* corr, Zpp16s* sign, Zpp16s* trackBest,
-                                    Zpp16s* trackOrder, const Grid& grid);
+// --- Correlation matrix ----------------------------------------------------------------------------------------------
 
 // The impulse response scaled to energy 0.99 (Q30), as the matrix is formed from it; true when sums of its products may
 // saturate, which takes a response of full scale

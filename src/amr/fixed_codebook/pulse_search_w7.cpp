@@ -5,7 +5,7 @@
 
 #include "amr/fixed_codebook/kernels.h"
 #include "amr/fixed_codebook/pulse_search.h"
-#include "amr/fixed_codebook/simd_w7.h"
+#include "core/simd_w7.h"
 
 using namespace zpp;
 
@@ -141,40 +141,113 @@ void ownSearchOptimalPulsePos_GSMAMR_16s_W7(const Zpp16s* corr, const Zpp16s* ca
 
 namespace {
 
-// Energies of a pulse on eight slots from `slot` on with those placed before, in 32 bits before the rounding
+// Eight slots of a track: energies of one more pulse there with those placed before, in 32 bits before the rounding
 struct Energies {
   V low, high;
+
+  V rounded() const { return _mm_packs_epi32(_mm_srai_epi32(low, 15), _mm_srai_epi32(high, 15)); }
+  // Without the fraction, modulo 2^16
+  V above15() const {
+    const auto kept = [](V x) { return _mm_srai_epi32(_mm_slli_epi32(x, 1), 16); };
+    return _mm_packs_epi32(kept(low), kept(high));
+  }
 };
+template <int Count>
 Energies energiesWith(const PairSearch& search, const Zpp16s* diagonal, const Placed& placed, int slot, Zpp32s energy,
                       PairStep::Weights weight) {
   const V own = load(diagonal + slot), ownWeight = weights(weight.own, 0), eachWeight = weights(weight.each, weight.each);
   V low = _mm_add_epi32(_mm_set1_epi32(energy), _mm_madd_epi16(_mm_unpacklo_epi16(own, own), ownWeight));
   V high = _mm_add_epi32(_mm_set1_epi32(energy), _mm_madd_epi16(_mm_unpackhi_epi16(own, own), ownWeight));
-  for (int j = 0; j < placed.count; j += 2) {
-    const V row0 = load(search.matrix + placed.slots[j] * kSubframe + slot);
-    const V row1 = load(search.matrix + placed.slots[j + 1] * kSubframe + slot);
+  unrolled<Count / 2>([&](int pair) {
+    const V row0 = load(search.matrix + placed.slots[2 * pair] * kSubframe + slot);
+    const V row1 = load(search.matrix + placed.slots[2 * pair + 1] * kSubframe + slot);
     low = _mm_add_epi32(low, _mm_madd_epi16(_mm_unpacklo_epi16(row0, row1), eachWeight));
     high = _mm_add_epi32(high, _mm_madd_epi16(_mm_unpackhi_epi16(row0, row1), eachWeight));
-  }
+  });
   return {low, high};
 }
 
+V magnitudes(V x) { return _mm_max_epi16(x, _mm_subs_epi16(_mm_setzero_si128(), x)); }
+bool anyAbove(V x, Zpp16s limit) { return _mm_movemask_epi8(_mm_cmpgt_epi16(x, _mm_set1_epi16(limit))) != 0; }
+
 // Whether a sum of the magnitudes of these terms, without an earlier energy, may reach full scale
+template <int Count>
 bool reachesFullScale(const PairSearch& search, const Zpp16s* diagonal, const Placed& placed, int slot,
                       PairStep::Weights weight) {
   const auto weighted = [](const Zpp16s* p, Zpp16s w) {
-    const V x = load(p), magnitude = _mm_max_epi16(x, _mm_subs_epi16(_mm_setzero_si128(), x));
-    return _mm_mulhi_epi16(magnitude, _mm_set1_epi16(static_cast<Zpp16s>(2 * w)));
+    return _mm_mulhi_epi16(magnitudes(load(p)), _mm_set1_epi16(static_cast<Zpp16s>(2 * w)));
   };
   V sum = weighted(diagonal + slot, weight.own);
-  for (int j = 0; j < placed.count; ++j)
-    sum = _mm_adds_epi16(sum, weighted(search.matrix + placed.slots[j] * kSubframe + slot, weight.each));
-  return _mm_movemask_epi8(_mm_cmpgt_epi16(sum, _mm_set1_epi16(kMax16 - 16))) != 0;  // each term was truncated
+  unrolled<Count>(
+      [&](int j) { sum = _mm_adds_epi16(sum, weighted(search.matrix + placed.slots[j] * kSubframe + slot, weight.each)); });
+  return anyAbove(sum, kMax16 - 16);  // each term was truncated
 }
 
-// Of eight lanes with energy and negated square, each the best of its inner slot for the given outer one: the first of the best
-// in the order of the loops, as outer number * 8 + lane.
-int firstOfBest(V low, V high, V outer) {
+// What the candidates of one pair of tracks are made of. The energy of a pair is
+//   ((cross + outerRest + innerRest) >> restBits) + outerEnergy + innerEnergy,
+// its parts split where the weight of the cross term begins: 16 bits suffice for all of it.
+template <int PerTrack>
+struct PairTerms {
+  static constexpr int kVectors = (PerTrack + 7) / 8;  // of eight slots, from slots 0 and, of ten, 2
+
+  V outerEnergy[kVectors], outerRest[kVectors], innerEnergy[kVectors], innerRest[kVectors];
+  V restBits;
+};
+
+// False when a sum may saturate
+template <int PerTrack, int Level>
+bool prepare(const PairSearch& search, const Zpp16s* diagonal, const Placed& placed, int outerTrack, int innerTrack,
+             PairTerms<PerTrack>& terms) {
+  constexpr PairStep step = kPairSteps[Level];
+  constexpr int kCount = 2 * Level + 2, kHalf = 0x4000;
+  constexpr int crossBits = std::countr_zero(static_cast<Zpp16u>(step.cross));
+  constexpr int innerBits = std::countr_zero(static_cast<Zpp16u>(step.ofInner));
+  static_assert(step.cross == 1 << crossBits && step.ofInner == 1 << innerBits);
+  for (int i = 0; i < PairTerms<PerTrack>::kVectors; ++i) {
+    const int from = 2 * i;
+    const Energies outer =
+        energiesWith<kCount>(search, diagonal, placed, outerTrack + from, placed.energy / 2 + kHalf, step.outer);
+    if (step.innerMayExceed && reachesFullScale<kCount>(search, diagonal, placed, innerTrack + from, step.inner)) return false;
+    const V inner = energiesWith<kCount>(search, diagonal, placed, innerTrack + from, kHalf, step.inner).rounded();
+    // Energies of 0.7, a quarter of an inner sum of 0.9 and a sixteenth of an entry stay below 1.
+    if (step.energyMayExceed && (anyAbove(magnitudes(outer.rounded()), 22937) || anyAbove(magnitudes(inner), 29491)))
+      return false;
+    const V rest = _mm_set1_epi32((1 << (15 - crossBits)) - 1);
+    terms.outerEnergy[i] = outer.above15();
+    terms.outerRest[i] = _mm_packs_epi32(_mm_and_si128(_mm_srli_epi32(outer.low, crossBits), rest),
+                                         _mm_and_si128(_mm_srli_epi32(outer.high, crossBits), rest));
+    terms.innerEnergy[i] = _mm_srai_epi16(inner, 15 - innerBits);
+    terms.innerRest[i] =
+        _mm_slli_epi16(_mm_and_si128(inner, _mm_set1_epi16((1 << (15 - innerBits)) - 1)), innerBits - crossBits);
+  }
+  terms.restBits = _mm_cvtsi32_si128(15 - crossBits);
+  return true;
+}
+
+// Elements of a track spread over all lanes one by one; of ten, the second vector starts at element 2.
+template <int PerTrack>
+struct Spread {
+  explicit Spread(const V* vectors) {
+    twice[0] = _mm_unpacklo_epi16(vectors[0], vectors[0]);
+    twice[1] = _mm_unpackhi_epi16(vectors[0], vectors[0]);
+    if constexpr (PerTrack > 8) twice[2] = _mm_unpackhi_epi16(vectors[1], vectors[1]);
+  }
+  template <int i>
+  V of() const {
+    constexpr int kLane = i < 8 ? i % 4 : i - 6;
+    return _mm_shuffle_epi32(twice[i / 4], kLane * 0x55);
+  }
+
+  V twice[(PerTrack + 3) / 4];
+};
+
+// The best of eight inner slots and all outer ones: the first in the order of the loops
+struct BestOfRows {
+  Criterion reached;
+  int outer, lane;
+};
+// Of eight lanes, each the best of its inner slot, with energy and negated square
+BestOfRows firstOfBest(V low, V high, V outer) {
   const V zero = _mm_setzero_si128(), lane = _mm_setr_epi16(0, 1, 2, 3, 4, 5, 6, 7);
   V best = winners(swapNegated(_mm_sub_epi16(zero, low)), swapNegated(_mm_sub_epi16(zero, high)));
   best = winners(best, best);
@@ -185,72 +258,85 @@ int firstOfBest(V low, V high, V outer) {
   order = _mm_min_epi16(order, _mm_srli_si128(order, 8));
   order = _mm_min_epi16(order, _mm_srli_si128(order, 4));
   order = _mm_min_epi16(order, _mm_srli_si128(order, 2));
-  return _mm_extract_epi16(order, 0);
+  const int first = _mm_extract_epi16(order, 0), both = _mm_cvtsi128_si32(best);
+  return {{low16(both), high16(both)}, first / 8, first % 8};
 }
 
-// PairSearch::best with the inner track's slots side by side; each lane keeps the best of its slot.
+// The standard's loops with the inner track's slots side by side; each lane keeps the best of its slot. False when that gives
+// no ordered set or may differ.
+template <int PerTrack>
+bool compareRows(const PairSearch& search, const PairTerms<PerTrack>& terms, Zpp16s sumBefore, int outerTrack, int innerTrack,
+                 BestPair& best) {
+  constexpr int kVectors = PairTerms<PerTrack>::kVectors;
+  const V zero = _mm_setzero_si128();
+  V sums[kVectors], ofTrack[kVectors], lowest = zero;
+  for (int i = 0; i < kVectors; ++i) {
+    sums[i] = _mm_adds_epi16(_mm_set1_epi16(sumBefore), load(search.corr + outerTrack + 2 * i));
+    ofTrack[i] = load(search.corr + innerTrack + 2 * i);
+    lowest = _mm_min_epi16(lowest, _mm_min_epi16(sums[i], ofTrack[i]));
+  }
+  const Spread<PerTrack> energy1(terms.outerEnergy), rest1(terms.outerRest), sum1(sums);
+  V smallest = _mm_set1_epi16(kMax16), largest = zero;  // energy; cross term
+  for (int k = 0; k < kVectors; ++k) {
+    const Zpp16s* const rows = search.matrix + outerTrack * kSubframe + innerTrack + 2 * k;
+    V low = zero, high = zero, outer = zero;  // energy and negated square; number of the outer slot
+    unrolled<PerTrack>([&](auto row) {
+      constexpr int i = decltype(row)::value;
+      const V cross = load(rows + i * kSubframe);
+      largest = _mm_max_epi16(largest, cross);
+      const V rest = _mm_add_epi16(_mm_add_epi16(cross, terms.innerRest[k]), rest1.template of<i>());
+      const V energy =
+          _mm_add_epi16(_mm_add_epi16(_mm_sra_epi16(rest, terms.restBits), terms.innerEnergy[k]), energy1.template of<i>());
+      smallest = _mm_min_epi16(smallest, energy);
+      const V sum = _mm_adds_epi16(sum1.template of<i>(), ofTrack[k]);
+      const V magnitude = _mm_max_epi16(sum, _mm_sub_epi16(zero, sum));
+      const V square = _mm_mulhi_epu16(_mm_add_epi16(magnitude, magnitude), magnitude), negated = _mm_sub_epi16(zero, square);
+      if constexpr (i == 0) {
+        low = pairsLow(energy, negated);
+        high = pairsHigh(energy, negated);
+      } else {
+        const V betterLow = _mm_cmpgt_epi32(_mm_madd_epi16(pairsLow(square, energy), low), zero);
+        const V betterHigh = _mm_cmpgt_epi32(_mm_madd_epi16(pairsHigh(square, energy), high), zero);
+        const auto chosen = [](V better, V now, V before) {
+          return _mm_xor_si128(_mm_and_si128(_mm_xor_si128(now, before), better), before);
+        };
+        low = chosen(betterLow, pairsLow(energy, negated), low);
+        high = chosen(betterHigh, pairsHigh(energy, negated), high);
+        outer = _mm_max_epi16(outer, _mm_and_si128(_mm_packs_epi32(betterLow, betterHigh), _mm_set1_epi16(i)));
+      }
+    });
+    const BestOfRows first = firstOfBest(low, high, outer);
+    const int slot1 = outerTrack + first.outer, slot2 = innerTrack + 2 * k + first.lane;
+    const bool earlier = slot1 < best.outer || (slot1 == best.outer && slot2 < best.inner);
+    if (k == 0 || first.reached.beats(best.reached) || (earlier && !best.reached.beats(first.reached)))
+      best = {first.reached, 0, static_cast<Zpp16s>(slot1), static_cast<Zpp16s>(slot2)};
+  }
+  best.sum = addSat16(addSat16(sumBefore, search.corr[best.outer]), search.corr[best.inner]);
+  // Two sums of -16383 and more make more than -32768, the magnitude of which is no 16-bit number; two rests stay below 128.
+  const V fine = _mm_and_si128(_mm_cmpgt_epi16(smallest, zero), _mm_cmpgt_epi16(lowest, _mm_set1_epi16(-16384)));
+  return _mm_movemask_epi8(_mm_andnot_si128(_mm_cmpgt_epi16(largest, _mm_set1_epi16(kMax16 - 128)), fine)) == 0xffff;
+}
+
+// PairSearch::best
+template <int PerTrack>
 BestPair bestPair(const PairSearch& search, const Zpp16s* diagonal, const Placed& placed, int outerTrack, int innerTrack,
                   const PairStep& step) {
-  constexpr int kHalf = 0x4000;
-  const int perTrack = search.grid.perTrack, lastVector = perTrack - 8;  // vectors from slots 0 and, of ten, 2
-  const auto rounded = [](const Energies& e) { return _mm_packs_epi32(_mm_srai_epi32(e.low, 15), _mm_srai_epi32(e.high, 15)); };
-  const auto anyBeyond = [](V x, Zpp16s limit) {
-    const V magnitude = _mm_max_epi16(x, _mm_subs_epi16(_mm_setzero_si128(), x));
-    return _mm_movemask_epi8(_mm_cmpgt_epi16(magnitude, _mm_set1_epi16(limit))) != 0;
-  };
-
-  alignas(16) Zpp32s energy1[10];
-  V inner[2];
-  for (int from = 0; from <= lastVector; from += 2) {
-    const Energies outer = energiesWith(search, diagonal, placed, outerTrack + from, placed.energy / 2 + kHalf, step.outer);
-    store(energy1 + from, outer.low);
-    store(energy1 + from + 4, outer.high);
-    if (step.innerMayExceed && reachesFullScale(search, diagonal, placed, innerTrack + from, step.inner))
-      return search.best(placed, outerTrack, innerTrack, step);
-    inner[from / 2] = rounded(energiesWith(search, diagonal, placed, innerTrack + from, kHalf, step.inner));
-    // Energies of 0.7, a quarter of an inner sum of 0.9 and a sixteenth of an entry stay below 1.
-    if (step.energyMayExceed && (anyBeyond(rounded(outer), 22937) || anyBeyond(inner[from / 2], 29491)))
-      return search.best(placed, outerTrack, innerTrack, step);
-  }
-
-  alignas(16) Zpp16s sum1[10];
-  for (int from = 0; from <= lastVector; from += 2)
-    store(sum1 + from, _mm_adds_epi16(_mm_set1_epi16(placed.sum), load(search.corr + outerTrack + from)));
-  const V pairWeights = weights(step.ofInner, step.cross), zero = _mm_setzero_si128();
-  V smallest = _mm_set1_epi16(kMax16);
-  BestPair best{{}, 0, static_cast<Zpp16s>(outerTrack), static_cast<Zpp16s>(innerTrack)};
-  for (int from = 0; from <= lastVector; from += 2) {
-    const V ofTrack = load(search.corr + innerTrack + from);
-    const V ofInner = inner[from / 2];
-    const Zpp16s* row = search.matrix + outerTrack * kSubframe + innerTrack + from;
-    V low = weights(1, 1), high = low, outer = zero;  // energy and negated square; number of the outer slot
-    for (int i = 0; i < perTrack; ++i, row += kSubframe) {
-      const V cross = load(row), before = _mm_set1_epi32(energy1[i]);
-      const V energyLow = _mm_add_epi32(before, _mm_madd_epi16(_mm_unpacklo_epi16(ofInner, cross), pairWeights));
-      const V energyHigh = _mm_add_epi32(before, _mm_madd_epi16(_mm_unpackhi_epi16(ofInner, cross), pairWeights));
-      const V energy = _mm_packs_epi32(_mm_srai_epi32(energyLow, 15), _mm_srai_epi32(energyHigh, 15));
-      smallest = _mm_min_epi16(smallest, energy);
-      const V sum = _mm_adds_epi16(_mm_set1_epi16(sum1[i]), ofTrack);
-      const V wrapped = mulWrapQ15(sum, sum), square = _mm_add_epi16(wrapped, _mm_srai_epi16(wrapped, 15));
-      const V negated = _mm_sub_epi16(zero, square);
-      const V betterLow = _mm_cmpgt_epi32(_mm_madd_epi16(low, pairsLow(square, energy)), zero);
-      const V betterHigh = _mm_cmpgt_epi32(_mm_madd_epi16(high, pairsHigh(square, energy)), zero);
-      low = select(betterLow, pairsLow(energy, negated), low);
-      high = select(betterHigh, pairsHigh(energy, negated), high);
-      outer = select(_mm_packs_epi32(betterLow, betterHigh), _mm_set1_epi16(static_cast<Zpp16s>(i)), outer);
+  PairTerms<PerTrack> terms;
+  const auto prepared = [&] {
+    switch (placed.count) {
+      case 2:
+        return prepare<PerTrack, 0>(search, diagonal, placed, outerTrack, innerTrack, terms);
+      case 4:
+        return prepare<PerTrack, 1>(search, diagonal, placed, outerTrack, innerTrack, terms);
+      case 6:
+        return prepare<PerTrack, 2>(search, diagonal, placed, outerTrack, innerTrack, terms);
+      default:
+        return prepare<PerTrack, 3>(search, diagonal, placed, outerTrack, innerTrack, terms);
     }
-    const int first = firstOfBest(low, high, outer), slot1 = outerTrack + first / 8, slot2 = innerTrack + from + first % 8;
-    alignas(16) Zpp16s lanes[16];
-    store(lanes, low);
-    store(lanes + 8, high);
-    const Criterion tried{static_cast<Zpp16s>(-lanes[2 * (first % 8) + 1]), lanes[2 * (first % 8)]};
-    const bool earlier = slot1 < best.outer || (slot1 == best.outer && slot2 < best.inner);
-    if (tried.beats(best.reached) || (earlier && !best.reached.beats(tried)))
-      best = {tried, 0, static_cast<Zpp16s>(slot1), static_cast<Zpp16s>(slot2)};
-  }
-  if (_mm_movemask_epi8(_mm_cmpgt_epi16(smallest, zero)) != 0xffff) return search.best(placed, outerTrack, innerTrack, step);
-  best.sum = addSat16(addSat16(placed.sum, search.corr[best.outer]), search.corr[best.inner]);
-  return best;
+  };
+  BestPair best{};
+  if (prepared() && compareRows(search, terms, placed.sum, outerTrack, innerTrack, best)) return best;
+  return search.best(placed, outerTrack, innerTrack, step);
 }
 
 }  // namespace
@@ -262,6 +348,7 @@ void ownSearchOptimalPulsePos_M102M122_GSMAMR_16s_W7(const Zpp16s* corr, const Z
   for (int slot = 0; slot < kSubframe; ++slot) diagonal[slot] = matrix[slot * (kSubframe + 1)];
   searchPairs(search, trackBest, trackOrder, slots, pulses,
               [&](const Placed& placed, int outerTrack, int innerTrack, const PairStep& step) {
-                return bestPair(search, diagonal, placed, outerTrack, innerTrack, step);
+                return tracks == 5 ? bestPair<8>(search, diagonal, placed, outerTrack, innerTrack, step)
+                                   : bestPair<10>(search, diagonal, placed, outerTrack, innerTrack, step);
               });
 }

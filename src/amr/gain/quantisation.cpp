@@ -95,7 +95,7 @@ namespace {
 Zpp16s bestCodeGain(const Zpp16s* codeTarget, const Zpp16s* filteredCode) {
   Zpp16s halved[kSubframe];
   ownRShiftC_16s(filteredCode, halved, kSubframe, 1);
-  const Normalised product = normalised(correlation(codeTarget, halved, kSubframe, 1));
+  const Normalised product = normalised(dotProduct(codeTarget, halved, kSubframe, 1));
   const Normalised own = normalised(energy(halved, kSubframe));
   if (product.value <= 0 || own.value == 0) return 0;
   const Zpp16s quotient = divQ15(static_cast<Zpp16s>(product.value >> 1), own.value);

@@ -91,7 +91,7 @@ Energies measureEnergies(const GainTask& task, Zpp16s pitchGain) {
   Energies e = {};
   e.residual = residualEnergy < 400 ? Scaled{0, -15} : scaledSum(residualEnergy, 15);
   e.vector = scaledSum(energy(task.vector, kSubframe), 15);
-  e.product = scaledSum(correlation(task.vector, task.code, kSubframe), 2);
+  e.product = scaledSum(dotProduct(task.vector, task.code, kSubframe), 2);
   e.remainder = scaledSum(energy(remainder, kSubframe), 15);
   if (e.remainder.value > 0 && e.residual.value != 0) {
     const Zpp16s quotient = divQ15(static_cast<Zpp16s>(e.residual.value >> 1), e.remainder.value);

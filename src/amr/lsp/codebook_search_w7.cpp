@@ -1,69 +1,85 @@
 // Search of the LSF codebooks: SSE2 kernel, four entries at a time.
+#include <bit>
+
 #include "amr/lsp/kernels.h"
+#include "core/fixed_point.h"
 #include "core/simd_w7.h"
 
 using namespace zpp;
 
 namespace {
 
-// Half the squared errors of four entries. |mulQ15| is 32767 at most, so that two squares stay below 2^31; the sum of four may
-// wrap to a negative value, which counts as the largest.
+// Half the squared errors of four entries. With differences of at most 16383 weighted ones are no larger, so that the four
+// squares stay below 2^30 together and nothing saturates.
 struct FourErrors {
   V residual[2], weight[2];
 
   V square(V difference, int pair) const {
-    const V weighted = mulQ15(weight[pair], difference);
+    const V weighted = _mm_mulhi_epi16(_mm_add_epi16(difference, difference), weight[pair]);
     return _mm_madd_epi16(weighted, weighted);
   }
-  static V sum(V first, V second) {
-    const V total = _mm_add_epi32(first, second);
-    return _mm_and_si128(_mm_or_si128(total, _mm_srai_epi32(total, 31)), _mm_set1_epi32(0x7fffffff));
-  }
   V of(const LsfQuad& quad) const {
-    return sum(square(_mm_subs_epi16(residual[0], load(quad.pair[0])), 0),
-               square(_mm_subs_epi16(residual[1], load(quad.pair[1])), 1));
+    return _mm_add_epi32(square(_mm_sub_epi16(residual[0], load(quad.pair[0])), 0),
+                         square(_mm_sub_epi16(residual[1], load(quad.pair[1])), 1));
   }
   V ofOpposites(const LsfQuad& quad) const {
-    return sum(square(_mm_adds_epi16(residual[0], load(quad.pair[0])), 0),
-               square(_mm_adds_epi16(residual[1], load(quad.pair[1])), 1));
+    return _mm_add_epi32(square(_mm_add_epi16(residual[0], load(quad.pair[0])), 0),
+                         square(_mm_add_epi16(residual[1], load(quad.pair[1])), 1));
   }
 };
 
-// The least error of each lane and its index
-struct FourBest {
-  V error = _mm_set1_epi32(1 << 30);  // from here on the standard's sum saturates
-  V index = _mm_setzero_si128();
-
-  void offer(V errors, V indices) {
-    const V better = _mm_cmplt_epi32(errors, error);
-    error = select(better, errors, error);
-    index = select(better, indices, index);
-  }
+// The least of `count` vectors of errors, at most kMostVectors and an even number, and the first index that has it. As normal
+// floating-point numbers, integers compare as they are.
+constexpr int kMostVectors = 64;
+struct Least {
+  Zpp32s error;
+  int index;
 };
+template <int step, class Errors>
+Least leastOf(int count, Errors errors) {
+  alignas(16) V kept[kMostVectors];
+  const V normal = _mm_set1_epi32(1 << 23);
+  __m128 lanes = _mm_castsi128_ps(_mm_set1_epi32(0x7f7fffff));
+  for (int n = 0; n < count; n += step) {
+    V found[step];
+    errors(n, found);
+    unrolled<step>([&](int i) {
+      kept[n + i] = _mm_add_epi32(found[i], normal);
+      lanes = _mm_min_ps(lanes, _mm_castsi128_ps(kept[n + i]));
+    });
+  }
+  lanes = _mm_min_ps(lanes, _mm_shuffle_ps(lanes, lanes, _MM_SHUFFLE(1, 0, 3, 2)));
+  lanes = _mm_min_ps(lanes, _mm_shuffle_ps(lanes, lanes, _MM_SHUFFLE(2, 3, 0, 1)));
+  const V least = _mm_castps_si128(lanes);
+  for (int n = 0;; n += 2) {
+    const V equal = _mm_packs_epi32(_mm_cmpeq_epi32(kept[n], least), _mm_cmpeq_epi32(kept[n + 1], least));
+    if (const int mask = _mm_movemask_epi8(equal); mask != 0)
+      return {_mm_cvtsi128_si32(least), 4 * n + std::countr_zero(static_cast<unsigned>(mask)) / 2};
+  }
+}
 
 }  // namespace
 
 int ownLsfSearch_GSMAMR_16s_W7(const Zpp16s* residual, const Zpp16s* weight, const LsfQuad* codebook, int size,
                                bool bothSigns) {
+  for (int i = 0; i < 4; ++i)
+    if (residual[i] > kMax16 / 2 - kLargestLsfEntry || residual[i] < -kMax16 / 2 + kLargestLsfEntry)
+      return ownLsfSearch_GSMAMR_16s_PX(residual, weight, codebook, size, bothSigns);
   const FourErrors errors = {{pairOf(residual[0], residual[1]), pairOf(residual[2], residual[3])},
                              {pairOf(weight[0], weight[1]), pairOf(weight[2], weight[3])}};
-  FourBest best;
-  if (bothSigns) {
-    V indices = _mm_setr_epi32(0, 2, 4, 6);
-    for (int n = 0; n < size / 4; ++n, indices = _mm_add_epi32(indices, _mm_set1_epi32(8))) {
-      best.offer(errors.of(codebook[n]), indices);
-      best.offer(errors.ofOpposites(codebook[n]), _mm_add_epi32(indices, _mm_set1_epi32(1)));
-    }
-  } else {
-    V indices = _mm_setr_epi32(0, 1, 2, 3);
-    for (int n = 0; n < size / 4; ++n, indices = _mm_add_epi32(indices, _mm_set1_epi32(4)))
-      best.offer(errors.of(codebook[n]), indices);
+  const int vectors = size / 4 * (bothSigns ? 2 : 1);
+  Least best{kMax32, 0};
+  for (int from = 0; from < vectors; from += kMostVectors) {
+    const int count = vectors - from < kMostVectors ? vectors - from : kMostVectors;
+    const Least least = bothSigns ? leastOf<2>(count,
+                                               [&](int n, V* found) {
+                                                 const LsfQuad& quad = codebook[(from + n) / 2];
+                                                 const V entries = errors.of(quad), opposites = errors.ofOpposites(quad);
+                                                 found[0] = _mm_unpacklo_epi32(entries, opposites);
+                                                 found[1] = _mm_unpackhi_epi32(entries, opposites);
+                                               })
+                                  : leastOf<1>(count, [&](int n, V* found) { *found = errors.of(codebook[from + n]); });
+    if (least.error < best.error) best = {least.error, 4 * from + least.index};
   }
-  alignas(16) Zpp32s error[4], index[4];
-  store(error, best.error);
-  store(index, best.index);
-  int winner = 0;
-  for (int lane = 1; lane < 4; ++lane)
-    if (error[lane] < error[winner] || (error[lane] == error[winner] && index[lane] < index[winner])) winner = lane;
-  return index[winner];
+  return best.index;
 }

@@ -25,6 +25,15 @@ constexpr Quads<entries / step> quadsOf(const Zpp16s (&table)[entries][size]) {
   return quads;
 }
 
+template <int entries>
+constexpr bool isBounded(const Quads<entries>& quads) {
+  for (const LsfQuad& quad : quads.block)
+    for (const auto& pair : quad.pair)
+      for (const Zpp16s x : pair)
+        if (x > kLargestLsfEntry || x < -kLargestLsfEntry) return false;
+  return true;
+}
+
 constexpr Zpp16s dico1_lsf_3[256][3] = {
     {6, 82, -131},      {154, -56, -735},    {183, -65, -265},    {9, -210, -361},     {113, 718, 1817},
     {1010, 1214, 1573}, {857, 1333, 2276},   {827, 1568, 1933},   {717, 1989, 2206},   {838, 1172, 1823},
@@ -1341,6 +1350,9 @@ constexpr auto dico3Lsf5Quads = quadsOf<1>(dico3_lsf_5);
 constexpr auto dico4Lsf5Quads = quadsOf<1>(dico4_lsf_5);
 constexpr auto dico5Lsf5Quads = quadsOf<1>(dico5_lsf_5);
 constexpr auto dico2Lsf3EvenQuads = quadsOf<2>(dico2_lsf_3);
+static_assert(isBounded(dico1Lsf3Quads) && isBounded(dico2Lsf3Quads) && isBounded(dico3Lsf3Quads) &&
+              isBounded(mr515Lsf3Quads) && isBounded(mr795Lsf1Quads) && isBounded(dico1Lsf5Quads) &&
+              isBounded(dico2Lsf5Quads) && isBounded(dico3Lsf5Quads) && isBounded(dico4Lsf5Quads) && isBounded(dico5Lsf5Quads));
 
 }  // namespace
 

@@ -17,6 +17,7 @@ extern const Zpp16s pastRqInit[8][10];
 struct LsfQuad {
   alignas(16) Zpp16s pair[2][8];
 };
+inline constexpr int kLargestLsfEntry = 8191;  // no element of a codebook is of larger magnitude
 struct LsfCodebook {
   const LsfQuad* quads;
   int size;  // entries

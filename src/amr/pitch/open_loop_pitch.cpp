@@ -61,13 +61,13 @@ class Block {
       ownCorr_16s32s(speech(), scaled_, len, corr_, lags_);
       for (int k = 0; k < lags_; ++k) corr_[k] *= 2;
     } else {
-      for (int k = 0; k < lags_; ++k) corr_[k] = correlation(speech(), scaled_ + k, len);
+      for (int k = 0; k < lags_; ++k) corr_[k] = dotProduct(speech(), scaled_ + k, len);
     }
   }
 
   Zpp32s at(int lag) const { return corr_[kMaxLag - lag]; }
   Zpp32s energyAt(int lag) const { return energy(speech() - lag, len_); }
-  Zpp32s correlationAt1() const { return correlation(speech(), speech() - 1, len_); }
+  Zpp32s correlationAt1() const { return dotProduct(speech(), speech() - 1, len_); }
   int shift() const { return shift_; }
   int minLag() const { return kMaxLag - lags_ + 1; }
 

@@ -1,4 +1,5 @@
 // Normalised correlation of the closed-loop pitch search: SSE2 kernel.
+#include <algorithm>
 #include <bit>
 
 #include "amr/pitch/kernels.h"
@@ -16,8 +17,16 @@ void ownNormCorr_GSMAMR_16s_W7(const Zpp16s* excitation, const Zpp16s* target, c
   ownFilteredExcitation_GSMAMR_16s(excitation, minLag, impulse, filtered);
   const bool loud = isLoud(filtered);
   const int shift = loud ? 14 : 12;
-  V f[kVectors];
-  for (int i = 0; i < kVectors; ++i) f[i] = _mm_srai_epi16(load(filtered + 8 * i), loud ? 2 : 0);
+  // Products with the new samples are shifted right by 12 or 14 bits: pmulhw does it by 16 where the factors have room to be
+  // shifted left by the rest; they are then so small that nothing saturates.
+  const auto room = [](const Zpp16s* x, int len) { return norm16(ownMaxAbs_16s(x, len)); };
+  const int responseBits = std::min(room(impulse, kSubframe), 16 - shift), sampleBits = 16 - shift - responseBits;
+  const bool roomy = room(excitation - maxLag, maxLag - minLag + 1) >= sampleBits;
+  V f[kVectors], h[kVectors];
+  for (int i = 0; i < kVectors; ++i) {
+    f[i] = _mm_srai_epi16(load(filtered + 8 * i), loud ? 2 : 0);
+    h[i] = _mm_slli_epi16(load(impulse + 8 * i), roomy ? responseBits : 0);
+  }
 
   // Ten squares of magnitudes up to 14653 fit 32 bits. No sum of products with the target exceeds the root of the product of
   // the two energies, so below 2^60 no step of the standard's sum can saturate. Beyond either limit all is computed step by
@@ -46,13 +55,16 @@ void ownNormCorr_GSMAMR_16s_W7(const Zpp16s* excitation, const Zpp16s* target, c
     }
     // One sample further back: the filtered excitation moves on and the response to the new sample is added.
     const Zpp16s sample = excitation[-lag - 1];
-    const V factor = _mm_set1_epi16(sample), count = _mm_cvtsi32_si128(shift);
-    for (int i = kVectors - 1; i >= 0; --i) {
-      const V h = load(impulse + 8 * i);
-      const V response = _mm_packs_epi32(_mm_sra_epi32(mulLow(factor, h), count), _mm_sra_epi32(mulHigh(factor, h), count));
-      const V before = i > 0 ? _mm_srli_si128(f[i - 1], 14) : _mm_setzero_si128();
+    const V factor = _mm_set1_epi16(static_cast<Zpp16s>(roomy ? sample * (1 << sampleBits) : sample));
+    const V count = _mm_cvtsi32_si128(shift);
+    unrolled<kVectors>([&](int k) {
+      const int i = kVectors - 1 - k;
+      const V before = i > 0 ? _mm_srli_si128(f[i > 0 ? i - 1 : 0], 14) : _mm_setzero_si128();
+      const V response =
+          roomy ? _mm_mulhi_epi16(factor, h[i])
+                : _mm_packs_epi32(_mm_sra_epi32(mulLow(factor, h[i]), count), _mm_sra_epi32(mulHigh(factor, h[i]), count));
       f[i] = _mm_adds_epi16(_mm_or_si128(_mm_slli_si128(f[i], 2), before), response);
-    }
+    });
     f[0] = _mm_insert_epi16(f[0], loud ? sample >> 2 : sample, 0);
   }
   ownNormCorr_GSMAMR_16s_PX(excitation, target, impulse, minLag, maxLag, corr);

@@ -7,6 +7,7 @@
 #include "amr/postfilter/tables.h"
 #include "amr/synthesis/kernels.h"
 #include "core/checks.h"
+#include "core/kernels.h"
 #include "lpc/kernels.h"
 
 using namespace zpp;
@@ -25,7 +26,7 @@ constexpr int kSet = kLpcOrder + 1;
 
 void weigh(const Zpp16s* a, const Zpp16s* gamma, Zpp16s* weighted) {
   weighted[0] = a[0];
-  for (int i = 1; i <= kLpcOrder; ++i) weighted[i] = mulRoundQ15(a[i], gamma[i - 1]);
+  ownMul_NR_16s_Sfs(a + 1, gamma, weighted + 1, kLpcOrder, 15);
 }
 
 // A(z) over x[-10..39] with saturation at every step, which only loud input needs
@@ -41,17 +42,13 @@ void residual(const Zpp16s* a, const Zpp16s* x, Zpp16s* dst) {
   }
 }
 
-// The tilt of numerator / denominator, from the first 22 samples of its impulse response: Q15
-Zpp16s tilt(const Zpp16s* numerator, const Zpp16s* denominator) {
-  constexpr int kResponse = 22, kWholeVectors = 24;
-  static constexpr Zpp16s kRest[kLpcOrder] = {};
-  Zpp16s h[kWholeVectors] = {};
-  std::memcpy(h, numerator, kSet * sizeof *h);
-  ownSynthesisFilter_GSMAMR_16s(denominator, h, h, kWholeVectors, kRest);
+// The tilt of a filter, from the first 22 samples of its impulse response: Q15
+Zpp16s tilt(const Zpp16s* h) {
+  constexpr int kResponse = 22;
   const Zpp32s whole = energy(h, kResponse);
   // No partial sum of neighbours' products exceeds the energy.
   const Zpp32s neighbours =
-      whole < kMax32 ? static_cast<Zpp32s>(2 * ownDotProd_16s(h, h + 1, kResponse - 1)) : correlation(h, h + 1, kResponse - 1);
+      whole < kMax32 ? static_cast<Zpp32s>(2 * ownDotProd_16s(h, h + 1, kResponse - 1)) : dotProduct(h, h + 1, kResponse - 1);
   const Zpp16s r0 = high16(whole), r1 = high16(neighbours);
   return r1 <= 0 ? Zpp16s{0} : divQ15(mulQ15(r1, 26214), r0);
 }
@@ -66,18 +63,24 @@ void ownPostFilter_GSMAMR_16s_I(const Zpp16s* a, Zpp16s* speech, Zpp16s* mem, Mo
   std::memcpy(input + kLpcOrder, speech, kFrame * sizeof *input);
   std::memcpy(pastInput, input + kFrame, kLpcOrder * sizeof *input);
 
+  FormantFilter filters[kSubframes];
+  FormantResponse responses[kSubframes];
+  for (int k = 0; k < kSubframes; ++k) {
+    weigh(a + kSet * k, highRate ? gamma3MR122 : gamma3, filters[k].numerator);
+    weigh(a + kSet * k, highRate ? gamma4MR122 : gamma4, filters[k].denominator);
+  }
+  ownFormantResponses_GSMAMR_16s(filters, responses);
+
   for (int k = 0; k < kSubframes; ++k) {
     const Zpp16s* in = input + kLpcOrder + kSubframe * k;
-    Zpp16s numerator[kSet], denominator[kSet], withPast[1 + kSubframe], *const r = withPast + 1, *out = speech + kSubframe * k;
-    weigh(a + kSet * k, highRate ? gamma3MR122 : gamma3, numerator);
-    weigh(a + kSet * k, highRate ? gamma4MR122 : gamma4, denominator);
-    residual(numerator, in, r);
+    Zpp16s withPast[1 + kSubframe], *const r = withPast + 1, *out = speech + kSubframe * k;
+    residual(filters[k].numerator, in, r);
 
     r[-1] = pastResidual;
     pastResidual = r[kSubframe - 1];
-    ownCompensateTilt_GSMAMR_16s_I(tilt(numerator, denominator), r);
+    ownCompensateTilt_GSMAMR_16s_I(tilt(responses[k].at), r);
 
-    ownSynthesisFilter_GSMAMR_16s(denominator, r, out, kSubframe, pastOutput);
+    ownSynthesisFilter_GSMAMR_16s(filters[k].denominator, r, out, kSubframe, pastOutput);
     std::memcpy(pastOutput, out + kSubframe - kLpcOrder, kLpcOrder * sizeof *out);
 
     const Zpp32s actual = subframeEnergy(out);

@@ -19,7 +19,7 @@ ZppStatus zppsBackgroundNoise_GSMAMR_16s(const Zpp16s* speech, const Zpp16s* pit
 bool ownBackgroundNoise_GSMAMR_16s(const Zpp16s* speech, const Zpp16s* pitchGainHist, Zpp16s* energyHist, Zpp16s* noiseCount,
                                    Zpp16s* voicedHangover) {
   constexpr int kHistory = 60, kOlder = 56, kLatest = 20;
-  const Zpp16s level = high16(shlSat32(amr::energy(speech, kFrame), 2));
+  const Zpp16s level = high16(shlSat32(zpp::energy(speech, kFrame), 2));
 
   const Zpp16s quietest = *std::min_element(energyHist, energyHist + kHistory), floor = shlSat16(quietest, 4);
   const Zpp16s loudest = *std::max_element(energyHist, energyHist + kOlder);

@@ -82,7 +82,7 @@ void ownPhaseDispersion_GSMAMR_16s_I(Zpp16s pitchGain, Zpp16s codeGain, Zpp16s* 
 
 void ownExcitationControl_GSMAMR_16s_I(Zpp16s* excitation, Zpp16s* energyHist, const FrameCondition& condition, Mode mode) {
   constexpr int kHistory = 9;
-  const Root root = squareRoot(amr::energy(excitation, kSubframe) >> 1);
+  const Root root = squareRoot(zpp::energy(excitation, kSubframe) >> 1);
   const Zpp16s level = low16(shr32(root.value, (root.shift >> 1) + 15) >> 2);
 
   if (mode <= k590 && condition.voicedHangover > 5 && condition.backgroundNoise && condition.state < 4 && condition.careful()) {

@@ -1,5 +1,6 @@
 // LP synthesis filter as the decoder needs it: saturation at every step, and told.
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 
 #include "amr/synthesis/kernels.h"
@@ -39,18 +40,29 @@ bool filterSaturating(const Zpp16s* a, const Zpp16s* src, Zpp16s* dst, int len, 
   return overflow;
 }
 
-// At most a subframe. Where no sum of its terms can saturate, the filter that does not look gives the same; this is told from
-// its outputs: as long as they have been right, so is the bound on the next one's sum. -32768 is left to the steps, for it may
-// come of a sum that saturated.
-bool filterBlock(const Zpp16s* a, const Zpp16s* src, Zpp16s* dst, int len, const Zpp16s* hist) {
+// Where the magnitudes of the coefficients add up to less than 8.0 no sum of their products with 16-bit values saturates, half
+// of it being less than 2^30; all that may is the last shift, which clamps the output.
+constexpr int kTame = 1 << 15;
+
+// At most a subframe of a tame filter. An output of -32768 does not tell whether the shift saturated.
+bool filterTame(const Zpp16s* a, const Zpp16s* src, Zpp16s* dst, int len, const Zpp16s* hist) {
+  Zpp16s result[kSubframe];
+  const bool overflow = ownSynthesisFilter_NR_16s(a, src, result, len, 12, hist);
+  if (!overflow && ownMin_16s(result, len) == kMin16) return filterSaturating(a, src, dst, len, hist);
+  std::memcpy(dst, result, static_cast<unsigned>(len) * sizeof *dst);
+  return overflow;
+}
+
+// At most a subframe of a filter that is not tame. Where no sum of its terms can saturate, the filter that does not look gives
+// the same; this is told from its outputs: as long as they have been right, so is the bound on the next one's sum. -32768 is
+// left to the steps, for it may come of a sum that saturated.
+bool filterBlock(const Zpp16s* a, int magnitudes, const Zpp16s* src, Zpp16s* dst, int len, const Zpp16s* hist) {
   Zpp16s outputs[kLpcOrder + kSubframe], *const result = outputs + kLpcOrder;  // with the past ones
   std::memcpy(outputs, hist, kLpcOrder * sizeof *hist);
   if (ownSynthesisFilter_NR_16s(a, src, result, len, 12, outputs)) return filterSaturating(a, src, dst, len, hist);
-  const Zpp64s largest = ownMaxAbs_16s(outputs, kLpcOrder + len);
-  Zpp64s feedback = 0;
-  for (int i = 1; i <= kLpcOrder; ++i) feedback += a[i] < 0 ? -a[i] : a[i];
-  const Zpp64s input = Zpp64s{a[0] < 0 ? -a[0] : a[0]} * (ownMaxAbs_16s(src, len) + 1);
-  if (largest == kMax16 || input + feedback * (largest + 1) >= 1 << 30) return filterSaturating(a, src, dst, len, hist);
+  const Zpp16s ofOutputs = ownMaxAbs_16s(outputs, kLpcOrder + len), ofInputs = ownMaxAbs_16s(src, len);
+  const Zpp64s largest = std::max(ofOutputs, ofInputs) + 1;  // -32768 counts as 32767
+  if (ofOutputs == kMax16 || magnitudes * largest >= 1 << 30) return filterSaturating(a, src, dst, len, hist);
   std::memcpy(dst, result, static_cast<unsigned>(len) * sizeof *dst);
   return false;
 }
@@ -61,9 +73,12 @@ bool ownSynthesisFilter_GSMAMR_16s(const Zpp16s* a, const Zpp16s* src, Zpp16s* d
   bool overflow = false;
   Zpp16s past[kLpcOrder];
   std::memcpy(past, hist, sizeof past);
+  int magnitudes = 0;
+  for (int i = 0; i <= kLpcOrder; ++i) magnitudes += std::abs(a[i]);
   for (int n = 0; n < len; n += kSubframe) {
     const int count = std::min(len - n, kSubframe);
-    overflow |= filterBlock(a, src + n, dst + n, count, past);
+    overflow |= magnitudes < kTame ? filterTame(a, src + n, dst + n, count, past)
+                                   : filterBlock(a, magnitudes, src + n, dst + n, count, past);
     if (n + kSubframe < len) std::memcpy(past, dst + n + kSubframe - kLpcOrder, sizeof past);
   }
   return overflow;

@@ -11,20 +11,6 @@ using namespace zpp::amrwb;
 
 namespace {
 
-// Interleaves the first four of eight rows with the last four: a third of a transposition.
-inline void interleave(const V (&rows)[8], V (&out)[8]) {
-  for (int k = 0; k < 4; ++k) {
-    out[2 * k] = _mm_unpacklo_epi16(rows[k], rows[k + 4]);
-    out[2 * k + 1] = _mm_unpackhi_epi16(rows[k], rows[k + 4]);
-  }
-}
-inline void transpose(V (&rows)[8]) {
-  V first[8], second[8];
-  interleave(rows, first);
-  interleave(first, second);
-  interleave(second, rows);
-}
-
 // Sixteen running sums of products
 struct Sums {
   V lane[4];
@@ -38,6 +24,8 @@ struct Sums {
     return _mm_packs_epi32(_mm_srai_epi32(low, 15), _mm_srai_epi32(high, 15));
   }
 };
+
+constexpr int kLanes = 8;
 
 // 16 elements that end at `last`, in reverse order, as two vectors
 inline V reversedFrom(const Zpp16s* last, int half) { return reversed(load(last - 8 * half - 7)); }
@@ -162,7 +150,7 @@ void ownPulseCorrelations_AMRWB_16s_W7(const Zpp16s* impulse, PulseTarget* targe
   }
 
   // The rows of a matrix, from the last on: a row reads what lies before it.
-  const V lanes = _mm_set_epi16(7, 6, 5, 4, 3, 2, 1, 0);
+  alignas(16) static constexpr Zpp16s kFrom[2 * kLanes] = {-1, -1, -1, -1, -1, -1, -1, -1, 0, 0, 0, 0, 0, 0, 0, 0};
   for (int track = 3; track >= 0; --track) {
     // In the pair of tracks 3 and 0 the pulses of one index lie the other way round.
     const int wrapped = track == 3 ? 1 : 0;
@@ -170,28 +158,34 @@ void ownPulseCorrelations_AMRWB_16s_W7(const Zpp16s* impulse, PulseTarget* targe
     const Zpp16s* const columns = laterRows + 256 * track;
     const Zpp16s *sign1 = target->sign + 16 * track, *sign2 = target->sign + 16 * ((track + 1) % 4);
     for (int block = 1; block >= 0; --block) {  // rows 8 block .. 8 block + 7
-      V upper[2][8];                            // of these rows, from the columns of `later`
-      for (int side = 0; side < 2; ++side) {
-        for (int k = 0; k < 8; ++k) {
-          const int j = 8 * side + k;
-          upper[side][k] = reversedFrom(columns + 16 * j + j - wrapped - 8 * block, 0);
-        }
-        transpose(upper[side]);
+      const V negative1 = _mm_srai_epi16(load(sign1 + 8 * block), 15);
+      const V twice[2] = {_mm_unpacklo_epi16(negative1, negative1), _mm_unpackhi_epi16(negative1, negative1)};
+      V result[2][8];
+      for (int side = 1; side >= 0; --side) {
+        V upper[8];  // of these rows, from the columns of `later`
+        const Zpp16s* const from = columns + 17 * 8 * side - wrapped - 8 * block;
+        unrolled<8>([&](int k) __attribute__((always_inline)) { upper[k] = reversedFrom(from + 17 * k, 0); });
+        transpose(upper);
+        const V negative2 = _mm_srai_epi16(load(sign2 + 8 * side), 15);
+        // Row 8 block + k takes from below what lies before lane 8 (block - side) + k + wrapped.
+        const int before = 8 * (block - side) + wrapped;
+        unrolled<8>([&](auto number) __attribute__((always_inline)) {
+          constexpr int k = 7 - decltype(number)::value;
+          Zpp16s* const row = rows + 16 * (8 * block + k);
+          const V lower = reversedFrom(row + 8 * block + k + wrapped - 1, side);
+          const int lanes = before + k;
+          const V isLower = load(kFrom + kLanes - (lanes < 0 ? 0 : lanes > kLanes ? kLanes : lanes));
+          const V value = select(isLower, lower, upper[k]);
+          // No entry is larger than the energies of 32767 and less: only the positive sign rounds, downwards.
+          const V negative = _mm_xor_si128(negative2, _mm_shuffle_epi32(twice[k / 4], k % 4 * 0x55));
+          const V rounding = _mm_mulhi_epi16(value, _mm_andnot_si128(negative, _mm_set1_epi16(-2)));
+          result[side][k] = _mm_add_epi16(_mm_sub_epi16(_mm_xor_si128(value, negative), negative), rounding);
+        });
       }
-      for (int k = 7; k >= 0; --k) {
-        const int i = 8 * block + k;
-        Zpp16s* const row = rows + 16 * i;
-        const V lowest = _mm_set1_epi16(static_cast<Zpp16s>(i + wrapped)), flip = _mm_set1_epi16(sign1[i] >> 15);
-        V result[2];
-        for (int side = 0; side < 2; ++side) {
-          const V lower = reversedFrom(row + i + wrapped - 1, side);
-          const V isLower = _mm_cmpgt_epi16(lowest, _mm_add_epi16(lanes, _mm_set1_epi16(static_cast<Zpp16s>(8 * side))));
-          const V value = select(isLower, lower, upper[side][k]);
-          result[side] = mulQ15(value, _mm_xor_si128(load(sign2 + 8 * side), flip));
-        }
-        store(row, result[0]);
-        store(row + 8, result[1]);
-      }
+      unrolled<8>([&](int k) __attribute__((always_inline)) {
+        store(rows + 16 * (8 * block + k), result[0][k]);
+        store(rows + 16 * (8 * block + k) + 8, result[1][k]);
+      });
     }
   }
 }
@@ -207,7 +201,7 @@ void ownPulseGains_AMRWB_16s_W7(const Zpp16s* impulse, const Zpp16s* filteredCod
   for (int k = 0; k < 2; ++k) {
     const int t = (track + k) % 4;
     V sums[4];
-    for (int quarter = 0; quarter < 4; ++quarter) {
+    unrolled<4>([&](int quarter) __attribute__((always_inline)) {
       // Four positions; the response to the last of them ends after 64 - 16 quarter samples.
       const Zpp16s* const from = code + 16 * quarter + t;
       V a = _mm_setzero_si128(), b = a, c = a, d = a;
@@ -220,7 +214,7 @@ void ownPulseGains_AMRWB_16s_W7(const Zpp16s* impulse, const Zpp16s* filteredCod
       }
       // The saturated rounding of four times the sum is that of packing.
       sums[quarter] = _mm_srai_epi32(_mm_add_epi32(sumsOfLanes32(a, b, c, d), _mm_set1_epi32(0x2000)), 14);
-    }
+    });
     for (int half = 0; half < 2; ++half) {
       const V product = mulQ15(_mm_packs_epi32(sums[2 * half], sums[2 * half + 1]), load(target->sign + 16 * t + 8 * half));
       store(gain + 16 * k + 8 * half, _mm_adds_epi16(product, load(target->energy + 16 * t + 8 * half)));
@@ -249,7 +243,7 @@ PulsePair ownSearchPulsePair_AMRWB_16s_W7(const PulseTarget* target, int track, 
     const V partCorr = _mm_set1_epi16(addSat16(corr, corr1[i]));
     const V partEnergy = _mm_set1_epi32(energy * 65536 + 0x8000 + gain[i] * 8192);
     const Zpp16s* cross = target->cross[track] + 16 * i;
-    for (int side = 0; side < 2; ++side) {
+    unrolled<2>([&](int side) __attribute__((always_inline)) {
       const V sum = _mm_adds_epi16(partCorr, corr2Lanes[side]), square = mulQ15(sum, sum);
       const V crossLanes = load(cross + 8 * side);
       const V low =
@@ -259,21 +253,22 @@ PulsePair ownSearchPulsePair_AMRWB_16s_W7(const PulseTarget* target, int track, 
       const V alp = _mm_packs_epi32(_mm_srai_epi32(low, 16), _mm_srai_epi32(high, 16));
       least = _mm_min_epi16(least, alp);
       // Eight candidates against the best so far, and those that pass in turn against better ones
-      const V better = _mm_packs_epi32(_mm_cmpgt_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(square, alp), factors), zero),
-                                       _mm_cmpgt_epi32(_mm_madd_epi16(_mm_unpackhi_epi16(square, alp), factors), zero));
-      auto passing = static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(better, zero)));
-      if (passing == 0) continue;
+      const V better = _mm_cmpgt_epi16(_mm_packs_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(square, alp), factors),
+                                                       _mm_madd_epi16(_mm_unpackhi_epi16(square, alp), factors)),
+                                       zero);
+      auto passing = static_cast<unsigned>(_mm_movemask_epi8(better)) & 0x5555;  // a bit a lane
+      if (passing == 0) return;
       alignas(16) Zpp16s squares[8], alps[8];
       store(squares, square);
       store(alps, alp);
       for (; passing != 0; passing &= passing - 1) {
-        const int j = std::countr_zero(passing);
+        const int j = std::countr_zero(passing) / 2;
         if (squares[j] * best.energy <= bestSquare * alps[j]) continue;
         bestSquare = squares[j];
         best = {static_cast<Zpp16s>(i), static_cast<Zpp16s>(8 * side + j), alps[j]};
       }
       factors = pairOf(best.energy, -bestSquare);
-    }
+    });
   }
   // With energies above 0 ratios can be put in order, so that what fails against a candidate fails against better ones too.
   if (_mm_movemask_epi8(_mm_cmpgt_epi16(_mm_set1_epi16(1), least)) != 0)

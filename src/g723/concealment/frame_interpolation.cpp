@@ -30,7 +30,7 @@ ZppStatus zppsResidualInterpolation_G723_16s(Zpp16s* history, Zpp16s* seed, Zpp1
 int ownVoicingDecision_G723_16s(const Zpp16s* src, int lag, Zpp16s* energy) {
   constexpr int kMaxLag = 142, kReach = kNearLags / 2, kLength = 120;
   const Zpp16s* last = src + kHistory + kFrame - kLength;
-  const Zpp32s ownEnergy = energyChain(last, kLength);
+  const Zpp32s ownEnergy = zpp::energy(last, kLength);
   const int centre = std::min(lag, kMaxLag);
   int period = centre;
   Zpp32s most = 0, periodEnergy = 0;

@@ -62,7 +62,7 @@ Zpp16s pulseAmplitude(const Zpp16s* excitation, const RandomPulses& pulses, Zpp1
   Zpp32s sum = 0;  // of eleven samples of 13 bits
   for (int k = 0; k < kPulses; ++k) sum += pulses.positive[k] ? scaled[pulses.position[k]] : -scaled[pulses.position[k]];
   const Zpp32s wanted = mulDbl(low16(mulDbl(gain, kSubframe) >> 6), gain);
-  const Zpp32s surplus = subSat32(energyChain(scaled, kHalfFrame), shr32(wanted, 2 * shift + 4));
+  const Zpp32s surplus = subSat32(zpp::energy(scaled, kHalfFrame), shr32(wanted, 2 * shift + 4));
   const Zpp16s middle = mulRoundQ15(low16(sum), kInversePulses);
   const Zpp32s discriminant = negSat32(subSat32(mul32Q15(surplus, kInversePulses), mulDbl(middle, middle)));
   Zpp16s amplitude = negSat16(middle);

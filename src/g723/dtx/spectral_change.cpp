@@ -46,7 +46,7 @@ Zpp16s ownAutoCorrSum_G723_16s(const Zpp16s* autocorr, const Zpp16s* exponents, 
 }
 
 Zpp16s ownLPCAutoCorr_G723_16s(const Zpp16s* lpc, Zpp16s* dst) {
-  const Zpp32s energy = addSat32(energyChain(lpc, kOrder) >> 1, 1 << 26);  // with the leading 1
+  const Zpp32s energy = addSat32(zpp::energy(lpc, kOrder) >> 1, 1 << 26);  // with the leading 1
   const int shift = norm32(energy) - 2;
   dst[0] = roundHigh16(shlSat32(energy, shift));
   for (int i = 1; i <= kOrder; ++i) {

@@ -49,7 +49,7 @@ void foldSigns(Correlations& correlations, bool* negative) {
 
 // The response scaled so that its correlations use the upper halves of 32 bits
 void scaleResponse(const Zpp16s* response, Zpp16s* dst) {
-  const Zpp32s energy = energyChain(response, kSubframe);
+  const Zpp32s energy = zpp::energy(response, kSubframe);
   const int shift = high16(energy) > 32000 ? -1 : norm32(energy) >> 1;
   for (int n = 0; n < kSubframe; ++n) dst[n] = shlSat16(response[n], shift);
 }
@@ -59,7 +59,7 @@ void scaleResponse(const Zpp16s* response, Zpp16s* dst) {
 void correlationMatrix(const Zpp16s* response, const bool* negative, Zpp16s (*matrix)[kPlaces]) {
   for (int pair = kPairsInside; pair < kPairs; ++pair)
     for (int place = 0; place < kPlaces; ++place) matrix[placeOf(pair)][place] = matrix[place][placeOf(pair)] = 0;
-  const bool saturates = energyChain(response, kSubframe) == kMax32;
+  const bool saturates = zpp::energy(response, kSubframe) == kMax32;
   for (int distance = 0; distance < kPairsInside; ++distance) {
     const Zpp16s* delayed = response + 2 * distance;
     Zpp32s sum = 0;

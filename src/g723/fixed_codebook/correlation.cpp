@@ -8,9 +8,9 @@ using namespace g723;
 using namespace zpp;
 
 void ownCorrelationChains_G723_16s32s(const Zpp16s* a, const Zpp16s* b, Zpp32s* dst) {
-  const Zpp32s energyA = energyChain(a, kSubframe), energyB = energyChain(b, kSubframe);
-  if (energyA == kMax32 || energyB == kMax32) {  // as in correlationChain
-    for (int d = 0; d < kSubframe; ++d) dst[d] = macChain(a, b + d, kSubframe - d);
+  const Zpp32s energyA = zpp::energy(a, kSubframe), energyB = zpp::energy(b, kSubframe);
+  if (energyA == kMax32 || energyB == kMax32) {  // only then may a sum saturate (Cauchy and Schwarz)
+    for (int d = 0; d < kSubframe; ++d) dst[d] = zpp::dotProductStepwise(a, b + d, kSubframe - d);
     return;
   }
   ownPartialCorr_16s32s(a, b, kSubframe, dst, kSubframe);

@@ -19,9 +19,9 @@ bool ownGainQuant_G723_16s(const Zpp16s* target, const Zpp16s* filteredCode, Zpp
   constexpr int kLevels = 24;
   Zpp16s code[kSubframe];
   for (int n = 0; n < kSubframe; ++n) code[n] = static_cast<Zpp16s>(filteredCode[n] >> 3);
-  const Zpp32s energy = energyChain(code, kSubframe);
+  const Zpp32s energy = zpp::energy(code, kSubframe);
   if (energy == 0) return false;
-  const Zpp32s correlation = correlationChain(target, energyChain(target, kSubframe), code, energy, kSubframe);
+  const Zpp32s correlation = zpp::dotProduct(target, code, kSubframe);
   const int normCorrelation = norm32(correlation), normEnergy = norm32(energy);
   const Zpp16s c = high16(correlation << normCorrelation), e = high16(energy << normEnergy);
   *level = 0;

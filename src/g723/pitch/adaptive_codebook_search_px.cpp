@@ -33,7 +33,7 @@ void ownPitchCorrelations_G723_16s32s_PX(const Zpp16s* target, const Zpp16s* imp
       filtered[i][n] = roundHigh16(macDbl(fromHigh16(filtered[i + 1][n - 1]), work[i], impulse[n]));
   }
   for (int i = 0; i < kTaps; ++i) *values++ = shlSat32(correlation(target, filtered[i]), 1);
-  for (int i = 0; i < kTaps; ++i) *values++ = energyChain(filtered[i], kSubframe);
+  for (int i = 0; i < kTaps; ++i) *values++ = zpp::energy(filtered[i], kSubframe);
   for (int i = 1; i < kTaps; ++i)
     for (int j = 0; j < i; ++j) *values++ = shlSat32(correlation(filtered[i], filtered[j]), 2);
 }

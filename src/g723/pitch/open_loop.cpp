@@ -76,8 +76,9 @@ int ownOpenLoopPitchSearch_G723_16s(const Zpp16s* src) {
     exactEnergy += 2 * (Zpp32s{oldest} * oldest - Zpp32s{left} * left);
     energy = macDbl(msuDbl(energy, left, left), oldest, oldest);
     // No partial sum of x y exceeds half the sum of the energies of x and y.
-    const Zpp32s correlation = ownEnergy + exactEnergy <= 2 * Zpp64s{kMax32} ? wrap32(2 * Zpp64s{correlations[kMaxLag - lag]})
-                                                                             : macChain(src, src - lag, kHalfFrame);
+    const Zpp32s correlation = ownEnergy + exactEnergy <= 2 * Zpp64s{kMax32}
+                                   ? wrap32(2 * Zpp64s{correlations[kMaxLag - lag]})
+                                   : zpp::dotProductStepwise(src, src - lag, kHalfFrame);
     if (correlation <= 0) continue;
     const Score score = scored(correlation, energy);
     if (beats(score, best, lag - bestLag < kMinLag)) best = score, bestLag = lag;
@@ -88,7 +89,7 @@ int ownOpenLoopPitchSearch_G723_16s(const Zpp16s* src) {
 int ownHarmonicSearch_G723_16s(const Zpp16s* src, int openLoopLag, Zpp16s* gain) {
   constexpr Zpp16s kMaxGain = 10240;  // Q15: 0.3125
   const int lastLag = openLoopLag + kNearLags / 2;
-  const Zpp32s energy = energyChain(src, kSubframe);
+  const Zpp32s energy = zpp::energy(src, kSubframe);
   const LagCorrelations lags = correlateLags(src, energy, kSubframe, src - lastLag, kNearLags);  // the last one first
   Zpp32s largest = energy;
   for (int i = 0; i < kNearLags; ++i) largest = std::max({largest, lags.energy[i], absSat32(lags.correlation[i])});

@@ -18,7 +18,7 @@ Zpp16s reflection(const Zpp16s* src, Zpp32s* energy) {
   Zpp16s scaled[kSubframe];
   const int scale = blockScale(src, scaled, kSubframe);
   // 60 products of samples of at most 4096 stay below 2^31.
-  const Zpp32s full = energyChain(scaled, kSubframe);
+  const Zpp32s full = zpp::energy(scaled, kSubframe);
   const Zpp32s half = wrap32(ownDotProd_16s(scaled + 1, scaled, kSubframe - 1));
   *energy = shlSat32(full, -(2 * scale + 4));
   const Zpp16s divisor = high16(full);
@@ -61,7 +61,7 @@ void ownGainControl_G723_16s_I(Zpp16s* srcDst, Zpp16s* gain, Zpp32s energy) {
   constexpr Zpp16s kNewShare = 2048;  // Q15
   Zpp16s quarter[kSubframe];
   for (int n = 0; n < kSubframe; ++n) quarter[n] = static_cast<Zpp16s>(srcDst[n] >> 2);
-  const Zpp32s present = energyChain(quarter, kSubframe);
+  const Zpp32s present = zpp::energy(quarter, kSubframe);
   Zpp16s target = 4096;  // Q12
   if (present > 0 && energy > 0) {
     const int normPresent = norm32(present), normEnergy = norm32(energy);

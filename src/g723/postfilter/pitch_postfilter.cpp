@@ -64,7 +64,7 @@ ZppStatus zppsPitchPostFilter_G723_16s(const Zpp16s* src, Zpp16s* dst, Zpp16s fi
 PitchPostFilter ownPitchPostFilterSearch_G723_16s(const Zpp16s* src, int lag, int subframe, ZppSpeechRate rate) {
   const Zpp16s* speech = src + kHistory + kSubframe * subframe;
   const int centre = std::min(lag, kMaxLag);
-  const Zpp32s energy = energyChain(speech, kSubframe);
+  const Zpp32s energy = zpp::energy(speech, kSubframe);
   const Direction back = searchedBack(speech, energy, centre);
   const Direction forward = searchedForward(speech, energy, centre, kFrame - kSubframe * (subframe + 1));
   PitchPostFilter filter{0, 0, 32767};

@@ -150,8 +150,7 @@ V entries(const Zpp16s* matrix, int position) {
   } else {
     const Zpp16s* entry = matrix + crossBlock(column, row) + position;
     V v = _mm_cvtsi32_si128(entry[0]);
-    [&]<int... i>(std::integer_sequence<int, i...>) { ((v = _mm_insert_epi16(v, entry[kPositions * (i + 1)], i + 1)), ...); }
-    (std::make_integer_sequence<int, kPositions - 1>{});
+    unrolled<kPositions - 1>([&](auto i) { v = _mm_insert_epi16(v, entry[kPositions * (i + 1)], i + 1); });
     return v;
   }
 }

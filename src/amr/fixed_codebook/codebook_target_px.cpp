@@ -1,4 +1,4 @@
-// Target of the codebook search and signs of its pulses (3GPP TS 26.090 clause 5.7).
+// Target of the codebook search and signs of its pulses (3GPP TS 26.090 clause 5.7): portable kernels.
 #include "amr/fixed_codebook/kernels.h"
 #include "core/fixed_point.h"
 #include "core/kernels.h"
@@ -6,7 +6,7 @@
 
 using namespace zpp;
 
-void ownTargetSignalCorr_X2_GSMAMR_16s(const Zpp16s* target, const Zpp16s* impulse, Zpp16s* corr, int guardBits,
+void ownTargetSignalCorr_X2_GSMAMR_16s_PX(const Zpp16s* target, const Zpp16s* impulse, Zpp16s* corr, int guardBits,
                                        const Grid& grid) {
   Zpp32s exact[kSubframe], ordered[kSubframe];
   ownCrossCorr_16s32s_Sfs(target, impulse, kSubframe, exact, 0);
@@ -28,7 +28,7 @@ void ownTargetSignalCorr_X2_GSMAMR_16s(const Zpp16s* target, const Zpp16s* impul
   }
 }
 
-void ownSetSign_GSMAMR_16s(Zpp16s* corr, Zpp16s* sign, Zpp16s* candidate, int candidates) {
+void ownSetSign_GSMAMR_16s_PX(Zpp16s* corr, Zpp16s* sign, Zpp16s* candidate, int candidates) {
   for (int slot = 0; slot < kSubframe; ++slot) {
     sign[slot] = corr[slot] >= 0 ? 32767 : -32767;
     candidate[slot] = corr[slot] = absSat16(corr[slot]);
@@ -47,7 +47,7 @@ void ownSetSign_GSMAMR_16s(Zpp16s* corr, Zpp16s* sign, Zpp16s* candidate, int ca
     }
 }
 
-void ownSetSign_M102M122_GSMAMR_16s(const Zpp16s* ltpResidual, Zpp16s* corr, Zpp16s* sign, Zpp16s* trackBest,
+void ownSetSign_M102M122_GSMAMR_16s_PX(const Zpp16s* ltpResidual, Zpp16s* corr, Zpp16s* sign, Zpp16s* trackBest,
                                     Zpp16s* trackOrder, const Grid& grid) {
   const auto inverseNorm = [](const Zpp16s* x) {
     return high16(shlSat32(ownInvSqrt(sat32(256 + 2 * ownDotProd_16s(x, x, kSubframe))), 5));

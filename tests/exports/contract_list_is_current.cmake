@@ -1,0 +1,5 @@
+execute_process(COMMAND ${LIST} OUTPUT_VARIABLE list COMMAND_ERROR_IS_FATAL ANY)
+file(READ ${FILE} kept)
+if(NOT list STREQUAL kept)
+  message(FATAL_ERROR "docs/reference/contract.tsv is not what the table of exports says: ${LIST} > ${FILE}")
+endif()
