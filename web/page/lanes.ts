@@ -54,7 +54,14 @@ function prepared(canvas: HTMLCanvasElement): { g: CanvasRenderingContext2D; wid
   return { g, width, height };
 }
 
-export function drawWaveform(canvas: HTMLCanvasElement, signal: Int16Array, rate: number, view: View, peak: number, colour: string) {
+export function drawWaveform(
+  canvas: HTMLCanvasElement,
+  signal: Int16Array,
+  rate: number,
+  view: View,
+  peak: number,
+  colour: string,
+) {
   const paper = prepared(canvas);
   if (!paper) return;
   const { g, width, height } = paper;
@@ -125,7 +132,8 @@ function drawCells(
 const quietest = -95, loudest = -15; // dB of full scale at the ends of the ramp
 
 export function drawSpectrogram(canvas: HTMLCanvasElement, grid: Spectrogram, view: View, palette: Palette) {
-  drawCells(canvas, grid, view, palette.heat, 0, (cell) => ((levelOf(grid.levels[cell]!) - quietest) / (loudest - quietest)) * 255);
+  const perDecibel = 255 / (loudest - quietest);
+  drawCells(canvas, grid, view, palette.heat, 0, (cell) => (levelOf(grid.levels[cell]!) - quietest) * perDecibel);
 }
 
 export const widestChange = 30; // dB at the ends of the ramp
@@ -187,6 +195,6 @@ export function drawTimes(canvas: HTMLCanvasElement, view: View, palette: Palett
     g.fillRect(x, 0, ratio, 5 * ratio);
     g.fillStyle = palette.colour("--quiet-ink");
     const label = `${(n * step).toFixed(digits)} s`, room = g.measureText(label).width;
-    g.fillText(label, Math.min(width - room, Math.max(0, x - room / 2)), height);
+    g.fillText(label, Math.min(width - room, Math.max(4 * ratio, x - room / 2)), height);
   }
 }

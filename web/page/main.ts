@@ -43,9 +43,11 @@ const about: Record<string, About> = {
 };
 const meaning: Record<About["follows"], string> = {
   waveform: "This codec follows the waveform, so SNR tells how close it stays.",
-  spectrum: "This codec keeps the loud parts of the spectrum and fills the rest with noise: SNR tells only part of how it sounds.",
+  spectrum:
+    "This codec keeps the loud parts of the spectrum and fills the rest with noise: SNR tells only part of how it sounds.",
   model:
-    "This codec rebuilds speech from a model instead of following its waveform: SNR says little about how it sounds, the spectral distance more.",
+    "This codec rebuilds speech from a model instead of following its waveform: SNR says little about how it sounds, " +
+    "the spectral distance more.",
 };
 const aboutOf = (name: string): About => about[name] ?? { label: name, follows: "model" };
 
@@ -115,10 +117,16 @@ function settings(): Settings {
 }
 
 /** A group of radio buttons */
-function choices(group: HTMLElement, name: string, options: { value: string; label: string; title?: string }[], checked: string): void {
+interface Choice {
+  value: string;
+  label: string;
+  title?: string;
+}
+function choices(group: HTMLElement, name: string, options: Choice[], checked: string): void {
   group.replaceChildren(
     ...options.map(({ value, label, title }) => {
-      const box = document.createElement("label"), input = document.createElement("input"), text = document.createElement("span");
+      const box = document.createElement("label");
+      const input = document.createElement("input"), text = document.createElement("span");
       Object.assign(input, { type: "radio", name, value, checked: value === checked });
       text.textContent = label;
       if (title) box.title = title;
@@ -164,8 +172,8 @@ function take(speech: Speech, name: string): void {
   const samples = speech.samples.slice(0, limit);
   const seconds = samples.length / sampleRate;
   say("");
-  $("source").textContent =
-    `${name}: ${seconds.toFixed(1)} s at ${sampleRate / 1000} kHz` + (cut ? `, the first ${longestSeconds} s of a longer recording` : "");
+  const rest = cut ? `, the first ${longestSeconds} s of a longer recording` : "";
+  $("source").textContent = `${name}: ${seconds.toFixed(1)} s at ${sampleRate / 1000} kHz${rest}`;
   view = { from: 0, to: seconds };
   player.setLoop(0, seconds);
   player.seek(0);
@@ -259,7 +267,7 @@ function draw(): void {
   if (!coded) return;
   const { original, sampleRate, spectrograms, frames } = coded;
   const canvas = (id: string) => $<HTMLCanvasElement>(id);
-  const peak = Math.max(original.reduce((a, x) => Math.max(a, Math.abs(x)), 1), heard.reduce((a, x) => Math.max(a, Math.abs(x)), 1));
+  const peak = [original, heard].reduce((top, signal) => signal.reduce((a, x) => Math.max(a, Math.abs(x)), top), 1);
   const signals: Record<Voice, Int16Array> = { original, decoded: heard, difference: residual };
   for (const voice of voices)
     drawWaveform(canvas(`wave-${voice}`), signals[voice], sampleRate, view, peak, palette.colour(`--${voice}`));
@@ -269,7 +277,7 @@ function draw(): void {
   if (differenceKind() === "change") drawChange(difference, spectrograms.original, spectrograms.decoded, view, palette);
   else drawSpectrogram(difference, spectrograms.residual, view, palette);
   $("difference-unit").textContent =
-    differenceKind() === "change" ? `blue: quieter, orange: louder, up to ${widestChange} dB` : "original less decoded";
+    differenceKind() === "change" ? `blue quieter, orange louder, to ${widestChange} dB` : "original less decoded";
   drawPayloads(canvas("payloads"), frames, sampleRate, view, palette);
   drawTimes(canvas("times"), view, palette);
   showTransport();
@@ -345,8 +353,10 @@ function readOut(place: number, hertz?: number, lane?: Voice): void {
   let text = `${place.toFixed(3)} s · frame ${n}: ${kindNames[kind]}`;
   if (kind !== Kind.nothing) text += `, ${frames.octets[n]} octets`;
   if (hertz !== undefined && lane) {
-    const level = ({ bins, columns, step, levels }: Coded["spectrograms"]["original"]) =>
-      levelOf(levels[Math.min(columns - 1, Math.round(place / step)) * bins + Math.round((hertz / (sampleRate / 2)) * (bins - 1))]!);
+    const level = ({ bins, columns, step, levels }: Coded["spectrograms"]["original"]) => {
+      const column = Math.min(columns - 1, Math.round(place / step)), bin = Math.round((hertz / (sampleRate / 2)) * (bins - 1));
+      return levelOf(levels[column * bins + bin]!);
+    };
     const change = level(spectrograms.decoded) - level(spectrograms.original);
     const value =
       lane !== "difference" ? `${level(spectrograms[lane]).toFixed(0)} dB`

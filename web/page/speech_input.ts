@@ -27,7 +27,7 @@ function readWav(bytes: ArrayBuffer): Speech | null {
       if ((code !== 1 && !extended) || view.getUint16(body + 14, true) !== 16) return null;
       format = { channels: view.getUint16(body + 2, true), sampleRate: view.getUint32(body + 4, true) };
     }
-    if (tag(at) === "data" && format && format.channels > 0) {
+    if (tag(at) === "data" && format && format.channels > 0 && format.sampleRate > 0) {
       const { channels, sampleRate } = format;
       const frames = Math.floor(Math.min(length, view.byteLength - body) / (2 * channels));
       const channel = (c: number) =>
@@ -66,13 +66,15 @@ export class Recorder {
   }
 
   static async start(): Promise<Recorder> {
-    const stream = await navigator.mediaDevices.getUserMedia({
-      audio: { echoCancellation: false, noiseSuppression: false, autoGainControl: false, channelCount: 1 },
-    });
     const context = new AudioContext();
-    const url = URL.createObjectURL(new Blob([capture], { type: "text/javascript" }));
-    await context.audioWorklet.addModule(url);
-    URL.revokeObjectURL(url);
+    // A page from the disk may load no module but one in its own address.
+    await context.audioWorklet.addModule(`data:text/javascript,${encodeURIComponent(capture)}`);
+    const stream = await navigator.mediaDevices
+      .getUserMedia({ audio: { echoCancellation: false, noiseSuppression: false, autoGainControl: false, channelCount: 1 } })
+      .catch(async (refusal) => {
+        await context.close();
+        throw refusal;
+      });
     const recorder = new Recorder(context, stream);
     const node = new AudioWorkletNode(context, "capture", { numberOfOutputs: 0 });
     node.port.onmessage = ({ data }: MessageEvent<Float32Array>) => {

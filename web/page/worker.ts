@@ -26,7 +26,11 @@ function code(codec: Codec, settings: Settings): Coded {
   const { decoded, frames, packets, packetsLost, encoding, decoding } = pass(original, codec, settings);
   const aligned = decoded.subarray(delay, delay + original.length);
   const residual = Int16Array.from(original, (x, n) => Math.min(32767, Math.max(-32768, x - aligned[n]!)));
-  const spectrograms = { original: spectrum, decoded: spectrogram(aligned, sampleRate), residual: spectrogram(residual, sampleRate) };
+  const spectrograms = {
+    original: spectrum,
+    decoded: spectrogram(aligned, sampleRate),
+    residual: spectrogram(residual, sampleRate),
+  };
   const seconds = (frames.kinds.length * frames.samplesEach) / sampleRate;
   return {
     settings,

@@ -89,11 +89,11 @@ def pcm(rate):
         return sound.readframes(sound.getnframes())
 
 
-def start_browser(*arguments):
+def start_browser():
     options = webdriver.ChromeOptions()
     options.binary_location = "/usr/bin/chromium"
-    for argument in ("--headless=new", "--no-sandbox", "--disable-dev-shm-usage", "--disable-gpu", "--use-fake-device-for-media-stream",
-                     "--use-fake-ui-for-media-stream", *arguments):
+    for argument in ("--headless=new", "--no-sandbox", "--disable-dev-shm-usage", "--disable-gpu",
+                     "--use-fake-device-for-media-stream", "--use-fake-ui-for-media-stream"):
         options.add_argument(argument)
     options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
     browser = webdriver.Chrome(service=Service("/usr/bin/chromedriver"), options=options)
@@ -247,14 +247,18 @@ class PageTest(unittest.TestCase):
         self.assertEqual(len(first), 2 * len(pairs), "packets of two frames are lost whole")
 
     def test_from_a_server(self):
-        handler = functools.partial(http.server.SimpleHTTPRequestHandler, directory=PAGE.parent)
-        handler.log_message = lambda *_: None
-        server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), handler)
+        class Handler(http.server.SimpleHTTPRequestHandler):
+            def log_message(self, *_):
+                pass
+
+        server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), functools.partial(Handler, directory=PAGE.parent))
+        self.addCleanup(server.server_close)
         threading.Thread(target=server.serve_forever, daemon=True).start()
         self.addCleanup(server.shutdown)
         page = Page(self.browser, f"http://127.0.0.1:{server.server_port}/{PAGE.name}")
         self.assertIn("kbit/s", page.text("used-rate"))
-        requests = page.js("return performance.getEntriesByType('resource').map(({ name }) => name).filter((n) => !/^(blob|data):/.test(n))")
+        requests = page.js("""return performance.getEntriesByType("resource").map(({ name }) => name)
+            .filter((name) => !/^(blob|data):/.test(name))""")
         self.assertEqual(requests, [])
 
     def test_keys(self):
@@ -271,8 +275,8 @@ class PageTest(unittest.TestCase):
                 const { outlineStyle, outlineWidth } = getComputedStyle(shown);
                 return e.matches(":focus-visible") && outlineStyle === "solid" && parseFloat(outlineWidth) >= 2""")
             self.assertTrue(ring, f"no ring around {seen[-1]}")
-        for name in ("open", "record", "codec", "rate", "dtx", "loss", "save-speech", "save-payloads", "play", "voice", "zoom-in",
-                     "timeline", "difference-kind"):
+        for name in ("open", "record", "codec", "rate", "dtx", "loss", "save-speech", "save-payloads", "play", "voice",
+                     "zoom-in", "timeline", "difference-kind"):
             self.assertIn(name, seen)
         self.assertNotIn("file", seen)
 
@@ -341,17 +345,18 @@ class PageTest(unittest.TestCase):
 
     def test_pictures(self):
         """Nothing sticks out sideways; pictures to look at."""
+        devtools = self.browser.execute_cdp_cmd
         for scheme in ("light", "dark"):
-            for width, height in ((1400, 1180), (820, 2100), (390, 2500)):
-                self.browser.execute_cdp_cmd("Emulation.setEmulatedMedia", {"features": [{"name": "prefers-color-scheme", "value": scheme}]})
-                self.browser.execute_cdp_cmd("Emulation.setDeviceMetricsOverride",
-                                             {"width": width, "height": height, "deviceScaleFactor": 2 if width == 390 else 1, "mobile": width == 390})
+            devtools("Emulation.setEmulatedMedia", {"features": [{"name": "prefers-color-scheme", "value": scheme}]})
+            for width, height, ratio in ((1400, 1180, 1), (820, 2100, 1), (390, 2500, 2)):
+                devtools("Emulation.setDeviceMetricsOverride",
+                         {"width": width, "height": height, "deviceScaleFactor": ratio, "mobile": ratio == 2})
                 self.page.set("amr", 7950, dtx=True, loss="bursts", percent=8, burst=3, seed=3)
                 self.assertLessEqual(self.page.js("return document.documentElement.scrollWidth"), width)
                 self.browser.execute_async_script("requestAnimationFrame(() => requestAnimationFrame(arguments[0]))")
-                picture = self.browser.execute_cdp_cmd("Page.captureScreenshot", {"format": "png"})["data"]
+                picture = devtools("Page.captureScreenshot", {"format": "png"})["data"]
                 (OUT / f"page-{width}-{scheme}.png").write_bytes(base64.b64decode(picture))
-        self.browser.execute_cdp_cmd("Emulation.clearDeviceMetricsOverride", {})
+        devtools("Emulation.clearDeviceMetricsOverride", {})
 
 
 if __name__ == "__main__":
