@@ -2,6 +2,7 @@
 #
 #   x86      px portable   a6 SSE   w7 SSE2   t7 SSE3   v3 AVX2 (x86-64-v3)
 #   aarch64  px portable   n8 NEON
+#   wasm     px portable   w7 SIMD of 128 bits, through emscripten's SSE2
 #   others   px portable
 #
 # A build has one level, and with it the kernels of the levels below. A kernel file named *_a6.cpp, *_w7.cpp, *_t7.cpp or *_v3.cpp
@@ -18,6 +19,10 @@ elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64|ARM64)$")
   set(_levels px n8)
   set(_default px)
   find_path(ZPPSC_SIMDE_INCLUDE_DIR simde/x86/sse2.h)
+elseif(EMSCRIPTEN)
+  set(ZPPSC_PROCESSOR wasm)
+  set(_levels px w7)
+  set(_default w7)
 else()
   set(ZPPSC_PROCESSOR other)
   set(_levels px)
@@ -49,6 +54,11 @@ if(ZPPSC_PROCESSOR STREQUAL aarch64)
   endif()
   set(ZPPSC_FLAGS_a6 ${ZPPSC_FLAGS_n8})
   set(ZPPSC_FLAGS_w7 ${ZPPSC_FLAGS_n8})
+elseif(ZPPSC_PROCESSOR STREQUAL wasm)
+  # The tool chain's own headers map the intrinsics of SSE2 to WebAssembly's vectors.
+  set(ZPPSC_FLAGS_px "")
+  set(ZPPSC_FLAGS_a6 -msse -msimd128)
+  set(ZPPSC_FLAGS_w7 -msse2 -msimd128)
 elseif(ZPPSC_PROCESSOR STREQUAL other)
   set(ZPPSC_FLAGS_px "")
 elseif(CMAKE_SIZEOF_VOID_P EQUAL 4)
