@@ -6,14 +6,12 @@ namespace {
 
 using codecs::framing::Entry;
 
-// Sample-based codecs take packets of 20 ms.
 class OurCoder {
  public:
   explicit OurCoder(const Entry& entry) : entry_(&entry) {
     const ZppcCodec& codec = *entry.codec;
-    const int frames = codec.features & ZPPC_FEATURE_SAMPLE_BASED ? codec.sampleRate / 50 / codec.frameSamples : 1;
-    packet_ = frames * codec.frameSamples;
-    room_ = frames * codec.maxPayload;
+    packet_ = codecs::framing::packetSamples(codec);
+    room_ = packet_ / codec.frameSamples * codec.maxPayload;
   }
 
   void encode(const Samples& speech) {

@@ -2,6 +2,7 @@
 // catalogue says of its payloads.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -85,6 +86,14 @@ struct Entry {
 
 // All names, in the order in which they are listed.
 const std::vector<Entry>& catalogue();
+
+inline bool sampleBased(const ZppcCodec& codec) { return (codec.features & ZPPC_FEATURE_SAMPLE_BASED) != 0; }
+
+// Samples of a packet of 20 ms, or of one frame where frames are longer
+inline int packetSamples(const ZppcCodec& codec) {
+  if (!sampleBased(codec)) return codec.frameSamples;
+  return std::max(1, codec.sampleRate / 50 / codec.frameSamples) * codec.frameSamples;
+}
 
 // 16-bit words, the low octet first
 inline void appendWord(unsigned word, Bytes& stream) {

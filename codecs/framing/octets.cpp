@@ -16,8 +16,6 @@ Bytes copyOf(std::span<const std::uint8_t> octets) { return Bytes(octets.begin()
 
 int bitsPerSample(const Entry& entry, const ZppcOptions& options) { return options.bitRate / entry.codec->sampleRate; }
 
-bool sampleBased(const Entry& entry) { return (entry.codec->features & ZPPC_FEATURE_SAMPLE_BASED) != 0; }
-
 }  // namespace
 
 std::size_t BareOctets::groupOctets() const { return static_cast<std::size_t>(bits_ / std::gcd(bits_, 8)); }
@@ -93,7 +91,8 @@ std::optional<Frame> CodePerByte::take(std::span<const std::uint8_t> stream, boo
 }
 
 std::unique_ptr<Framing> bareOctets(const Entry& entry, const ZppcOptions& options) {
-  if (sampleBased(entry)) return std::make_unique<BareOctets>(0, bitsPerSample(entry, options), entry.codec->frameSamples);
+  if (sampleBased(*entry.codec))
+    return std::make_unique<BareOctets>(0, bitsPerSample(entry, options), entry.codec->frameSamples);
   return std::make_unique<BareOctets>(entry.octets.front(), 0, 0);
 }
 

@@ -7,8 +7,6 @@
 namespace codecs::framing {
 namespace {
 
-bool sampleBased(const ZppcCodec& codec) { return (codec.features & ZPPC_FEATURE_SAMPLE_BASED) != 0; }
-
 std::size_t frameOf(const ZppcCodec& codec) { return static_cast<std::size_t>(codec.frameSamples); }
 
 ZppcOptions withVariant(const Format& format) {

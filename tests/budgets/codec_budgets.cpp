@@ -1,4 +1,5 @@
-// Codes speech-like frames with every codec and marks for callgrind where the counting of each begins and ends (--collect-atstart=no).
+// Codes speech-like frames with every codec and marks for callgrind where the counting of each begins and ends
+// (--collect-atstart=no).
 #include <valgrind/callgrind.h>
 
 #include <cstdio>
@@ -16,8 +17,7 @@ constexpr int kSkipped = 20, kCounted = 50;  // frames; samples of sample-based 
 
 void count(const Entry& entry, const std::vector<std::int16_t>& speech) {
   const ZppcCodec& codec = *entry.codec;
-  const int frames = codec.features & ZPPC_FEATURE_SAMPLE_BASED ? codec.sampleRate / 50 / codec.frameSamples : 1;
-  const int packet = frames * codec.frameSamples, room = frames * codec.maxPayload;
+  const int packet = codecs::framing::packetSamples(codec), room = packet / codec.frameSamples * codec.maxPayload;
   std::vector<std::uint8_t> payload(static_cast<std::size_t>(room));
   std::vector<std::int16_t> heard(static_cast<std::size_t>(packet));
   ZppcEncoder* const encoder = zppcEncoderCreate(&codec, &entry.options, nullptr);

@@ -68,10 +68,8 @@ double secondsOf(Work work) {
 // Codes the signal in packets of 20 ms, or of one frame where frames are longer, through the C API.
 void benchCodec(const codecs::framing::Format& format, std::span<const std::int16_t> signal, bool tsv) {
   const ZppcCodec& codec = *format.entry->codec;
-  const bool sampleBased = (codec.features & ZPPC_FEATURE_SAMPLE_BASED) != 0;
   const auto frame = static_cast<std::size_t>(codec.frameSamples);
-  const std::size_t packet =
-      sampleBased ? std::max<std::size_t>(1, static_cast<std::size_t>(codec.sampleRate) / 50 / frame) * frame : frame;
+  const auto packet = static_cast<std::size_t>(codecs::framing::packetSamples(codec));
   const std::size_t packets = signal.size() / packet;
   const std::string name(format.entry->name);
   if (packets == 0) throw DataError("the speech is too short to time " + name + "; give a second or more");
