@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "support/painted_stack.h"
 #include "zppcodecs.h"
 
 // Counts allocations where no sanitizer does it; the library's calls of malloc arrive here.
@@ -341,6 +342,28 @@ TEST_P(EveryCodec, CodesAnySignalWithoutAllocating) {
 }
 
 // Octets that no encoder sent: an error that changes nothing, or a frame of sound; never more than told.
+#if COUNTS_ALLOCATIONS
+// All frames of a call together
+TEST_P(EveryCodec, TakesLittleStack) {
+  const ZppcCodec& c = codec();
+  test::PaintedStack stack;
+  for (const ZppcOptions& options : allOptions(c)) {
+    Encoder encoder(c, options);
+    Decoder decoder(c, options);
+    Bytes payload(static_cast<std::size_t>(c.maxPayload));
+    Samples pcm(static_cast<std::size_t>(c.frameSamples));
+    const Samples signal = signalFor(c, 20);
+    const auto code = [&] {
+      for (std::size_t n = 0, frame = 0; n + pcm.size() <= signal.size(); n += pcm.size(), ++frame) {
+        const int octets = zppcEncode(encoder.stream(), &signal[n], c.frameSamples, payload.data(), c.maxPayload);
+        zppcDecode(decoder.stream(), frame % 7 == 5 ? nullptr : payload.data(), octets, pcm.data(), c.frameSamples);
+      }
+    };
+    EXPECT_LE(stack.depthOf(code), 20480u) << c.name;
+  }
+}
+#endif
+
 TEST_P(EveryCodec, SurvivesGarbage) {
   const ZppcCodec& c = codec();
   for (const ZppcOptions& options : allOptions(c)) {
