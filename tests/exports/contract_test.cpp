@@ -67,6 +67,9 @@ TEST_P(Contract, AcceptsTheNeighboursOfWhatItRefuses) {
         "FixedCodebookDecode_G723", "PitchPostFilterSearch_G723", "LevinsonDurbin_G728"})
     if (e.name.find(gaps) != std::string::npos) return;
   for (std::size_t i = 0; e.checks && i < e.arguments.size(); ++i) {
+    const std::string& name = e.arguments[i].name;
+    const auto isOf = [&name](const char* what) { return name.find(what) != std::string::npos; };
+    if (isOf("lag") || isOf("Lag") || isOf("delay") || isOf("pitch")) continue;  // another would read more of the past
     const auto accepted = static_cast<std::int64_t>(Call(e, {})[i].number);
     for (const int side : {-1, 1}) {
       const Refused* nearest = nullptr;
