@@ -22,10 +22,11 @@ void ownNormCorr_GSMAMR_16s_W7(const Zpp16s* excitation, const Zpp16s* target, c
   const auto room = [](const Zpp16s* x, int len) { return norm16(ownMaxAbs_16s(x, len)); };
   const int responseBits = std::min(room(impulse, kSubframe), 16 - shift), sampleBits = 16 - shift - responseBits;
   const bool roomy = room(excitation - maxLag, maxLag - minLag + 1) >= sampleBits;
+  const V filteredBits = _mm_cvtsi32_si128(loud ? 2 : 0), impulseBits = _mm_cvtsi32_si128(roomy ? responseBits : 0);
   V f[kVectors], h[kVectors];
   for (int i = 0; i < kVectors; ++i) {
-    f[i] = _mm_srai_epi16(load(filtered + 8 * i), loud ? 2 : 0);
-    h[i] = _mm_slli_epi16(load(impulse + 8 * i), roomy ? responseBits : 0);
+    f[i] = _mm_sra_epi16(load(filtered + 8 * i), filteredBits);
+    h[i] = _mm_sll_epi16(load(impulse + 8 * i), impulseBits);
   }
 
   // Ten squares of magnitudes up to 14653 fit 32 bits. No sum of products with the target exceeds the root of the product of
