@@ -24,7 +24,7 @@ int firstLane(int mask) { return std::countr_zero(static_cast<unsigned>(mask)) /
 V largestLane(V v) {
   v = _mm_max_epi16(v, _mm_shuffle_epi32(v, _MM_SHUFFLE(1, 0, 3, 2)));
   v = _mm_max_epi16(v, _mm_shuffle_epi32(v, _MM_SHUFFLE(2, 3, 0, 1)));
-  return _mm_max_epi16(v, _mm_shufflehi_epi16(_mm_shufflelo_epi16(v, _MM_SHUFFLE(2, 3, 0, 1)), _MM_SHUFFLE(2, 3, 0, 1)));
+  return _mm_max_epi16(v, swappedPairs(v));
 }
 
 // -x where the mask is set, saturated

@@ -16,7 +16,7 @@ V pairsLow(V square, V energy) { return _mm_unpacklo_epi16(square, energy); }
 V pairsHigh(V square, V energy) { return _mm_unpackhi_epi16(square, energy); }
 // Energy (low) and negated square (high)
 V swapNegated(V pairs) {
-  const V swapped = _mm_shufflehi_epi16(_mm_shufflelo_epi16(pairs, _MM_SHUFFLE(2, 3, 0, 1)), _MM_SHUFFLE(2, 3, 0, 1));
+  const V swapped = swappedPairs(pairs);
   const V highHalves = _mm_set1_epi32(static_cast<int>(0xffff0000));
   return _mm_sub_epi16(_mm_xor_si128(swapped, highHalves), highHalves);
 }
