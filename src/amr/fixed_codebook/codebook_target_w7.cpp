@@ -55,7 +55,8 @@ void ownTargetSignalCorr_X2_GSMAMR_16s_W7(const Zpp16s* target, const Zpp16s* im
     return _mm_srai_epi32(_mm_add_epi32(_mm_srai_epi32(shifted, 15), one), 1);
   };
   alignas(16) Zpp16s ofPositions[kSubframe];
-  for (int n = 0; n < kSubframe; n += kLanes) store(ofPositions + n, _mm_packs_epi32(rounded(exact + n), rounded(exact + n + 4)));
+  for (int n = 0; n < kSubframe; n += kLanes)
+    store(ofPositions + n, _mm_packs_epi32(rounded(exact + n), rounded(exact + n + 4)));
   toTrackOrder(ofPositions, corr, grid);
 }
 
@@ -67,7 +68,8 @@ void ownSetSign_GSMAMR_16s_W7(Zpp16s* corr, Zpp16s* sign, Zpp16s* candidate, int
   for (int track = 0; track < kFiveTracks.tracks; ++track) {
     const V x = load(corr + track * kLanes), negative = _mm_srai_epi16(x, 15);
     magnitudes[track] = negatedWhere(negative, x);
-    // The smallest are struck out one by one. A value of 32767 is never found; the standard then strikes out what it found last.
+    // The smallest are struck out one by one. A value of 32767 is never found; the standard then strikes out what it found
+    // last.
     V left = _mm_sub_epi16(all, magnitudes[track]), struck = _mm_setzero_si128();
     for (int k = candidates; k < kLanes; ++k) {
       const V largest = largestLane(left);
