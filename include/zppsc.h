@@ -8,7 +8,8 @@
  *
  * - Arguments: sources, destinations, lengths, then controls (rate, mode, scale factor); state blocks as each function says.
  *   Lengths count elements, never bytes. Buffers may have any alignment of their element type; state blocks any at all.
- * - Source and destination must not overlap unless they are the very same buffer or the function says otherwise.
+ * - Source and destination must not overlap unless they are the very same buffer or the function says otherwise. Filter
+ *   coefficients and impulse responses must not overlap what is written.
  * - Checks run in a fixed order: null pointers, lengths, enumerated values, scale factors and shifts, ranges of coded
  *   parameters. The first that fails decides the status. On an error (a negative status) nothing has been written.
  *   A positive status is a warning: the function says what it has written.

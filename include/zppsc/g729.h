@@ -333,7 +333,7 @@ ZPPAPI ZppStatus zppsFixedCodebookSearch_G729A_32f(const Zpp32f* target, Zpp32f*
 /* Two signed pulses, 11 bits, for 6.4 kbit/s (ITU-T G.729 Annex D, clause D.5).
  * target: 40, in, backward filtered; impulse: 40, in.
  * code: 40, out, Q13: +8191 or -8192 a pulse, added where both are on one sample. filtered: 40, out, Q12: the code vector
- *   through the impulse response.
+ *   through the impulse response. Neither may be impulse, here and in the searches below.
  * sign: 1, out: bit 0 the first pulse, bit 1 the second, set when positive.
  * position: 1, out, 9 bits: Gray code of the first pulse's entry + 16 * that of the second's. Entries number the samples of
  *   tracks 1 and 3 in ascending order; those of tracks 0, 2 and 4 in ascending order and then those of track 1. */

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <random>
 
+#include "codecs/g729/single_precision/functions.h"
 #include "codecs/streams.h"
 
 namespace test {
@@ -38,6 +39,20 @@ Bytes withoutLengths(const Bytes& frames) {
   for (std::size_t n = 0; n < frames.size(); ++n)
     if (n % 11 != 0) stream.push_back(frames[n]);
   return stream;
+}
+
+// To the last bits: every term of the series counts.
+TEST(G729InSinglePrecision, ComputesFunctionsOfItsOwn) {
+  using namespace codecs::g729f;
+  for (int i = -1000; i <= 1000; ++i) {
+    const double x = i / 1000.0;
+    EXPECT_NEAR(arccosine(x), std::acos(x), 2e-13) << x;
+    EXPECT_NEAR(cosine((x + 1) * kPi / 2), std::cos((x + 1) * kPi / 2), 1e-14) << x;
+    const double power = std::pow(10, 8 * x);
+    EXPECT_NEAR(powerOf10(8 * x) / power, 1, 1e-14) << x;
+    EXPECT_NEAR(log10Of(power), 8 * x, 2e-14) << x;
+  }
+  EXPECT_EQ(arccosine(1.5), 0);
 }
 
 TEST(G729InSinglePrecision, EncodesAsInDoublePrecision) {

@@ -151,6 +151,18 @@ bool Call::setReals(const std::function<double()>& next) {
   return any;
 }
 
+bool Call::share(std::size_t source, std::size_t destination) {
+  const Block &src = blocks_[source], &dst = blocks_[destination];
+  const auto before = [this](std::size_t i) {
+    return static_cast<unsigned char*>(passed_[i].pointer) - blocks_[i].memory->data();
+  };
+  if (!src.memory || !dst.memory || src.memory->size() != dst.memory->size() || before(source) != before(destination))
+    return false;
+  passed_[destination].pointer = passed_[source].pointer;
+  shared_ = {destination, source};
+  return true;
+}
+
 std::string Call::wrongWrites(bool writable) const {
   for (std::size_t i = 0; i < blocks_.size(); ++i) {
     const Block& b = blocks_[i];
@@ -187,6 +199,11 @@ std::string Call::difference(const GoldenCase& golden) const {
     }
   }
   return {};
+}
+
+std::vector<unsigned char> Call::contents(std::size_t argument) const {
+  Guarded& memory = *blocks_[argument == shared_.first ? shared_.second : argument].memory;
+  return {memory.data(), memory.data() + memory.size()};
 }
 
 std::vector<std::vector<unsigned char>> Call::contents() const {

@@ -19,6 +19,9 @@ class Call {
   // Sets every real number that the function reads, elements and scalars; false when there is none.
   bool setReals(const std::function<double()>& next);
 
+  // Has the function write argument `destination` where it reads `source`; false unless the one has the shape of the other.
+  bool share(std::size_t source, std::size_t destination);
+
   Passed& operator[](std::size_t argument) { return passed_[argument]; }
   ZppStatus operator()() { return function_.call(passed_); }
 
@@ -26,7 +29,8 @@ class Call {
   std::string wrongWrites(bool writable) const;
   // Empty when all outputs that the case names are as it says.
   std::string difference(const GoldenCase& golden) const;
-  // Contents of all buffers
+  // Contents of one buffer, of all
+  std::vector<unsigned char> contents(std::size_t argument) const;
   std::vector<std::vector<unsigned char>> contents() const;
 
  private:
@@ -41,6 +45,7 @@ class Call {
   const Export& function_;
   std::vector<Passed> passed_;
   std::vector<Block> blocks_;
+  std::pair<std::size_t, std::size_t> shared_ = {SIZE_MAX, SIZE_MAX};  // the first argument lies where the second does
 };
 
 }  // namespace test

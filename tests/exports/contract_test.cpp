@@ -87,6 +87,18 @@ TEST_P(Contract, SurvivesAnyRealNumber) {
   }
 }
 
+// Buffers at any multiple of their elements' size, state blocks at odd addresses as well
+TEST_P(Contract, GivesTheSameAtAnyAddress) {
+  const Export& e = GetParam();
+  Call aligned(e, {Place::Kind::middle, 0});
+  aligned();
+  for (unsigned offset = 1; offset < 16; ++offset) {
+    Call call(e, {Place::Kind::middle, offset});
+    ASSERT_EQ(call(), e.status) << offset;
+    ASSERT_EQ(call.contents(), aligned.contents()) << offset;
+  }
+}
+
 TEST_P(Contract, IsReentrant) {
   const Export& e = GetParam();
   Call alone(e, {});

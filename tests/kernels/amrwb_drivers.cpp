@@ -94,7 +94,8 @@ DRIVE(ownHighPassInputs_16s32s, {{1, 7, 8, 9, 64}, {64}}) {
 DRIVE(ownPreemphasize_AMRWB_16s_I, {{1, 7, 8, 9, 64, 268}, {64, 268}}) {
   auto* mem = rig.inOut<Zpp16s>(1);
   const auto gamma = static_cast<Zpp16s>(rig.scalar(0, 3) == 0 ? -32768 + rig.scalar(0, 1) : rig.scalar(-32768, 32767));
-  rig.run(rig.inOut<Zpp16s>(n), n, gamma, rig.scalar(0, 15), mem);
+  // Where the product of two of -32768 saturates, it is seen in the last bit of a sample that is shifted up to the top.
+  rig.run(rig.inOut<Zpp16s>(n), n, gamma, rig.scalar(0, 1) == 0 ? 15 : rig.scalar(0, 14), mem);
 }
 DRIVE(ownResidualFilter_AMRWB_16s, {{1, 7, 8, 9, 16, 31, 64, 256}, {64, 256}}) {
   rig.run(filter(rig, 16), within(rig, n, level(rig), 16), rig.out<Zpp16s>(n), n);
@@ -254,13 +255,15 @@ Book bookOf(int dimension) {
 // A vector near an entry, between two, or as far as to saturate
 template <class Rig>
 const Zpp16s* isfTarget(Rig& rig, int dimension) {
-  constexpr Zpp16s levels[] = {0, 40, 600, 8600, 8601, 32767};
-  const Zpp16s most = levels[rig.scalar(0, 5)];
+  constexpr Zpp16s levels[] = {0, 40, 600, 8600, 8601, 13000, 32767};
+  const Zpp16s most = levels[rig.scalar(0, 6)];
+  const bool extreme = rig.scalar(0, 1) == 0;
   const Book book = bookOf(dimension);
   const int entry = rig.scalar(0, book.entries - 1);
   return rig.template made<Zpp16s>(dimension, [&](Zpp16s* x) {
     for (int i = 0; i < dimension; ++i) {
-      const int value = (most < 8600 ? book.components[book.entries * i + entry] : 0) + rig.scalar(-most, most);
+      const int offset = !extreme ? rig.scalar(-most, most) : i % 2 == 0 || most < 8600 ? -most : most;
+      const int value = (most < 8600 ? book.components[book.entries * i + entry] : 0) + offset;
       x[i] = zpp::sat16(value);
     }
   });
@@ -285,7 +288,7 @@ DRIVE(ownNearestIsf_AMRWB_16s, only({2, 3, 4, 5, 7})) {
 DRIVE(ownExcitation_AMRWB_16s_I, only({1})) {
   const Zpp16s most = level(rig);
   auto* vector = rig.inOut<Zpp16s>(64);
-  const auto gain = rig.scalar(0, 2) == 0 ? rig.scalar(-32768, 32767) : rig.scalar(0, (1 << 24) / most - 1);
+  const auto gain = rig.scalar(0, 2) == 0 ? rig.scalar(-32768, 32767) : std::min(32767, (1 << rig.scalar(24, 27)) / most - 1);
   rig.run(within(rig, 64, most), vector, static_cast<Zpp16s>(gain), static_cast<Zpp16s>(rig.scalar(-32768, 32767)));
 }
 

@@ -11,6 +11,9 @@ import subprocess
 import sys
 import unittest
 
+sys.dont_write_bytecode = True
+import instructions  # noqa: E402, beside this file
+
 LIBRARY, HEADER, LEVEL = sys.argv[1:4]
 EXPORTS_TEST = sys.argv[4:]
 FILE = os.path.basename(os.path.realpath(LIBRARY))
@@ -92,21 +95,25 @@ class Binary(unittest.TestCase):
             self.assertNotRegex(text, r"\b(fn?m(add|sub)|fml[as]|vfn?m[as])\b|\bm[as][de]br\b|\bwfm[as][sd]b\b")
             self.assertNotRegex(text, r"\b[su]u?dot\b|\bsqrdml[as]h\b|\bldadd|\bcasa?l?\b|\bz\d+\.[bhsd]\b")
             return
-        sse3 = r"\b(addsub|hadd|hsub)p[sd]\b|\blddqu\b|\bmov(ddup|shdup|sldup)\b"
-        ssse3_and_above = r"\b(pshufb|palignr|pabs[bwd]|pmulhrsw|phadd\w+|pmaddubsw|pmulld|pminsd|pmaxsd|v[a-z]+p[sd])\b"
+        self.assertGreater(len(instructions.LINE.findall(text)), 10000)
+        self.assertEqual(instructions.beyond(text, LEVEL, word_size()), [])
         if LEVEL == "v3":
-            # One rounding would be missing; and the two encodings of SSE do not mix well.
-            self.assertNotRegex(text, r"\bvfn?m(add|sub)|%zmm|%k[1-7]\b")
-            self.assertNotRegex(text, r"\t(movdq[au]|movups|padd\w+|pmaddwd|cvtsi2s[sd]|(add|mul|sub)[ps][sd])\s")
             self.assertIn("%ymm", text)
-            return
-        self.assertIsNone(re.search(ssse3_and_above, text))
-        if LEVEL != "t7":
-            self.assertIsNone(re.search(sse3, text))
-        if LEVEL in ("px", "a6") and word_size() == 32:
-            self.assertNotRegex(text, r"\b(movdq[au]|padd[bwdq]|pmaddwd|cvtsi2sd|addsd|mulsd)\b")
-        if LEVEL == "px" and word_size() == 32:
-            self.assertNotIn("%xmm", text)
+
+    def test_would_notice_an_instruction_beyond_the_level(self):
+        order = ["px", "a6", "w7", "t7", "later"]
+        firsts = {"a6": ["movaps %xmm0,%xmm1", "sqrtss %xmm0,%xmm0"], "w7": ["addsd %xmm0,%xmm1", "pmaddwd %xmm0,%xmm1", "movdqu (%eax),%xmm1"],
+                  "t7": ["lddqu (%eax),%xmm0", "haddps %xmm0,%xmm1", "fisttpll (%eax)"],
+                  "later": ["ptest %xmm0,%xmm0", "pextrd $0x1,%xmm0,%eax", "popcnt %eax,%eax", "lzcnt %eax,%eax", "pshufb %xmm0,%xmm1",
+                            "vpaddd %ymm0,%ymm1,%ymm2", "vpaddd %xmm0,%xmm1,%xmm2", "sarx %eax,%ecx,%edx", "movbe (%eax),%ecx",
+                            "crc32b %al,%ecx", "rdrand %eax"]}
+        for level in order[:-1]:
+            for first, lines in firsts.items():
+                for line in lines:
+                    forged = f"    1000:\trepz {line}\n    1004:\tret\n"
+                    self.assertEqual(bool(instructions.beyond(forged, level, 32)), order.index(first) > order.index(level), line)
+        for line in ("vfmadd213ss %xmm0,%xmm1,%xmm2", "vpternlogd $1,%xmm0,%xmm1,%xmm2", "vpaddd %zmm0,%zmm1,%zmm2", "paddd %xmm0,%xmm1"):
+            self.assertTrue(instructions.beyond(f"    1000:\t{line}\n", "v3", 64), line)
 
 
 def processor():

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "lpc/dot_product.h"
 #include "lpc/kernels.h"
 
 namespace {
@@ -191,6 +192,20 @@ TEST(LagSearch, SaturatesSumsThatDoNotFit) {
   _zppsCrossCorrLagMax_Inv_16s(high.data(), low.data() + 40, 40, 0, 40, &max, &lag);
   EXPECT_EQ(max, INT32_MIN);
   EXPECT_EQ(lag, 0) << "all equal: the smallest lag";
+}
+
+// On both sides of the energies up to which no doubled sum can saturate: sums that reach the end and stay, and that come back
+TEST(DotProduct, SaturatesAtEachStepWhereItMay) {
+  for (int level = 2800; level < 6200; level += 17)
+    for (const int turn : {64, 60, 40, 1}) {
+      const V16 x(64, static_cast<Zpp16s>(level));
+      V16 y = x;
+      for (std::size_t n = static_cast<std::size_t>(turn); n < 64; ++n) y[n] = static_cast<Zpp16s>(-level);
+      for (const int start : {0, 1}) {
+        const Zpp32s stepwise = zpp::dotProductStepwise(x.data(), y.data(), 64, start);
+        EXPECT_EQ(zpp::dotProduct(x.data(), y.data(), 64, start), stepwise) << level << ' ' << turn;
+      }
+    }
 }
 
 TEST(DotProductOfEvenSamples, SaturatesAtEachStep) {
