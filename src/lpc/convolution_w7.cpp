@@ -4,53 +4,13 @@
 #include "core/fixed_point.h"
 #include "core/kernels.h"
 #include "lpc/kernels.h"
+#include "lpc/simd_convolution_w7.h"
 #include "lpc/simd_correlation_w7.h"
 
 using namespace zpp;
 
-namespace {
-
-V reversed(V v) {
-  v = _mm_shufflehi_epi16(_mm_shufflelo_epi16(v, _MM_SHUFFLE(0, 1, 2, 3)), _MM_SHUFFLE(0, 1, 2, 3));
-  return _mm_shuffle_epi32(v, _MM_SHUFFLE(1, 0, 3, 2));
-}
-
-// A convolution as correlation of the reversed src1 with src2, for 16..kMost values. Zeros in front of both let every output
-// start at a multiple of 8.
-class Convolution {
- public:
-  static constexpr int kMost = 512;
-
-  Convolution(const Zpp16s* src1, const Zpp16s* src2, int len) : src2_(src2), padded_((len + 7) & ~7) {
-    store(start2_, _mm_setzero_si128());
-    store(start2_ + 8, _mm_setzero_si128());
-    store(start2_ + 16, load(src2));
-    store(start2_ + 24, load(src2 + 8));
-    int n = 0;
-    for (; n + 8 <= len; n += 8) store(reversed_ + padded_ - 8 - n, reversed(load(src1 + n)));
-    if (n < len) store(reversed_, reversed(loadFirst(src1 + n, len - n)));
-  }
-  // Outputs n..n+3, modulo 2^32
-  V four(int n) const {
-    FourLags lags;
-    int at = (padded_ - 4 - n) & ~7;
-    if (at < 0) at = 0;
-    int at2 = n + 1 - padded_ + at;  // of src2, -10 or more
-    for (; at2 < 0; at += 8, at2 += 8) lags.add(load(reversed_ + at), start2_ + 16 + at2);
-    for (; at < padded_; at += 8, at2 += 8) lags.add(load(reversed_ + at), src2_ + at2);
-    return lags.total();
-  }
-
- private:
-  const Zpp16s* src2_;
-  int padded_;
-  alignas(16) Zpp16s start2_[32], reversed_[kMost];  // src2 after 16 zeros, and src1
-};
-
-}  // namespace
-
 void ownConvPartial_16s32s_W7(const Zpp16s* src1, const Zpp16s* src2, Zpp32s* dst, int len) {
-  if (len < 16 || len > Convolution::kMost) return ownConvPartial_16s32s_PX(src1, src2, dst, len);
+  if (len < 8 || len > Convolution::kMost) return ownConvPartial_16s32s_PX(src1, src2, dst, len);
   const Convolution convolution(src1, src2, len);
   for (int n = 0; n < len; n += 4) {
     if (n > len - 4) n = len - 4;
@@ -60,45 +20,49 @@ void ownConvPartial_16s32s_W7(const Zpp16s* src1, const Zpp16s* src2, Zpp32s* ds
 
 void ownConvPartial_16s_Sfs_W7(const Zpp16s* src1, const Zpp16s* src2, Zpp16s* dst, int len, int scaleFactor) {
   // Where no sum leaves 32 bits, those modulo 2^32 are exact.
-  if (len < 16 || len > Convolution::kMost || !correlationsFit(31, src1, len, src2, len))
+  if (len < 8 || len > Convolution::kMost || !correlationsFit(31, src1, len, src2, len))
     return ownConvPartial_16s_Sfs_PX(src1, src2, dst, len, scaleFactor);
   const Convolution convolution(src1, src2, len);
   const V shift = _mm_cvtsi32_si128(scaleFactor);  // psrad takes counts beyond 31 as 31
-  for (int n = 0; n < len; n += 4) {
-    if (n > len - 4) n = len - 4;
-    const V sums = _mm_sra_epi32(convolution.four(n), shift);
-    store4(dst + n, _mm_packs_epi32(sums, sums));
+  for (int n = 0; n < len; n += 8) {
+    if (n > len - 8) n = len - 8;
+    store(dst + n, _mm_packs_epi32(_mm_sra_epi32(convolution.four(n), shift), _mm_sra_epi32(convolution.four(n + 4), shift)));
   }
 }
 
 void ownResidualFilter_G729_16s_W7(const Zpp16s* coef, const Zpp16s* src, Zpp16s* dst, int len) {
   // With the magnitudes of the coefficients adding up to less than 16.0 no sum reaches 2^31 - 2^15, so 32 bits hold it and the
-  // rounding exactly.
-  int magnitudes = 0;
-  for (int i = 0; i <= kLpcOrder; ++i) magnitudes += std::abs(coef[i]);
-  if (len < 8 || magnitudes > 65534) return ownResidualFilter_G729_16s_PX(coef, src, dst, len);
-  // Coefficients i and i + 1 in each 32-bit lane
-  const auto factor = [coef](int i) {
-    const auto second = static_cast<Zpp32u>(i < kLpcOrder ? coef[i + 1] : 0);
-    return _mm_set1_epi32(static_cast<int>((second << 16) | static_cast<Zpp16u>(coef[i])));
+  // rounding exactly. A magnitude of 32768 counts 32767 here.
+  const auto magnitudes = [](V x) {
+    return _mm_madd_epi16(_mm_max_epi16(x, _mm_subs_epi16(_mm_setzero_si128(), x)), _mm_set1_epi16(1));
   };
-  const V factor0 = factor(0), factor2 = factor(2), factor4 = factor(4), factor6 = factor(6), factor8 = factor(8),
-          factor10 = factor(10);
+  const V first = load(coef + 1), last = load(coef + kLpcOrder - 7);
+  if (len < 8 || sumLanes32(_mm_add_epi32(magnitudes(first), magnitudes(keepLast(last, 2)))) + std::abs(coef[0]) > 65523)
+    return ownResidualFilter_G729_16s_PX(coef, src, dst, len);
+  // Two taps a product, coefficient i + 1 (low) and i: what lies an even number of samples back counts for outputs 0, 2, 4 and
+  // 6 of eight, an odd number back for the others.
+  const V swapped = swappedPairs(first);
+  const V factor1 = _mm_shuffle_epi32(swapped, 0x00), factor3 = _mm_shuffle_epi32(swapped, 0x55),
+          factor5 = _mm_shuffle_epi32(swapped, 0xaa), factor7 = _mm_shuffle_epi32(swapped, 0xff),
+          factor9 = _mm_shuffle_epi32(swappedPairs(last), 0xff);
+  const V evenFactor = pairOf(coef[0], 0), oddFactor = pairOf(0, coef[0]), rounding = _mm_set1_epi32(2048);
   for (int n = 0; n < len; n += 8) {
     if (n > len - 8) n = len - 8;
-    V low = _mm_set1_epi32(2048), high = low;
-    const auto add = [&](V x, V before, V factors) {
-      low = _mm_add_epi32(low, _mm_madd_epi16(_mm_unpacklo_epi16(x, before), factors));
-      high = _mm_add_epi32(high, _mm_madd_epi16(_mm_unpackhi_epi16(x, before), factors));
+    const Zpp16s* const x = src + n;
+    const V now = load(x);
+    V even = _mm_add_epi32(rounding, _mm_madd_epi16(now, evenFactor)),
+      odd = _mm_add_epi32(rounding, _mm_madd_epi16(now, oddFactor));
+    const auto add = [&](int back, V factors) {
+      even = _mm_add_epi32(even, _mm_madd_epi16(load(x - back - 1), factors));
+      odd = _mm_add_epi32(odd, _mm_madd_epi16(load(x - back), factors));
     };
-    const Zpp16s* x = src + n;
-    add(load(x), load(x - 1), factor0);
-    add(load(x - 2), load(x - 3), factor2);
-    add(load(x - 4), load(x - 5), factor4);
-    add(load(x - 6), load(x - 7), factor6);
-    add(load(x - 8), load(x - 9), factor8);
-    add(load(x - 10), _mm_setzero_si128(), factor10);
-    store(dst + n, _mm_packs_epi32(_mm_srai_epi32(low, 12), _mm_srai_epi32(high, 12)));
+    add(1, factor1);
+    add(3, factor3);
+    add(5, factor5);
+    add(7, factor7);
+    add(9, factor9);
+    const V packed = _mm_packs_epi32(_mm_srai_epi32(even, 12), _mm_srai_epi32(odd, 12));
+    store(dst + n, _mm_unpacklo_epi16(packed, _mm_srli_si128(packed, 8)));
   }
 }
 

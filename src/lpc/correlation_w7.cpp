@@ -5,6 +5,7 @@
 #include "core/fixed_point.h"
 #include "core/kernels.h"
 #include "lpc/kernels.h"
+#include "lpc/simd_convolution_w7.h"
 #include "lpc/simd_correlation_w7.h"
 
 using namespace zpp;
@@ -53,6 +54,19 @@ void ownCorr_16s32s_W7(const Zpp16s* src1, const Zpp16s* src2, int len, Zpp32s* 
 void ownPartialCorr_16s32s_W7(const Zpp16s* src1, const Zpp16s* src2, int len, Zpp32s* dst, int lags) {
   if (len < 16 || lags < 4) {
     for (int k = 0; k < lags; ++k) dst[k] = k < len ? wrap32(ownDotProd_16s_W7(src1, src2 + k, len - k)) : 0;
+    return;
+  }
+  if (lags == len && len <= Convolution::kMost) {  // all lags: the convolution with src2 reversed, from its end
+    alignas(16) Zpp16s backward[Convolution::kMost];
+    for (int n = 0; n < len; n += 8) {
+      if (n > len - 8) n = len - 8;
+      store(backward + n, reversed(load(src2 + len - 8 - n)));
+    }
+    const Convolution convolution(src1, backward, len);
+    for (int k = 0; k < len; k += 4) {
+      if (k > len - 4) k = len - 4;
+      store(dst + k, _mm_shuffle_epi32(convolution.four(len - 4 - k), _MM_SHUFFLE(0, 1, 2, 3)));
+    }
     return;
   }
   // The ends of both vectors with zeros behind them: there every lag may run on to a multiple of 8.

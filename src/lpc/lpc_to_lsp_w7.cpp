@@ -102,16 +102,15 @@ class GridSearch {
       lanes = lane - 1 > lanes ? lane - 1 : lanes;
     }
     const FourPoints here = FourPoints::alternating(four_[0], four_[1]), there = FourPoints::alternating(four_[1], four_[0]);
-    for (int at = 0; at < lanes; at += 4) {
-      V x1 = load(lowX + at), y1 = load(lowY + at), x2 = load(highX + at), y2 = load(highY + at);
-      for (int n = 0; n < halvings; ++n) {
+    // All vectors take a step before the next one: their values are a long way.
+    for (int n = 0; n < halvings; ++n)
+      for (int at = 0; at < lanes; at += 4) {
+        const V x1 = load(lowX + at), y1 = load(lowY + at), x2 = load(highX + at), y2 = load(highY + at);
         const V x = _mm_add_epi32(_mm_srai_epi32(x1, 1), _mm_srai_epi32(x2, 1)), y = at4(here, x);
         const V upper = _mm_cmpgt_epi32(_mm_madd_epi16(lowHalf(y1), lowHalf(y)), _mm_setzero_si128());
-        x1 = select(upper, x, x1), y1 = select(upper, y, y1);
-        x2 = select(upper, x2, x), y2 = select(upper, y2, y);
+        store(lowX + at, select(upper, x, x1)), store(lowY + at, select(upper, y, y1));
+        store(highX + at, select(upper, x2, x)), store(highY + at, select(upper, y2, y));
       }
-      store(lowX + at, x1), store(lowY + at, y1), store(highX + at, x2), store(highY + at, y2);
-    }
     alignas(16) Zpp32s root[kLanes] = {}, other[kLanes];
     for (int lane = 0; lane < lanes; ++lane)
       root[lane] = interpolatedRoot({low16(lowX[lane]), low16(lowY[lane])}, {low16(highX[lane]), low16(highY[lane])});

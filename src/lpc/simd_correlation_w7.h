@@ -39,8 +39,7 @@ inline Zpp64s energyBound(const Zpp16s* src, int len) {
       const V x = load(src + n);
       sum = _mm_add_epi32(sum, _mm_srli_epi32(_mm_madd_epi16(x, x), 8));
     }
-    const V zero = _mm_setzero_si128();
-    bound += sumLanes64(_mm_add_epi64(_mm_unpacklo_epi32(sum, zero), _mm_unpackhi_epi32(sum, zero)));
+    bound += sumLanes64(addUnsigned64(sum));
   }
   bound += n / 2;
   for (; n < len; ++n) bound += ((Zpp32s{src[n]} * src[n]) >> 8) + 1;

@@ -193,22 +193,18 @@ constexpr DenseMode kMode122 = {kFiveTracks, 4096, 8192, -8192, pack122};
 // Orders the two pulses of each track so that their order tells the second sign: equal signs by ascending position, others by
 // descending position.
 void orderTrackPulses(const Grid& grid, const Zpp16s* slots, const Zpp16s* sign, int* numbers, bool* negative) {
-  bool seen[5] = {};
+  int pairs[5][2] = {}, count[5] = {};
   for (int k = 0; k < 2 * grid.tracks; ++k) {
-    const int slot = slots[k], track = grid.trackOf(slot), number = grid.numberOf(slot);
-    const bool minus = sign[slot] < 0;
-    int &first = numbers[track], &second = numbers[track + grid.tracks];
-    if (!seen[track]) {
-      seen[track] = true;
-      first = number;
-      negative[track] = minus;
-    } else if ((minus == negative[track]) == (number >= first)) {
-      second = number;
-    } else {
-      second = first;
-      first = number;
-      negative[track] = minus;
-    }
+    const int track = grid.trackOf(slots[k]);
+    pairs[track][count[track]++ & 1] = slots[k];
+  }
+  for (int track = 0; track < grid.tracks; ++track) {
+    const int earlier = pairs[track][0], later = pairs[track][1];
+    const bool sameSign = (sign[later] < 0) == (sign[earlier] < 0), keeps = sameSign == (later >= earlier);
+    const int first = keeps ? earlier : later;
+    numbers[track] = grid.numberOf(first);
+    numbers[track + grid.tracks] = grid.numberOf(keeps ? later : earlier);
+    negative[track] = sign[first] < 0;
   }
 }
 

@@ -7,7 +7,7 @@
 using namespace zpp;
 
 void ownTargetSignalCorr_X2_GSMAMR_16s_PX(const Zpp16s* target, const Zpp16s* impulse, Zpp16s* corr, int guardBits,
-                                       const Grid& grid) {
+                                          const Grid& grid) {
   Zpp32s exact[kSubframe], ordered[kSubframe];
   ownCrossCorr_16s32s_Sfs(target, impulse, kSubframe, exact, 0);
   for (int slot = 0; slot < kSubframe; ++slot) ordered[slot] = exact[grid.positionOf[slot]];
@@ -48,7 +48,7 @@ void ownSetSign_GSMAMR_16s_PX(Zpp16s* corr, Zpp16s* sign, Zpp16s* candidate, int
 }
 
 void ownSetSign_M102M122_GSMAMR_16s_PX(const Zpp16s* ltpResidual, Zpp16s* corr, Zpp16s* sign, Zpp16s* trackBest,
-                                    Zpp16s* trackOrder, const Grid& grid) {
+                                       Zpp16s* trackOrder, const Grid& grid) {
   const auto inverseNorm = [](const Zpp16s* x) {
     return high16(shlSat32(ownInvSqrt(sat32(256 + 2 * ownDotProd_16s(x, x, kSubframe))), 5));
   };

@@ -24,7 +24,7 @@ int firstLane(int mask) { return std::countr_zero(static_cast<unsigned>(mask)) /
 V largestLane(V v) {
   v = _mm_max_epi16(v, _mm_shuffle_epi32(v, _MM_SHUFFLE(1, 0, 3, 2)));
   v = _mm_max_epi16(v, _mm_shuffle_epi32(v, _MM_SHUFFLE(2, 3, 0, 1)));
-  return _mm_max_epi16(v, _mm_shufflehi_epi16(_mm_shufflelo_epi16(v, _MM_SHUFFLE(2, 3, 0, 1)), _MM_SHUFFLE(2, 3, 0, 1)));
+  return _mm_max_epi16(v, swappedPairs(v));
 }
 
 // -x where the mask is set, saturated
@@ -55,7 +55,8 @@ void ownTargetSignalCorr_X2_GSMAMR_16s_W7(const Zpp16s* target, const Zpp16s* im
     return _mm_srai_epi32(_mm_add_epi32(_mm_srai_epi32(shifted, 15), one), 1);
   };
   alignas(16) Zpp16s ofPositions[kSubframe];
-  for (int n = 0; n < kSubframe; n += kLanes) store(ofPositions + n, _mm_packs_epi32(rounded(exact + n), rounded(exact + n + 4)));
+  for (int n = 0; n < kSubframe; n += kLanes)
+    store(ofPositions + n, _mm_packs_epi32(rounded(exact + n), rounded(exact + n + 4)));
   toTrackOrder(ofPositions, corr, grid);
 }
 
@@ -67,7 +68,8 @@ void ownSetSign_GSMAMR_16s_W7(Zpp16s* corr, Zpp16s* sign, Zpp16s* candidate, int
   for (int track = 0; track < kFiveTracks.tracks; ++track) {
     const V x = load(corr + track * kLanes), negative = _mm_srai_epi16(x, 15);
     magnitudes[track] = negatedWhere(negative, x);
-    // The smallest are struck out one by one. A value of 32767 is never found; the standard then strikes out what it found last.
+    // The smallest are struck out one by one. A value of 32767 is never found; the standard then strikes out what it found
+    // last.
     V left = _mm_sub_epi16(all, magnitudes[track]), struck = _mm_setzero_si128();
     for (int k = candidates; k < kLanes; ++k) {
       const V largest = largestLane(left);

@@ -15,8 +15,8 @@ struct Grid {
       track[n] = static_cast<Zpp8u>(n % tracks);
     }
   }
-  constexpr int trackOf(int slot) const { return slot / perTrack; }
-  constexpr int numberOf(int slot) const { return slot % perTrack; }
+  constexpr int trackOf(int slot) const { return track[positionOf[slot]]; }
+  constexpr int numberOf(int slot) const { return slot - trackOf(slot) * perTrack; }
 
   int tracks, perTrack;
   Zpp8u slotOf[kSubframe] = {}, positionOf[kSubframe] = {}, track[kSubframe] = {};  // the track is that of a position

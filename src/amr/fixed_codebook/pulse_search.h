@@ -44,7 +44,11 @@ struct Placed {
   Zpp16s sum;
   Zpp32s energy;
 };
-// The best pair of pulses on two tracks
+// The best pair of pulses on two tracks, after a pass's earlier ones
+struct PairTask {
+  const Placed* placed;
+  int outerTrack, innerTrack;  // their first slots
+};
 struct BestPair {
   Criterion reached;
   Zpp16s sum = 0;
@@ -61,47 +65,49 @@ struct PairSearch {
     for (int j = 0; j < placed.count; ++j) energy = zpp::macDbl(energy, entry(placed.slots[j], slot), weights.each);
     return energy;
   }
-  // The standard's loops over two tracks, given as their first slots
-  BestPair best(const Placed& placed, int outerTrack, int innerTrack, const PairStep& step) const;
+  // The standard's loops over two tracks
+  BestPair best(const PairTask& task, const PairStep& step) const;
 };
 
 // The passes of the search. The first track keeps its pulse of largest correlation, the other tracks move up by one from pass
-// to pass. findPair(placed, outerTrack, innerTrack, step) finds two pulses after two, for all passes in turn: what one pass
-// waits for, the processor computes of the next.
-template <class FindPair>
+// to pass. findPairs(tasks, passes, step, found) finds two more pulses of every pass.
+inline constexpr int kMostPasses = 4;
+template <class FindPairs>
 void searchPairs(const PairSearch& search, const Zpp16s* trackBest, const Zpp16s* trackOrder, Zpp16s* slots, int pulses,
-                 FindPair findPair) {
+                 FindPairs findPairs) {
   const Grid& grid = search.grid;
   const int passes = grid.tracks - 1;
   const auto trackOf = [&](int pass, int k) {
     const int moved = k == 0 ? 0 : k + pass;
     return trackOrder[moved < pulses ? moved : moved - (pulses - 1)];
   };
-  Placed placed[4];
-  Criterion reached[4];
+  Placed placed[kMostPasses];
+  PairTask tasks[kMostPasses];
+  BestPair found[kMostPasses];
   for (int pass = 0; pass < passes; ++pass) {
     const Zpp16s first = trackBest[trackOf(pass, 0)], second = trackBest[trackOf(pass, 1)];
     // A sixteenth of the energy of two pulses: weights of 1/4 in all
     const Zpp32s own = search.entry(first, first) + search.entry(second, second), cross = search.entry(first, second);
     placed[pass] = {{first, second}, 2, zpp::addSat16(search.corr[first], search.corr[second]), own * 4096 + cross * 8192};
   }
-  for (int k = 2; k < pulses; k += 2)
+  for (int k = 2; k < pulses; k += 2) {
+    for (int pass = 0; pass < passes; ++pass)
+      tasks[pass] = {&placed[pass], trackOf(pass, k) * grid.perTrack, trackOf(pass, k + 1) * grid.perTrack};
+    findPairs(tasks, passes, kPairSteps[k / 2 - 1], found);
     for (int pass = 0; pass < passes; ++pass) {
       Placed& p = placed[pass];
-      const int outerTrack = trackOf(pass, k) * grid.perTrack, innerTrack = trackOf(pass, k + 1) * grid.perTrack;
-      const BestPair pair = findPair(p, outerTrack, innerTrack, kPairSteps[k / 2 - 1]);
-      p.slots[k] = pair.outer;
-      p.slots[k + 1] = pair.inner;
+      p.slots[k] = found[pass].outer;
+      p.slots[k + 1] = found[pass].inner;
       p.count = k + 2;
-      p.sum = pair.sum;
-      p.energy = pair.reached.energy * 32768;  // half of it: the scale halves with every pair
-      reached[pass] = pair.reached;
+      p.sum = found[pass].sum;
+      p.energy = found[pass].reached.energy * 32768;  // half of it: the scale halves with every pair
     }
+  }
   Criterion best;
   for (int k = 0; k < pulses; ++k) slots[k] = grid.slotOf[k];
   for (int pass = 0; pass < passes; ++pass) {
-    if (!reached[pass].beats(best)) continue;
-    best = reached[pass];
+    if (!found[pass].reached.beats(best)) continue;
+    best = found[pass].reached;
     for (int k = 0; k < pulses; ++k) slots[k] = placed[pass].slots[k];
   }
 }

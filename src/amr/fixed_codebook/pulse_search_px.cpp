@@ -45,7 +45,9 @@ void ownSearchOptimalPulsePos_GSMAMR_16s_PX(const Zpp16s* corr, const Zpp16s* ca
   }
 }
 
-BestPair PairSearch::best(const Placed& placed, int outerTrack, int innerTrack, const PairStep& step) const {
+BestPair PairSearch::best(const PairTask& task, const PairStep& step) const {
+  const Placed& placed = *task.placed;
+  const int outerTrack = task.outerTrack, innerTrack = task.innerTrack;
   Zpp16s inner[10];
   for (int i = 0; i < grid.perTrack; ++i) inner[i] = roundHigh16(with(0, placed, innerTrack + i, step.inner));
   BestPair best{{}, 0, static_cast<Zpp16s>(outerTrack), static_cast<Zpp16s>(innerTrack)};
@@ -67,7 +69,7 @@ void ownSearchOptimalPulsePos_M102M122_GSMAMR_16s_PX(const Zpp16s* corr, const Z
                                                      const Zpp16s* trackOrder, Zpp16s* slots, int pulses, int tracks) {
   const PairSearch search = {corr, matrix, gridOf(tracks)};
   searchPairs(search, trackBest, trackOrder, slots, pulses,
-              [&search](const Placed& placed, int outerTrack, int innerTrack, const PairStep& step) {
-                return search.best(placed, outerTrack, innerTrack, step);
+              [&](const PairTask* tasks, int passes, const PairStep& step, BestPair* found) {
+                for (int pass = 0; pass < passes; ++pass) found[pass] = search.best(tasks[pass], step);
               });
 }

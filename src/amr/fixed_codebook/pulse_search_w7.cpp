@@ -16,7 +16,7 @@ V pairsLow(V square, V energy) { return _mm_unpacklo_epi16(square, energy); }
 V pairsHigh(V square, V energy) { return _mm_unpackhi_epi16(square, energy); }
 // Energy (low) and negated square (high)
 V swapNegated(V pairs) {
-  const V swapped = _mm_shufflehi_epi16(_mm_shufflelo_epi16(pairs, _MM_SHUFFLE(2, 3, 0, 1)), _MM_SHUFFLE(2, 3, 0, 1));
+  const V swapped = swappedPairs(pairs);
   const V highHalves = _mm_set1_epi32(static_cast<int>(0xffff0000));
   return _mm_sub_epi16(_mm_xor_si128(swapped, highHalves), highHalves);
 }
@@ -141,47 +141,9 @@ void ownSearchOptimalPulsePos_GSMAMR_16s_W7(const Zpp16s* corr, const Zpp16s* ca
 
 namespace {
 
-// Eight slots of a track: energies of one more pulse there with those placed before, in 32 bits before the rounding
-struct Energies {
-  V low, high;
-
-  V rounded() const { return _mm_packs_epi32(_mm_srai_epi32(low, 15), _mm_srai_epi32(high, 15)); }
-  // Without the fraction, modulo 2^16
-  V above15() const {
-    const auto kept = [](V x) { return _mm_srai_epi32(_mm_slli_epi32(x, 1), 16); };
-    return _mm_packs_epi32(kept(low), kept(high));
-  }
-};
-template <int Count>
-Energies energiesWith(const PairSearch& search, const Zpp16s* diagonal, const Placed& placed, int slot, Zpp32s energy,
-                      PairStep::Weights weight) {
-  const V own = load(diagonal + slot), ownWeight = weights(weight.own, 0), eachWeight = weights(weight.each, weight.each);
-  V low = _mm_add_epi32(_mm_set1_epi32(energy), _mm_madd_epi16(_mm_unpacklo_epi16(own, own), ownWeight));
-  V high = _mm_add_epi32(_mm_set1_epi32(energy), _mm_madd_epi16(_mm_unpackhi_epi16(own, own), ownWeight));
-  unrolled<Count / 2>([&](int pair) {
-    const V row0 = load(search.matrix + placed.slots[2 * pair] * kSubframe + slot);
-    const V row1 = load(search.matrix + placed.slots[2 * pair + 1] * kSubframe + slot);
-    low = _mm_add_epi32(low, _mm_madd_epi16(_mm_unpacklo_epi16(row0, row1), eachWeight));
-    high = _mm_add_epi32(high, _mm_madd_epi16(_mm_unpackhi_epi16(row0, row1), eachWeight));
-  });
-  return {low, high};
-}
-
 V magnitudes(V x) { return _mm_max_epi16(x, _mm_subs_epi16(_mm_setzero_si128(), x)); }
-bool anyAbove(V x, Zpp16s limit) { return _mm_movemask_epi8(_mm_cmpgt_epi16(x, _mm_set1_epi16(limit))) != 0; }
-
-// Whether a sum of the magnitudes of these terms, without an earlier energy, may reach full scale
-template <int Count>
-bool reachesFullScale(const PairSearch& search, const Zpp16s* diagonal, const Placed& placed, int slot,
-                      PairStep::Weights weight) {
-  const auto weighted = [](const Zpp16s* p, Zpp16s w) {
-    return _mm_mulhi_epi16(magnitudes(load(p)), _mm_set1_epi16(static_cast<Zpp16s>(2 * w)));
-  };
-  V sum = weighted(diagonal + slot, weight.own);
-  unrolled<Count>(
-      [&](int j) { sum = _mm_adds_epi16(sum, weighted(search.matrix + placed.slots[j] * kSubframe + slot, weight.each)); });
-  return anyAbove(sum, kMax16 - 16);  // each term was truncated
-}
+V isAbove(V x, Zpp16s limit) { return _mm_cmpgt_epi16(x, _mm_set1_epi16(limit)); }
+bool any(V mask) { return _mm_movemask_epi8(mask) != 0; }
 
 // What the candidates of one pair of tracks are made of. The energy of a pair is
 //   ((cross + outerRest + innerRest) >> restBits) + outerEnergy + innerEnergy,
@@ -194,28 +156,70 @@ struct PairTerms {
   V restBits;
 };
 
+// Whether a sum of the magnitudes of the weighted entries of one more pulse with those placed before may reach full scale
+template <int Count>
+bool reachesFullScale(const Zpp16s* own, const Zpp16s* const* rows, int slot, PairStep::Weights weight) {
+  const auto weighted = [](const Zpp16s* p, Zpp16s w) {
+    return _mm_mulhi_epi16(magnitudes(load(p)), _mm_set1_epi16(static_cast<Zpp16s>(2 * w)));
+  };
+  V sum = weighted(own, weight.own);
+  for (int j = 0; j < Count; ++j) sum = _mm_adds_epi16(sum, weighted(rows[j] + slot, weight.each));
+  return any(isAbove(sum, kMax16 - 16));  // each term was truncated
+}
+
 // False when a sum may saturate
 template <int PerTrack, int Level>
-bool prepare(const PairSearch& search, const Zpp16s* diagonal, const Placed& placed, int outerTrack, int innerTrack,
-             PairTerms<PerTrack>& terms) {
+bool prepare(const PairSearch& search, const Zpp16s* diagonal, const PairTask& task, PairTerms<PerTrack>& terms) {
   constexpr PairStep step = kPairSteps[Level];
   constexpr int kCount = 2 * Level + 2, kHalf = 0x4000;
   constexpr int crossBits = std::countr_zero(static_cast<Zpp16u>(step.cross));
   constexpr int innerBits = std::countr_zero(static_cast<Zpp16u>(step.ofInner));
   static_assert(step.cross == 1 << crossBits && step.ofInner == 1 << innerBits);
+  const Placed& placed = *task.placed;
+  const Zpp16s* rows[kCount];
+  unrolled<kCount>([&](int j) { rows[j] = search.matrix + placed.slots[j] * kSubframe; });
   for (int i = 0; i < PairTerms<PerTrack>::kVectors; ++i) {
-    const int from = 2 * i;
-    const Energies outer =
-        energiesWith<kCount>(search, diagonal, placed, outerTrack + from, placed.energy / 2 + kHalf, step.outer);
-    if (step.innerMayExceed && reachesFullScale<kCount>(search, diagonal, placed, innerTrack + from, step.inner)) return false;
-    const V inner = energiesWith<kCount>(search, diagonal, placed, innerTrack + from, kHalf, step.inner).rounded();
-    // Energies of 0.7, a quarter of an inner sum of 0.9 and a sixteenth of an entry stay below 1.
-    if (step.energyMayExceed && (anyAbove(magnitudes(outer.rounded()), 22937) || anyAbove(magnitudes(inner), 29491)))
-      return false;
+    // Of one more pulse with those placed before, Q15 and 15 bits, rounded
+    const int outerSlot = task.outerTrack + 2 * i, innerSlot = task.innerTrack + 2 * i;
+    const V ones = _mm_set1_epi16(1), ofOuter = load(diagonal + outerSlot), ofInner = load(diagonal + innerSlot);
+    const V outerOwn = weights(step.outer.own, kHalf), outerEach = weights(step.outer.each, step.outer.each);
+    const V innerOwn = weights(step.inner.own, kHalf), innerEach = weights(step.inner.each, step.inner.each);
+    const V before = _mm_set1_epi32(placed.energy / 2);
+    V outerLow = _mm_add_epi32(before, _mm_madd_epi16(_mm_unpacklo_epi16(ofOuter, ones), outerOwn));
+    V outerHigh = _mm_add_epi32(before, _mm_madd_epi16(_mm_unpackhi_epi16(ofOuter, ones), outerOwn));
+    V innerLow = _mm_madd_epi16(_mm_unpacklo_epi16(ofInner, ones), innerOwn);
+    V innerHigh = _mm_madd_epi16(_mm_unpackhi_epi16(ofInner, ones), innerOwn);
+    V highest = _mm_setzero_si128(), lowest = highest;
+    unrolled<kCount / 2>([&](int pair) {
+      const Zpp16s *const row0 = rows[2 * pair], *const row1 = rows[2 * pair + 1];
+      const V outer0 = load(row0 + outerSlot), outer1 = load(row1 + outerSlot);
+      const V inner0 = load(row0 + innerSlot), inner1 = load(row1 + innerSlot);
+      outerLow = _mm_add_epi32(outerLow, _mm_madd_epi16(_mm_unpacklo_epi16(outer0, outer1), outerEach));
+      outerHigh = _mm_add_epi32(outerHigh, _mm_madd_epi16(_mm_unpackhi_epi16(outer0, outer1), outerEach));
+      innerLow = _mm_add_epi32(innerLow, _mm_madd_epi16(_mm_unpacklo_epi16(inner0, inner1), innerEach));
+      innerHigh = _mm_add_epi32(innerHigh, _mm_madd_epi16(_mm_unpackhi_epi16(inner0, inner1), innerEach));
+      if constexpr (step.innerMayExceed) {
+        highest = _mm_max_epi16(highest, _mm_max_epi16(inner0, inner1));
+        lowest = _mm_min_epi16(lowest, _mm_min_epi16(inner0, inner1));
+      }
+    });
+    const V inner = _mm_packs_epi32(_mm_srai_epi32(innerLow, 15), _mm_srai_epi32(innerHigh, 15));
+    if constexpr (step.innerMayExceed) {
+      // Entries of this magnitude, and a diagonal entry of any, add up to less than full scale.
+      constexpr int kHarmless = (32767 * (32768 - step.inner.own) - kHalf) / (kCount * step.inner.each);
+      const V beyond = _mm_or_si128(isAbove(highest, kHarmless), _mm_cmpgt_epi16(_mm_set1_epi16(-kHarmless), lowest));
+      if (any(beyond) && reachesFullScale<kCount>(diagonal + innerSlot, rows, innerSlot, step.inner)) return false;
+    }
+    if constexpr (step.energyMayExceed) {
+      // Energies of 0.7, a quarter of an inner sum of 0.9 and a sixteenth of an entry stay below 1.
+      const V outer = _mm_packs_epi32(_mm_srai_epi32(outerLow, 15), _mm_srai_epi32(outerHigh, 15));
+      if (any(_mm_or_si128(isAbove(magnitudes(outer), 22937), isAbove(magnitudes(inner), 29491)))) return false;
+    }
     const V rest = _mm_set1_epi32((1 << (15 - crossBits)) - 1);
-    terms.outerEnergy[i] = outer.above15();
-    terms.outerRest[i] = _mm_packs_epi32(_mm_and_si128(_mm_srli_epi32(outer.low, crossBits), rest),
-                                         _mm_and_si128(_mm_srli_epi32(outer.high, crossBits), rest));
+    const auto above15 = [](V x) { return _mm_srai_epi32(_mm_slli_epi32(x, 1), 16); };  // modulo 2^16
+    terms.outerEnergy[i] = _mm_packs_epi32(above15(outerLow), above15(outerHigh));
+    terms.outerRest[i] = _mm_packs_epi32(_mm_and_si128(_mm_srli_epi32(outerLow, crossBits), rest),
+                                         _mm_and_si128(_mm_srli_epi32(outerHigh, crossBits), rest));
     terms.innerEnergy[i] = _mm_srai_epi16(inner, 15 - innerBits);
     terms.innerRest[i] =
         _mm_slli_epi16(_mm_and_si128(inner, _mm_set1_epi16((1 << (15 - innerBits)) - 1)), innerBits - crossBits);
@@ -241,45 +245,59 @@ struct Spread {
   V twice[(PerTrack + 3) / 4];
 };
 
-// The best of eight inner slots and all outer ones: the first in the order of the loops
-struct BestOfRows {
-  Criterion reached;
-  int outer, lane;
+// Of eight inner slots the best with all outer ones: its energy and negated square (low and high half of the slots), and the
+// number of the outer slot
+struct BestOfSlots {
+  V low, high, outer;
 };
-// Of eight lanes, each the best of its inner slot, with energy and negated square
-BestOfRows firstOfBest(V low, V high, V outer) {
-  const V zero = _mm_setzero_si128(), lane = _mm_setr_epi16(0, 1, 2, 3, 4, 5, 6, 7);
-  V best = winners(swapNegated(_mm_sub_epi16(zero, low)), swapNegated(_mm_sub_epi16(zero, high)));
-  best = winners(best, best);
-  best = winners(best, best);
-  const V equal =
-      _mm_packs_epi32(_mm_cmpeq_epi32(_mm_madd_epi16(low, best), zero), _mm_cmpeq_epi32(_mm_madd_epi16(high, best), zero));
-  V order = select(equal, _mm_or_si128(_mm_slli_epi16(outer, 3), lane), _mm_set1_epi16(kMax16));
-  order = _mm_min_epi16(order, _mm_srli_si128(order, 8));
-  order = _mm_min_epi16(order, _mm_srli_si128(order, 4));
-  order = _mm_min_epi16(order, _mm_srli_si128(order, 2));
-  const int first = _mm_extract_epi16(order, 0), both = _mm_cvtsi128_si32(best);
-  return {{low16(both), high16(both)}, first / 8, first % 8};
+
+// The best of the eight slots of four searches, the first in the order of the loops
+struct BestOfFour {
+  alignas(16) Criterion reached[4];
+  alignas(16) Zpp16s place[8];  // 8 times the outer slot plus the inner one, of the four searches
+};
+void findFirsts(const BestOfSlots* searches, BestOfFour& first) {
+  const V zero = _mm_setzero_si128(), slot = _mm_setr_epi16(0, 1, 2, 3, 4, 5, 6, 7);
+  const auto better = [](V a, V b) {
+    const V one = pick<_MM_SHUFFLE(2, 0, 2, 0)>(a, b), other = pick<_MM_SHUFFLE(3, 1, 3, 1)>(a, b);
+    const V beaten = _mm_cmplt_epi32(_mm_madd_epi16(one, swapNegated(other)), _mm_setzero_si128());
+    return _mm_xor_si128(one, _mm_and_si128(_mm_xor_si128(one, other), beaten));
+  };
+  V ofFour[4], order[4];
+  unrolled<4>([&](int i) { ofFour[i] = better(searches[i].low, searches[i].high); });
+  const V opposite = swapNegated(better(better(ofFour[0], ofFour[1]), better(ofFour[2], ofFour[3])));
+  store(first.reached, _mm_sub_epi16(zero, opposite));
+  unrolled<4>([&](auto search) {
+    constexpr int i = decltype(search)::value;
+    const V best = _mm_shuffle_epi32(opposite, i * 0x55);
+    const V equal = _mm_packs_epi32(_mm_cmpeq_epi32(_mm_madd_epi16(searches[i].low, best), zero),
+                                    _mm_cmpeq_epi32(_mm_madd_epi16(searches[i].high, best), zero));
+    order[i] = select(equal, _mm_or_si128(_mm_slli_epi16(searches[i].outer, 3), slot), _mm_set1_epi16(kMax16));
+  });
+  const V halves01 = _mm_min_epi16(_mm_unpacklo_epi64(order[0], order[1]), _mm_unpackhi_epi64(order[0], order[1]));
+  const V halves23 = _mm_min_epi16(_mm_unpacklo_epi64(order[2], order[3]), _mm_unpackhi_epi64(order[2], order[3]));
+  V least = _mm_min_epi16(pick<_MM_SHUFFLE(2, 0, 2, 0)>(halves01, halves23), pick<_MM_SHUFFLE(3, 1, 3, 1)>(halves01, halves23));
+  least = _mm_min_epi16(least, _mm_srli_epi32(least, 16));
+  store(first.place, least);
 }
 
 // The standard's loops with the inner track's slots side by side; each lane keeps the best of its slot. False when that gives
 // no ordered set or may differ.
 template <int PerTrack>
-bool compareRows(const PairSearch& search, const PairTerms<PerTrack>& terms, Zpp16s sumBefore, int outerTrack, int innerTrack,
-                 BestPair& best) {
+bool compareRows(const PairSearch& search, const PairTerms<PerTrack>& terms, const PairTask& task,
+                 BestOfSlots (*best)[kMostPasses], int pass) {
   constexpr int kVectors = PairTerms<PerTrack>::kVectors;
   const V zero = _mm_setzero_si128();
-  V sums[kVectors], ofTrack[kVectors], lowest = zero;
+  V sums[kVectors], ofTrack[kVectors];
   for (int i = 0; i < kVectors; ++i) {
-    sums[i] = _mm_adds_epi16(_mm_set1_epi16(sumBefore), load(search.corr + outerTrack + 2 * i));
-    ofTrack[i] = load(search.corr + innerTrack + 2 * i);
-    lowest = _mm_min_epi16(lowest, _mm_min_epi16(sums[i], ofTrack[i]));
+    sums[i] = _mm_adds_epi16(_mm_set1_epi16(task.placed->sum), load(search.corr + task.outerTrack + 2 * i));
+    ofTrack[i] = load(search.corr + task.innerTrack + 2 * i);
   }
   const Spread<PerTrack> energy1(terms.outerEnergy), rest1(terms.outerRest), sum1(sums);
-  V smallest = _mm_set1_epi16(kMax16), largest = zero;  // energy; cross term
+  V smallest = _mm_set1_epi16(kMax16), largest = zero;  // energy and sum; cross term
   for (int k = 0; k < kVectors; ++k) {
-    const Zpp16s* const rows = search.matrix + outerTrack * kSubframe + innerTrack + 2 * k;
-    V low = zero, high = zero, outer = zero;  // energy and negated square; number of the outer slot
+    const Zpp16s* const rows = search.matrix + task.outerTrack * kSubframe + task.innerTrack + 2 * k;
+    V low = zero, high = zero, outer = zero;
     unrolled<PerTrack>([&](auto row) {
       constexpr int i = decltype(row)::value;
       const V cross = load(rows + i * kSubframe);
@@ -287,10 +305,9 @@ bool compareRows(const PairSearch& search, const PairTerms<PerTrack>& terms, Zpp
       const V rest = _mm_add_epi16(_mm_add_epi16(cross, terms.innerRest[k]), rest1.template of<i>());
       const V energy =
           _mm_add_epi16(_mm_add_epi16(_mm_sra_epi16(rest, terms.restBits), terms.innerEnergy[k]), energy1.template of<i>());
-      smallest = _mm_min_epi16(smallest, energy);
       const V sum = _mm_adds_epi16(sum1.template of<i>(), ofTrack[k]);
-      const V magnitude = _mm_max_epi16(sum, _mm_sub_epi16(zero, sum));
-      const V square = _mm_mulhi_epu16(_mm_add_epi16(magnitude, magnitude), magnitude), negated = _mm_sub_epi16(zero, square);
+      smallest = _mm_min_epi16(_mm_min_epi16(smallest, energy), sum);
+      const V square = _mm_mulhi_epu16(_mm_add_epi16(sum, sum), sum), negated = _mm_sub_epi16(zero, square);
       if constexpr (i == 0) {
         low = pairsLow(energy, negated);
         high = pairsHigh(energy, negated);
@@ -305,38 +322,63 @@ bool compareRows(const PairSearch& search, const PairTerms<PerTrack>& terms, Zpp
         outer = _mm_max_epi16(outer, _mm_and_si128(_mm_packs_epi32(betterLow, betterHigh), _mm_set1_epi16(i)));
       }
     });
-    const BestOfRows first = firstOfBest(low, high, outer);
-    const int slot1 = outerTrack + first.outer, slot2 = innerTrack + 2 * k + first.lane;
-    const bool earlier = slot1 < best.outer || (slot1 == best.outer && slot2 < best.inner);
-    if (k == 0 || first.reached.beats(best.reached) || (earlier && !best.reached.beats(first.reached)))
-      best = {first.reached, 0, static_cast<Zpp16s>(slot1), static_cast<Zpp16s>(slot2)};
+    best[k][pass] = {low, high, outer};
   }
-  best.sum = addSat16(addSat16(sumBefore, search.corr[best.outer]), search.corr[best.inner]);
-  // Two sums of -16383 and more make more than -32768, the magnitude of which is no 16-bit number; two rests stay below 128.
-  const V fine = _mm_and_si128(_mm_cmpgt_epi16(smallest, zero), _mm_cmpgt_epi16(lowest, _mm_set1_epi16(-16384)));
-  return _mm_movemask_epi8(_mm_andnot_si128(_mm_cmpgt_epi16(largest, _mm_set1_epi16(kMax16 - 128)), fine)) == 0xffff;
+  // Two rests stay below 128. Sums are hardly ever negative.
+  return !any(_mm_or_si128(isAbove(largest, kMax16 - 128), _mm_cmplt_epi16(smallest, _mm_set1_epi16(1))));
 }
 
-// PairSearch::best
+// PairSearch::best of up to four tasks. What waits for the last candidates of one, the processor computes of the next; then the
+// best of all are found side by side.
 template <int PerTrack>
-BestPair bestPair(const PairSearch& search, const Zpp16s* diagonal, const Placed& placed, int outerTrack, int innerTrack,
-                  const PairStep& step) {
-  PairTerms<PerTrack> terms;
-  const auto prepared = [&] {
-    switch (placed.count) {
-      case 2:
-        return prepare<PerTrack, 0>(search, diagonal, placed, outerTrack, innerTrack, terms);
-      case 4:
-        return prepare<PerTrack, 1>(search, diagonal, placed, outerTrack, innerTrack, terms);
-      case 6:
-        return prepare<PerTrack, 2>(search, diagonal, placed, outerTrack, innerTrack, terms);
-      default:
-        return prepare<PerTrack, 3>(search, diagonal, placed, outerTrack, innerTrack, terms);
+void bestPairs(const PairSearch& search, const Zpp16s* diagonal, const PairTask* tasks, int count, const PairStep& step,
+               BestPair* found) {
+  constexpr int kVectors = PairTerms<PerTrack>::kVectors;
+  BestOfSlots best[kVectors][kMostPasses] = {};
+  bool exact[kMostPasses];
+  const auto compare = [&](auto level) {
+    for (int t = 0; t < count; ++t) {
+      PairTerms<PerTrack> terms;
+      exact[t] = prepare<PerTrack, decltype(level)::value>(search, diagonal, tasks[t], terms) &&
+                 compareRows(search, terms, tasks[t], best, t);
     }
   };
-  BestPair best{};
-  if (prepared() && compareRows(search, terms, placed.sum, outerTrack, innerTrack, best)) return best;
-  return search.best(placed, outerTrack, innerTrack, step);
+  switch (tasks[0].placed->count) {
+    case 2:
+      compare(std::integral_constant<int, 0>{});
+      break;
+    case 4:
+      compare(std::integral_constant<int, 1>{});
+      break;
+    case 6:
+      compare(std::integral_constant<int, 2>{});
+      break;
+    default:
+      compare(std::integral_constant<int, 3>{});
+      break;
+  }
+  BestOfFour first[kVectors];
+  for (int k = 0; k < kVectors; ++k) findFirsts(best[k], first[k]);
+  for (int t = 0; t < count; ++t) {
+    const PairTask& task = tasks[t];
+    if (!exact[t]) {
+      found[t] = search.best(task, step);
+      continue;
+    }
+    const auto pairOf = [&](int k) {
+      const int place = first[k].place[2 * t];
+      return BestPair{first[k].reached[t], 0, static_cast<Zpp16s>(task.outerTrack + place / 8),
+                      static_cast<Zpp16s>(task.innerTrack + 2 * k + place % 8)};
+    };
+    BestPair pair = pairOf(0);
+    for (int k = 1; k < kVectors; ++k) {
+      const BestPair other = pairOf(k);
+      const bool earlier = other.outer < pair.outer || (other.outer == pair.outer && other.inner < pair.inner);
+      if (other.reached.beats(pair.reached) || (earlier && !pair.reached.beats(other.reached))) pair = other;
+    }
+    pair.sum = addSat16(addSat16(task.placed->sum, search.corr[pair.outer]), search.corr[pair.inner]);
+    found[t] = pair;
+  }
 }
 
 }  // namespace
@@ -347,8 +389,10 @@ void ownSearchOptimalPulsePos_M102M122_GSMAMR_16s_W7(const Zpp16s* corr, const Z
   alignas(16) Zpp16s diagonal[kSubframe];
   for (int slot = 0; slot < kSubframe; ++slot) diagonal[slot] = matrix[slot * (kSubframe + 1)];
   searchPairs(search, trackBest, trackOrder, slots, pulses,
-              [&](const Placed& placed, int outerTrack, int innerTrack, const PairStep& step) {
-                return tracks == 5 ? bestPair<8>(search, diagonal, placed, outerTrack, innerTrack, step)
-                                   : bestPair<10>(search, diagonal, placed, outerTrack, innerTrack, step);
+              [&](const PairTask* tasks, int passes, const PairStep& step, BestPair* found) {
+                if (tracks == 5)
+                  bestPairs<8>(search, diagonal, tasks, passes, step, found);
+                else
+                  bestPairs<10>(search, diagonal, tasks, passes, step, found);
               });
 }

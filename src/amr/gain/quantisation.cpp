@@ -54,12 +54,14 @@ ZppStatus zppsGainQuantSecond_GSMAMR_16s(const Zpp16s* target, const Zpp16s* cod
   return zppStsOk;
 }
 
+// Both tables of gains ascend: where the error grows, the best entry has been passed.
+
 int ownPitchGainIndex_GSMAMR(Zpp16s limit, Zpp16s gain) {
   Zpp16s least = absSat16(subSat16(gain, quaGainPitch[0]));
   int best = 0;
-  for (int i = 1; i < 16; ++i) {
-    if (quaGainPitch[i] > limit) continue;
+  for (int i = 1; i < 16 && quaGainPitch[i] <= limit; ++i) {
     const Zpp16s error = absSat16(subSat16(gain, quaGainPitch[i]));
+    if (error > least) break;
     if (error < least) least = error, best = i;
   }
   return best;
@@ -112,6 +114,7 @@ void ownGainQuantMR122_GSMAMR_16s(const GainTask& task, Zpp16s* gainMem, Zpp16s*
   int best = 0;
   for (int n = 1; n < 32; ++n) {
     const Zpp16s error = absSat16(subSat16(halved, mulQ15(gain, quaGainCode[n][0])));
+    if (error > least) break;
     if (error < least) least = error, best = n;
   }
   const Zpp16s* entry = quaGainCode[best];

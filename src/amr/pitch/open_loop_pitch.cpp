@@ -1,5 +1,7 @@
 // Open-loop pitch search, and what the voice activity detectors measure with it (3GPP TS 26.090 clause 5.3, TS 26.094 clauses
 // 3.3.3 to 3.3.5 and 4.3).
+#include <algorithm>
+
 #include "amr/arithmetic.h"
 #include "amr/pitch/kernels.h"
 #include "amr/pitch/tables.h"
@@ -135,9 +137,9 @@ struct Peak {
 };
 
 Peak peakOf(const Block& block, int maxLag, int minLag, bool highestRate) {
-  Peak peak = {maxLag, block.at(maxLag), 0, 0};
-  for (int t = maxLag - 1; t >= minLag; --t)
-    if (block.at(t) >= peak.correlation) peak.lag = t, peak.correlation = block.at(t);
+  Peak peak = {minLag, block.at(minLag), 0, 0};  // the shortest lag of equals
+  for (int t = minLag; t <= maxLag; ++t) peak.correlation = std::max(peak.correlation, block.at(t));
+  while (block.at(peak.lag) != peak.correlation) ++peak.lag;
   peak.energy = block.energyAt(peak.lag);
   Zpp32s inverse = ownInvSqrt(peak.energy);
   if (highestRate) inverse = shlSat32(inverse, 1);
