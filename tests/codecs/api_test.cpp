@@ -425,6 +425,27 @@ INSTANTIATE_TEST_SUITE_P(Table, EveryCodec, testing::ValuesIn(allCodecs()), [](c
   return name;
 });
 
+// The encoder makes of the homing frame the one that the decoder answers with the same (3GPP TS 26.071, 26.171 and 46.001), at
+// every bit rate.
+TEST(Api, HomesAtEveryBitRate) {
+  for (const char* name : {"amr", "amr-wb", "gsm-fr"}) {
+    const ZppcCodec& c = *zppcFindCodec(name);
+    for (int rate = 0; rate < c.bitRateCount; ++rate) {
+      const ZppcOptions options{c.bitRates[rate], 0, 0};
+      Encoder encoder(c, options);
+      Decoder decoder(c, options);
+      const Samples homing(static_cast<std::size_t>(c.frameSamples), 8);
+      Bytes payload(static_cast<std::size_t>(c.maxPayload));
+      for (int frame = 0; frame < 3; ++frame) {
+        Samples heard(homing.size());
+        const int octets = zppcEncode(encoder.stream(), homing.data(), c.frameSamples, payload.data(), c.maxPayload);
+        ASSERT_EQ(zppcDecode(decoder.stream(), payload.data(), octets, heard.data(), c.frameSamples), c.frameSamples);
+        EXPECT_EQ(heard, homing) << name << ' ' << c.bitRates[rate] << ", frame " << frame;
+      }
+    }
+  }
+}
+
 TEST(Api, FindsCodecsAndExplainsErrors) {
   EXPECT_EQ(zppcFindCodec(nullptr), nullptr);
   EXPECT_EQ(zppcFindCodec("g729 "), nullptr);
