@@ -23,9 +23,10 @@ void ownNormCorr_GSMAMR_16s_W7(const Zpp16s* excitation, const Zpp16s* target, c
   const int responseBits = std::min(room(impulse, kSubframe), 16 - shift), sampleBits = 16 - shift - responseBits;
   const bool roomy = room(excitation - maxLag, maxLag - minLag + 1) >= sampleBits;
   V f[kVectors], h[kVectors], x[kVectors];
+  const V loudBits = _mm_cvtsi32_si128(loud ? 2 : 0), roomBits = _mm_cvtsi32_si128(roomy ? responseBits : 0);
   unrolled<kVectors>([&](int i) {
-    f[i] = _mm_srai_epi16(load(filtered + 8 * i), loud ? 2 : 0);
-    h[i] = _mm_slli_epi16(load(impulse + 8 * i), roomy ? responseBits : 0);
+    f[i] = _mm_sra_epi16(load(filtered + 8 * i), loudBits);
+    h[i] = _mm_sll_epi16(load(impulse + 8 * i), roomBits);
     x[i] = load(target + 8 * i);
   });
 
