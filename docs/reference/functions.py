@@ -40,7 +40,7 @@ class Contract:
 
     @staticmethod
     def argument(text):
-        role, element, history, count, null, value, length_of, refused = text.split(':')
+        role, element, _, history, count, null, value, length_of, _, _, _, refused = text.split(':')
         return {'role': role, 'element': element, 'history': int(history), 'count': int(count), 'null': null == '1',
                 'value': float(value), 'length_of': length_of, 'refused': [int(r) for r in refused.split(',') if r]}
 

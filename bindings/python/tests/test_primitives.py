@@ -35,7 +35,7 @@ def test_extents_agree_with_the_table_of_exports(rows):
         kept = zpp.State(0)
         kept._scalars = {"order": 50, "lenNew": 20, "lenNonRec": 35}  # of the state that the rows start
         for a, p in zip(row["arguments"], function.prototype.parameters, strict=True):
-            assert p.pointer == (a["role"] != "scalar")
+            assert p.pointer == (a["role"] != "value")
             if p.pointer:
                 extent = function.extents.buffers[p.name]
                 before, after = (zpp._value(e, {**scalars, "state": kept}) for e in (extent.before, extent.after))

@@ -22,11 +22,11 @@ void ownNormCorr_GSMAMR_16s_W7(const Zpp16s* excitation, const Zpp16s* target, c
   const auto room = [](const Zpp16s* x, int len) { return norm16(ownMaxAbs_16s(x, len)); };
   const int responseBits = std::min(room(impulse, kSubframe), 16 - shift), sampleBits = 16 - shift - responseBits;
   const bool roomy = room(excitation - maxLag, maxLag - minLag + 1) >= sampleBits;
+  const V filteredBits = _mm_cvtsi32_si128(loud ? 2 : 0), impulseBits = _mm_cvtsi32_si128(roomy ? responseBits : 0);
   V f[kVectors], h[kVectors], x[kVectors];
-  const V loudBits = _mm_cvtsi32_si128(loud ? 2 : 0), roomBits = _mm_cvtsi32_si128(roomy ? responseBits : 0);
   unrolled<kVectors>([&](int i) {
-    f[i] = _mm_sra_epi16(load(filtered + 8 * i), loudBits);
-    h[i] = _mm_sll_epi16(load(impulse + 8 * i), roomBits);
+    f[i] = _mm_sra_epi16(load(filtered + 8 * i), filteredBits);
+    h[i] = _mm_sll_epi16(load(impulse + 8 * i), impulseBits);
     x[i] = load(target + 8 * i);
   });
 
