@@ -6,6 +6,7 @@
 #include <numeric>
 #include <random>
 
+#include "amr/fixed_codebook/kernels.h"
 #include "amr/pitch/kernels.h"
 #include "amr/pitch/lag_coding.h"
 #include "core/fixed_point.h"
@@ -256,6 +257,29 @@ TEST(ToeplizMatrix, WritesThePairsOfTracksOfTheMode) {
   check(WITHOUT_SUBFRAME(_zppsToeplizMatrix_r59_GSMAMR_16s32s));
   check("_zppsToeplizMatrix_r515_GSMAMR_16s32s", _zppsToeplizMatrix_r515_GSMAMR_16s32s);
 #undef WITHOUT_SUBFRAME
+}
+
+// Of pairs of pulses with equal quotients but different squares and energies the first counts, and the pairs that follow are
+// built on its energy. Small correlations and coarse energies make such ties.
+TEST(PulseSearch, GoesOnWithTheFirstOfEqualQuotients) {
+  std::mt19937 random(1);
+  const auto below = [&random](int count) { return static_cast<Zpp16s>(random() % static_cast<unsigned>(count)); };
+  for (int run = 0; run < 3000; ++run) {
+    const int tracks = 4 + run % 2, perTrack = kSubframe / tracks, pulses = 2 * tracks;
+    std::array<Zpp16s, kSubframe> corr;
+    std::array<Zpp16s, kSubframe * kSubframe> matrix;
+    for (Zpp16s& c : corr) c = below(251);
+    for (Zpp16s& entry : matrix) entry = static_cast<Zpp16s>(8000 * (1 + below(3)));
+    std::array<Zpp16s, 5> trackBest{};
+    std::array<Zpp16s, 10> trackOrder{}, expected{}, slots{};
+    for (int t = 0; t < tracks; ++t) trackBest[static_cast<unsigned>(t)] = static_cast<Zpp16s>(t * perTrack + below(perTrack));
+    for (int k = 0; k < pulses; ++k) trackOrder[static_cast<unsigned>(k)] = static_cast<Zpp16s>((run + k) % tracks);
+    ownSearchOptimalPulsePos_M102M122_GSMAMR_16s_PX(corr.data(), matrix.data(), trackBest.data(), trackOrder.data(),
+                                                    expected.data(), pulses, tracks);
+    ownSearchOptimalPulsePos_M102M122_GSMAMR_16s(corr.data(), matrix.data(), trackBest.data(), trackOrder.data(), slots.data(),
+                                                 pulses, tracks);
+    ASSERT_EQ(slots, expected) << "run " << run;
+  }
 }
 
 }  // namespace

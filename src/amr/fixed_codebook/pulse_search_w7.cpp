@@ -249,14 +249,18 @@ struct Spread {
 // number of the outer slot
 struct BestOfSlots {
   V low, high, outer;
+
+  // Of an inner slot: it differs from that of an equal quotient elsewhere.
+  Criterion criterion(int slot) const {
+    Criterion kept;  // energy, and the square negated, in each other's place
+    std::memcpy(&kept, reinterpret_cast<const char*>(this) + sizeof kept * static_cast<unsigned>(slot), sizeof kept);
+    return {static_cast<Zpp16s>(-kept.energy), kept.square};
+  }
 };
 
-// The best of the eight slots of four searches, the first in the order of the loops
-struct BestOfFour {
-  alignas(16) Criterion reached[4];
-  alignas(16) Zpp16s place[8];  // 8 times the outer slot plus the inner one, of the four searches
-};
-void findFirsts(const BestOfSlots* searches, BestOfFour& first) {
+// Where four searches have their best, the first in the order of the loops: 8 times the outer slot plus the inner one, in the
+// even lanes. Of equal quotients any gives the criterion to compare with; which pair is meant, its place tells.
+V firstPlaces(const BestOfSlots* searches) {
   const V zero = _mm_setzero_si128(), slot = _mm_setr_epi16(0, 1, 2, 3, 4, 5, 6, 7);
   const auto better = [](V a, V b) {
     const V one = pick<_MM_SHUFFLE(2, 0, 2, 0)>(a, b), other = pick<_MM_SHUFFLE(3, 1, 3, 1)>(a, b);
@@ -266,7 +270,6 @@ void findFirsts(const BestOfSlots* searches, BestOfFour& first) {
   V ofFour[4], order[4];
   unrolled<4>([&](int i) { ofFour[i] = better(searches[i].low, searches[i].high); });
   const V opposite = swapNegated(better(better(ofFour[0], ofFour[1]), better(ofFour[2], ofFour[3])));
-  store(first.reached, _mm_sub_epi16(zero, opposite));
   unrolled<4>([&](auto search) {
     constexpr int i = decltype(search)::value;
     const V best = _mm_shuffle_epi32(opposite, i * 0x55);
@@ -277,8 +280,7 @@ void findFirsts(const BestOfSlots* searches, BestOfFour& first) {
   const V halves01 = _mm_min_epi16(_mm_unpacklo_epi64(order[0], order[1]), _mm_unpackhi_epi64(order[0], order[1]));
   const V halves23 = _mm_min_epi16(_mm_unpacklo_epi64(order[2], order[3]), _mm_unpackhi_epi64(order[2], order[3]));
   V least = _mm_min_epi16(pick<_MM_SHUFFLE(2, 0, 2, 0)>(halves01, halves23), pick<_MM_SHUFFLE(3, 1, 3, 1)>(halves01, halves23));
-  least = _mm_min_epi16(least, _mm_srli_epi32(least, 16));
-  store(first.place, least);
+  return _mm_min_epi16(least, _mm_srli_epi32(least, 16));
 }
 
 // The standard's loops with the inner track's slots side by side; each lane keeps the best of its slot. False when that gives
@@ -357,8 +359,8 @@ void bestPairs(const PairSearch& search, const Zpp16s* diagonal, const PairTask*
       compare(std::integral_constant<int, 3>{});
       break;
   }
-  BestOfFour first[kVectors];
-  for (int k = 0; k < kVectors; ++k) findFirsts(best[k], first[k]);
+  alignas(16) Zpp16s places[kVectors][8];
+  for (int k = 0; k < kVectors; ++k) store(places[k], firstPlaces(best[k]));
   for (int t = 0; t < count; ++t) {
     const PairTask& task = tasks[t];
     if (!exact[t]) {
@@ -366,8 +368,8 @@ void bestPairs(const PairSearch& search, const Zpp16s* diagonal, const PairTask*
       continue;
     }
     const auto pairOf = [&](int k) {
-      const int place = first[k].place[2 * t];
-      return BestPair{first[k].reached[t], 0, static_cast<Zpp16s>(task.outerTrack + place / 8),
+      const int place = places[k][2 * t];
+      return BestPair{best[k][t].criterion(place % 8), 0, static_cast<Zpp16s>(task.outerTrack + place / 8),
                       static_cast<Zpp16s>(task.innerTrack + 2 * k + place % 8)};
     };
     BestPair pair = pairOf(0);
