@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "support/painted_stack.h"
 #include "zppcodecs.h"
 
 // Counts allocations where no sanitizer does it; the library's calls of malloc arrive here.
@@ -341,6 +342,28 @@ TEST_P(EveryCodec, CodesAnySignalWithoutAllocating) {
 }
 
 // Octets that no encoder sent: an error that changes nothing, or a frame of sound; never more than told.
+#if COUNTS_ALLOCATIONS
+// All frames of a call together
+TEST_P(EveryCodec, TakesLittleStack) {
+  const ZppcCodec& c = codec();
+  test::PaintedStack stack;
+  for (const ZppcOptions& options : allOptions(c)) {
+    Encoder encoder(c, options);
+    Decoder decoder(c, options);
+    Bytes payload(static_cast<std::size_t>(c.maxPayload));
+    Samples pcm(static_cast<std::size_t>(c.frameSamples));
+    const Samples signal = signalFor(c, 20);
+    const auto code = [&] {
+      for (std::size_t n = 0, frame = 0; n + pcm.size() <= signal.size(); n += pcm.size(), ++frame) {
+        const int octets = zppcEncode(encoder.stream(), &signal[n], c.frameSamples, payload.data(), c.maxPayload);
+        zppcDecode(decoder.stream(), frame % 7 == 5 ? nullptr : payload.data(), octets, pcm.data(), c.frameSamples);
+      }
+    };
+    EXPECT_LE(stack.depthOf(code), 20480u) << c.name;
+  }
+}
+#endif
+
 TEST_P(EveryCodec, SurvivesGarbage) {
   const ZppcCodec& c = codec();
   for (const ZppcOptions& options : allOptions(c)) {
@@ -401,6 +424,30 @@ INSTANTIATE_TEST_SUITE_P(Table, EveryCodec, testing::ValuesIn(allCodecs()), [](c
     if (std::isalnum(static_cast<unsigned char>(c)) == 0) c = '_';
   return name;
 });
+
+// After speech a homing frame brings the encoder home, which makes of the next the one that brings the decoder home, which
+// answers that after it with the same (3GPP TS 26.071, 26.171 and 46.001): at every bit rate.
+TEST(Api, HomesAtEveryBitRate) {
+  for (const char* name : {"amr", "amr-wb", "gsm-fr"}) {
+    const ZppcCodec& c = *zppcFindCodec(name);
+    for (int rate = 0; rate < c.bitRateCount; ++rate) {
+      const ZppcOptions options{c.bitRates[rate], 0, 0};
+      Encoder encoder(c, options);
+      Decoder decoder(c, options);
+      const Samples homing(static_cast<std::size_t>(c.frameSamples), 8);
+      Samples speech = signalFor(c, 5), heard(homing.size());
+      Bytes payload(static_cast<std::size_t>(c.maxPayload));
+      for (int frame = 0; frame < 9; ++frame) {
+        const std::int16_t* pcm = frame < 5 ? &speech[static_cast<std::size_t>(frame) * homing.size()] : homing.data();
+        const int octets = zppcEncode(encoder.stream(), pcm, c.frameSamples, payload.data(), c.maxPayload);
+        ASSERT_EQ(zppcDecode(decoder.stream(), payload.data(), octets, heard.data(), c.frameSamples), c.frameSamples);
+        if (frame > 6) {
+          EXPECT_EQ(heard, homing) << name << ' ' << c.bitRates[rate] << ", frame " << frame;
+        }
+      }
+    }
+  }
+}
 
 TEST(Api, FindsCodecsAndExplainsErrors) {
   EXPECT_EQ(zppcFindCodec(nullptr), nullptr);

@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "codecs/g729/dtx.h"
+#include "codecs/g729/music.h"
 #include "codecs/streams.h"
 #include "support/golden.h"
 
@@ -367,6 +368,32 @@ TEST(G729Codec, SpacesTheSpectrumOfADescriptor) {
     EXPECT_GE(zppsLSFQuant_G729B_16s(lsf.data(), maMemory.data(), quantised.data(), indices.data()), zppStsOk);
     EXPECT_EQ(sid->lsf, indices) << trial;
   }
+}
+
+// Annex G clause G.3: what the backward predictor has told of music is forgotten after 151 frames without resonance, that is with
+// a second reflection coefficient of 0..0.45 and a mean pitch gain below 0.5.
+TEST(G729Codec, ForgetsMusicAfterFlatFrames) {
+  using namespace codecs::g729;
+  const auto framesOfMusic = [](Zpp16s secondReflection) {
+    MusicDetector detector;
+    Reflection reflection{};
+    int frame = 0;
+    const auto take = [&](bool voice) {
+      ++frame;
+      return detector.take({1 << 20, 0, reflection, voice, voice, 2000, frame, voice, Rate::kbit12});
+    };
+    while (frame < 64) take(true);
+    for (int i = 0; i < 5; ++i) detector.takePitchGain(0);
+    reflection[1] = secondReflection;
+    int music = 0;
+    while (music < 400 && take(false)) ++music;
+    return music;
+  };
+  EXPECT_EQ(framesOfMusic(0), framesOfMusic(14746));
+  EXPECT_GE(framesOfMusic(0), 150);
+  EXPECT_LE(framesOfMusic(0), 153);  // the mean pitch gain falls first
+  EXPECT_EQ(framesOfMusic(-1), 400);
+  EXPECT_EQ(framesOfMusic(14747), 400);
 }
 
 // Days of noise: no counter runs out, and what once was taken for noise stays noise.

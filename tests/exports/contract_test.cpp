@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "exports/call.h"
+#include "support/painted_stack.h"
 
 namespace test {
 namespace {
@@ -58,6 +59,30 @@ TEST_P(Contract, RefusesValuesInTheOrderOfChecks) {
     }
 }
 
+// What is refused ends next to what is accepted, but for values that only every so many or that are enumerated with gaps.
+TEST_P(Contract, AcceptsTheNeighboursOfWhatItRefuses) {
+  const Export& e = GetParam();
+  for (const char* gaps :
+       {"Sampling_AMRWB", "DecimateBy2", "SynthesisFilter_AMRWB_16s_I", "AdaptiveCodebookSearch_G723", "TamingUpdate_G723",
+        "FixedCodebookDecode_G723", "PitchPostFilterSearch_G723", "LevinsonDurbin_G728"})
+    if (e.name.find(gaps) != std::string::npos) return;
+  for (std::size_t i = 0; e.checks && i < e.arguments.size(); ++i) {
+    const std::string& name = e.arguments[i].name;
+    const auto isOf = [&name](const char* what) { return name.find(what) != std::string::npos; };
+    if (isOf("lag") || isOf("Lag") || isOf("delay") || isOf("pitch")) continue;  // another would read more of the past
+    const auto accepted = static_cast<std::int64_t>(Call(e, {})[i].number);
+    for (const int side : {-1, 1}) {
+      const Refused* nearest = nullptr;
+      for (const Refused& r : e.arguments[i].refused)
+        if ((r.value - accepted) * side > 0 && (nearest == nullptr || (r.value - nearest->value) * side < 0)) nearest = &r;
+      if (nearest == nullptr) continue;
+      Call call(e, {Place::Kind::middle, 0});
+      call[i].number = static_cast<double>(nearest->value - side);
+      EXPECT_GE(call(), zppStsOk) << e.arguments[i].name << " = " << call[i].number;
+    }
+  }
+}
+
 // NaN, infinities, denormals and huge numbers, alone and mixed: useless results, but no crash, no endless loop and no access
 // outside the buffers.
 TEST_P(Contract, SurvivesAnyRealNumber) {
@@ -98,6 +123,19 @@ TEST_P(Contract, GivesTheSameAtAnyAddress) {
     ASSERT_EQ(call.contents(), aligned.contents()) << offset;
   }
 }
+
+#ifndef ZPPSC_CHECKED  // the sanitizers' frames are larger
+// All frames of a call together; half a kilobyte of it is the test's own.
+TEST_P(Contract, TakesLittleStack) {
+  const Export& e = GetParam();
+  PaintedStack stack;
+  Call call(e, {});
+  std::size_t depth = 0;
+  for (int twice = 0; twice < 2; ++twice)  // the first may have the linker look for functions
+    depth = stack.depthOf([&call] { call(); });
+  EXPECT_LE(depth, 12288u);
+}
+#endif
 
 TEST_P(Contract, IsReentrant) {
   const Export& e = GetParam();

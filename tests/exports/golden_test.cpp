@@ -25,6 +25,7 @@ bool forbidsOneBuffer(const std::string& function, const std::string& source) {
   for (const char* apart : {"zppsDecomposeDCTToMLT_G722_16s", "zppsDecomposeMLTToDCT_G722_16s", "zppsConvPartial_16s_Sfs",
                             "zppsAdaptiveCodebookGain_G729_16s", "zppsAdaptiveCodebookGain_G729A_16s"})
     if (function == apart) return true;
+  if (function == "zppsCrossCorr_NormM_16s" && source == "signal") return true;
   return source == "coef" || source == "refl" || source == "impulse" || source == "a" || source == "lpc";
 }
 

@@ -255,7 +255,7 @@ Book bookOf(int dimension) {
 // A vector near an entry, between two, or as far as to saturate
 template <class Rig>
 const Zpp16s* isfTarget(Rig& rig, int dimension) {
-  constexpr Zpp16s levels[] = {0, 40, 600, 8600, 8601, 13000, 32767};
+  constexpr Zpp16s levels[] = {0, 40, 600, 8600, 8601, 12500, 32767};
   const Zpp16s most = levels[rig.scalar(0, 6)];
   const bool extreme = rig.scalar(0, 1) == 0;
   const Book book = bookOf(dimension);

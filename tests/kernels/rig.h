@@ -35,7 +35,8 @@ inline Sizes upTo(int largest, std::vector<int> timed = {40, 240}) {
 inline Sizes only(std::vector<int> sizes) { return {sizes, sizes}; }
 
 // Kinds of content: full-range noise first, then the pathological ones.
-enum class Content { noise, speech, lowBit, allMinimum, allMaximum, alternating, count };
+// constant: a level of its own for each buffer, so that sums come to lie on both sides of where they may saturate
+enum class Content { noise, speech, lowBit, allMinimum, allMaximum, alternating, constant, count };
 
 class Random {
  public:
@@ -119,6 +120,8 @@ class RigBase {
   template <class T>
   T* fill(T* p, int n, int history, T lowest, T highest) {
     double level = 0;
+    const auto part = content == Content::constant ? random.between(1, 64) : 0;
+    const bool below = content == Content::constant && random.between(0, 1) == 0;
     for (int i = -history; i < n; ++i) {
       if constexpr (std::is_floating_point_v<T>) {
         p[i] =
@@ -143,6 +146,9 @@ class RigBase {
             break;
           case Content::allMaximum:
             v = high;
+            break;
+          case Content::constant:
+            v = (below ? low : high) * part / 64;
             break;
           default:
             v = i % 2 == 0 ? low : high;
