@@ -131,7 +131,7 @@ ZPPAPI ZppStatus zppsCrossCorr_NR_16s(const Zpp16s* src1, const Zpp16s* src2, in
 
 /* Backward filtering for a pitch search: d[n] = sat32(2 * sum of target[k] * signal[k - n], k = n..len-1) and
  * dst[n] = d[n] >> (18 - min(norm, 16)), norm normalising the largest magnitude of d (0 for silence): 13 bits remain at most.
- * target, signal, dst: len values; dst must not be a source. Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len below 1.
+ * target, signal, dst: len values; signal must not be dst. Status: zppStsOk; zppStsNullPointer; zppStsBadSize for len below 1.
  * Source: Cor_h_X of the ITU-T G.729 Annex A fixed-point reference. */
 ZPPAPI ZppStatus zppsCrossCorr_NormM_16s(const Zpp16s* target, const Zpp16s* signal, int len, Zpp16s* dst);
 

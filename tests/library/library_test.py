@@ -77,7 +77,7 @@ class Binary(unittest.TestCase):
                    "log", "exp", "floor"}
         if not PRIMITIVES:
             names = {name for name in names if not re.match("_?zpps", name)}
-            allowed |= {"malloc", "free", "strcmp", "memcmp", "bcmp", "frexp", "ldexp"}  # Create, Destroy, FindCodec; single precision
+            allowed |= {"malloc", "calloc", "free", "strcmp", "memcmp", "bcmp", "frexp", "ldexp"}  # Create, Destroy, FindCodec; single precision
         self.assertLessEqual(names, allowed)
 
     def test_has_read_only_tables_and_no_writable_data(self):
