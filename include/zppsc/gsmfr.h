@@ -74,7 +74,7 @@ ZPPAPI ZppStatus zppsLTPPredict_GSMFR_16s(const Zpp16s* history, Zpp16s* dst, Zp
 
 /* ---- GSM full rate: Regular pulse excitation -------------------------------------------------------------------------- */
 
-/* Weighting filter (clause 5.2.13). src, dst: 40 samples each, not the same; samples outside the subframe count as zero. */
+/* Weighting filter (clause 5.2.13). src, dst: 40 samples each; samples outside the subframe count as zero. */
 ZPPAPI ZppStatus zppsWeightingFilter_GSMFR_16s(const Zpp16s* src, Zpp16s* dst);
 
 /* Grid selection and quantisation of the pulses (clauses 5.2.14, 5.2.15). src: 40 weighted samples. pulses: 13 codes 0..7.

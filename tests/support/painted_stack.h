@@ -11,6 +11,13 @@
 
 namespace test {
 
+// What calls may take. Elsewhere than on x86 compilers keep more on the stack.
+#if defined(__i386__) || defined(__x86_64__)
+constexpr std::size_t kPrimitiveStack = 12 << 10, kCodecStack = 20 << 10;
+#else
+constexpr std::size_t kPrimitiveStack = 24 << 10, kCodecStack = 40 << 10;
+#endif
+
 class PaintedStack {
  public:
   std::size_t depthOf(const std::function<void()>& call) {
