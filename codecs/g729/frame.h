@@ -10,7 +10,7 @@
 namespace codecs::g729 {
 
 enum class FrameType { untransmitted, speech, sid };  // sid: silence descriptor, of Annex B
-enum class Rate { kbit6, kbit8, kbit12 };             // 6.4 (Annex D), 8, 11.8 kbit/s (Annex E)
+enum class Rate : Zpp8u { kbit6, kbit8, kbit12 };     // 6.4 (Annex D), 8, 11.8 kbit/s (Annex E)
 
 struct SpeechParameters {
   struct Subframe {

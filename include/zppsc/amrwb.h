@@ -202,8 +202,9 @@ ZPPAPI ZppStatus zppsAlgebraicCodebookDecode_AMRWB_16s(const Zpp16s* index, Zpp1
 /* ---- AMR-WB: gains ---------------------------------------------------------------------------------------------------- */
 
 /* Joint quantisation of the gains (TS 26.190 clause 5.9), 6 bits up to 8.85 kbit/s, 7 above.
- * target, filteredVector: 64, scaled by 2^scale. scale: see there. index: the codeword. filteredCode, code: 64, Q9, code
- * sharpened. coef: 4, mantissa and exponent of the filtered vector's energy, then of its correlation with the target.
+ * target, filteredVector: 64, scaled by 2^scale. scale: beyond 16 bits, the nearest of these. index: the codeword. filteredCode,
+ * code: 64, Q9, code sharpened. coef: 4, mantissa and exponent of the filtered vector's energy, then of its correlation with the
+ * target.
  * gainPitch: Q14; in the open-loop gain, which a search of 7 bits reads; out the quantised one. gainCode: Q16. mem: 4 past
  * quantised energies, newest first, Q10 (at the start -14336). clip: 1 keeps the pitch gain below 1. */
 ZPPAPI ZppStatus zppsGainQuant_AMRWB_16s(const Zpp16s* target, const Zpp16s* filteredVector, const Zpp16s* filteredCode,
@@ -219,8 +220,8 @@ ZPPAPI ZppStatus zppsDecodeGain_AMRWB_16s(Zpp16s index, const Zpp16s* code, Zpp1
 
 /* ---- AMR-WB: excitation ----------------------------------------------------------------------------------------------- */
 
-/* How voiced a subframe is (TS 26.190 clause 6.1). vector: 64, scaled by 2^scale. scale: of the vector. code: 64, Q9.
- * gainPitch: Q14. gainCode: Q0.
+/* How voiced a subframe is (TS 26.190 clause 6.1). vector: 64, scaled by 2^scale. scale: beyond 16 bits, the nearest of
+ * these. code: 64, Q9. gainPitch: Q14. gainCode: Q0.
  * *factor: Q15, -32767 unvoiced .. 32767 voiced. */
 ZPPAPI ZppStatus zppsVoiceFactor_AMRWB_16s(const Zpp16s* vector, const Zpp16s* code, int scale, Zpp16s gainPitch, Zpp16s gainCode,
                                            Zpp16s* factor);
@@ -245,7 +246,8 @@ ZPPAPI ZppStatus zppsPhaseDispersion_AMRWB_16s_I(Zpp16s* srcDst, Zpp16s gainCode
 
 /* ---- AMR-WB: high band (TS 26.190 clauses 5.10 and 6.3) ----------------------------------------------------------------- */
 
-/* Noise of 80 samples with the energy of src: 64, an excitation scaled by 2^scale. seed: 1. */
+/* Noise of 80 samples with the energy of src: 64, an excitation scaled by 2^scale. scale: beyond 16 bits, the nearest of these.
+ * seed: 1. */
 ZPPAPI ZppStatus zppsHighBandNoise_AMRWB_16s(const Zpp16s* src, Zpp16s* dst, int scale, Zpp16s* seed);
 
 /* Gain of the high band from the spectral tilt. *gain: Q15, 0.1 at least. src: 64, the synthesis behind the 400 Hz filter.

@@ -4,6 +4,9 @@
 // are doubled (Q15 x Q15 -> Q31); "wrap" operators keep the low bits on purpose. Nothing here has undefined behaviour for any
 // argument: shifts beyond the width are written out and wrap-around runs in unsigned arithmetic.
 // The comment behind an operator names the G.191 operator with the same result.
+//
+// ZPP_RANGE states what an operator takes and gives where that is less than all values of the type. A checked build
+// (-DZPPSC_CHECKED=ON) stops at the first value outside; all other builds are the same with these lines or without.
 #pragma once
 
 #include <bit>
@@ -11,10 +14,27 @@
 
 #include "zppsc.h"
 
+#ifdef ZPPSC_CHECKED
+#include <cstdio>
+#include <cstdlib>
+#define ZPP_RANGE(condition) ((condition) ? void() : ::zpp::outOfRange(#condition, __func__, __FILE__, __LINE__))
+#else
+#define ZPP_RANGE(condition) void()
+#endif
+
 namespace zpp {
+
+#ifdef ZPPSC_CHECKED
+[[noreturn]] inline void outOfRange(const char* condition, const char* operation, const char* file, int line) {
+  std::fprintf(stderr, "%s:%d: %s: not %s\n", file, line, operation, condition);
+  std::abort();
+}
+#endif
 
 inline constexpr Zpp32s kMax16 = 32767, kMin16 = -32768;
 inline constexpr Zpp32s kMax32 = INT32_MAX, kMin32 = INT32_MIN;
+
+constexpr bool isWord(Zpp32s x) { return x >= kMin16 && x <= kMax16; }
 
 // --- Saturation and wrap-around of exact values -------------------------------------------------------------------------
 
@@ -25,18 +45,36 @@ constexpr Zpp16s wrap16(Zpp32s x) { return static_cast<Zpp16s>(x); }
 constexpr Zpp32s wrap32(Zpp64s x) { return static_cast<Zpp32s>(x); }
 constexpr Zpp32s addWrap32(Zpp32s a, Zpp32s b) { return static_cast<Zpp32s>(static_cast<Zpp32u>(a) + static_cast<Zpp32u>(b)); }
 constexpr Zpp32s subWrap32(Zpp32s a, Zpp32s b) { return static_cast<Zpp32s>(static_cast<Zpp32u>(a) - static_cast<Zpp32u>(b)); }
-constexpr Zpp32s shlWrap32(Zpp32s x, int n) { return n > 31 ? 0 : static_cast<Zpp32s>(static_cast<Zpp32u>(x) << n); }
+constexpr Zpp32s shlWrap32(Zpp32s x, int n) {
+  ZPP_RANGE(n >= 0);
+  return n > 31 ? 0 : static_cast<Zpp32s>(static_cast<Zpp32u>(x) << n);
+}
 
 // --- 16 bits ------------------------------------------------------------------------------------------------------------
 
-constexpr Zpp16s addSat16(Zpp32s a, Zpp32s b) { return sat16(a + b); }                             // add
-constexpr Zpp16s subSat16(Zpp32s a, Zpp32s b) { return sat16(a - b); }                             // sub
-constexpr Zpp16s negSat16(Zpp32s a) { return sat16(-a); }                                          // negate
-constexpr Zpp16s absSat16(Zpp32s a) { return sat16(a < 0 ? -a : a); }                              // abs_s
+constexpr Zpp16s addSat16(Zpp32s a, Zpp32s b) {  // add
+  ZPP_RANGE(isWord(a) && isWord(b));
+  return sat16(a + b);
+}
+constexpr Zpp16s subSat16(Zpp32s a, Zpp32s b) {  // sub
+  ZPP_RANGE(isWord(a) && isWord(b));
+  return sat16(a - b);
+}
+constexpr Zpp16s negSat16(Zpp32s a) {  // negate
+  ZPP_RANGE(isWord(a));
+  return sat16(-a);
+}
+constexpr Zpp16s absSat16(Zpp32s a) {  // abs_s
+  ZPP_RANGE(isWord(a));
+  return sat16(a < 0 ? -a : a);
+}
 constexpr Zpp16s mulQ15(Zpp16s a, Zpp16s b) { return sat16((Zpp32s{a} * b) >> 15); }               // mult
 constexpr Zpp16s mulRoundQ15(Zpp16s a, Zpp16s b) { return sat16((Zpp32s{a} * b + 16384) >> 15); }  // mult_r
 // x >> n, arithmetic, for any n of 0 or more
-constexpr Zpp16s shr16(Zpp16s x, int n) { return static_cast<Zpp16s>(x >> (n > 15 ? 15 : n)); }
+constexpr Zpp16s shr16(Zpp16s x, int n) {
+  ZPP_RANGE(n >= 0);
+  return static_cast<Zpp16s>(x >> (n > 15 ? 15 : n));
+}
 // x << n saturated; n below 0 shifts right
 constexpr Zpp16s shlSat16(Zpp16s x, int n) {  // shl
   if (n <= 0) return shr16(x, -n);
@@ -51,6 +89,7 @@ constexpr int norm16(Zpp16s x) {  // norm_s
 }
 // num / den in Q15 by restoring division, for 0 <= num <= den, den > 0; 32767 for num = den
 constexpr Zpp16s divQ15(Zpp16s num, Zpp16s den) {  // div_s
+  ZPP_RANGE(num >= 0 && num <= den && den > 0);
   return num >= den ? static_cast<Zpp16s>(kMax16) : static_cast<Zpp16s>((Zpp32s{num} << 15) / den);
 }
 
@@ -73,7 +112,10 @@ constexpr Zpp32s mulDbl(Zpp16s a, Zpp16s b) {                              // L_
 constexpr Zpp32s macDbl(Zpp32s acc, Zpp16s a, Zpp16s b) { return addSat32(acc, mulDbl(a, b)); }  // L_mac
 constexpr Zpp32s msuDbl(Zpp32s acc, Zpp16s a, Zpp16s b) { return subSat32(acc, mulDbl(a, b)); }  // L_msu
 constexpr Zpp32s mul32Q15(Zpp32s x, Zpp16s c) { return sat32((Zpp64s{x} * c) >> 15); }           // L_mls
-constexpr Zpp32s shr32(Zpp32s x, int n) { return x >> (n > 31 ? 31 : n); }
+constexpr Zpp32s shr32(Zpp32s x, int n) {
+  ZPP_RANGE(n >= 0);
+  return x >> (n > 31 ? 31 : n);
+}
 // x << n saturated; n below 0 shifts right
 constexpr Zpp32s shlSat32(Zpp32s x, int n) {  // L_shl
   if (n <= 0) return shr32(x, -n);
@@ -103,16 +145,25 @@ struct Dpf {
   Zpp16s hi, lo;
 };
 constexpr Dpf toDpf(Zpp32s x) { return {high16(x), static_cast<Zpp16s>((x >> 1) & 0x7fff)}; }  // L_Extract
-constexpr Zpp32s fromDpf(Dpf x) { return addSat32(fromHigh16(x.hi), Zpp32s{x.lo} * 2); }       // L_Comp
+constexpr Zpp32s fromDpf(Dpf x) {                                                              // L_Comp
+  ZPP_RANGE(x.lo >= 0);
+  return addSat32(fromHigh16(x.hi), Zpp32s{x.lo} * 2);
+}
 // Only the product of two upper words of -32768 saturates: the cross products are of magnitude 2^16 at most, and with other
 // upper words the sum stays between -2147483646 and 2147483642.
 constexpr Zpp32s mulDpf(Dpf a, Dpf b) {  // Mpy_32
+  ZPP_RANGE(a.lo >= 0 && b.lo >= 0);
   return mulDbl(a.hi, b.hi) + 2 * ((a.hi * b.lo) >> 15) + 2 * ((a.lo * b.hi) >> 15);
 }
-constexpr Zpp32s mulDpf16(Dpf a, Zpp16s b) { return mulDbl(a.hi, b) + 2 * ((a.lo * b) >> 15); }  // Mpy_32_16
-// num / den in Q31 for num below den, den normalised (0x40000000 or more): one Newton step on a 14-bit reciprocal
+constexpr Zpp32s mulDpf16(Dpf a, Zpp16s b) {  // Mpy_32_16
+  ZPP_RANGE(a.lo >= 0);
+  return mulDbl(a.hi, b) + 2 * ((a.lo * b) >> 15);
+}
+// num / den in Q31 for num of 0 or more, saturated where num is den or more: one Newton step on a 14-bit reciprocal. den is
+// normalised (0x40000000 or more); another gives a number of no meaning.
 constexpr Zpp32s divDpf(Zpp32s num, Dpf den) {  // Div_32
-  const Zpp16s approx = divQ15(0x3fff, den.hi);
+  ZPP_RANGE(num >= 0 && den.lo >= 0);
+  const Zpp16s approx = den.hi < 0x3fff ? static_cast<Zpp16s>(kMax16) : divQ15(0x3fff, den.hi);
   const Zpp32s error = subSat32(kMax32, mulDpf16(den, approx));
   const Zpp32s reciprocal = mulDpf16(toDpf(error), approx);
   return shlSat32(mulDpf(toDpf(num), toDpf(reciprocal)), 2);
@@ -123,6 +174,7 @@ constexpr Zpp32s divDpf(Zpp32s num, Dpf den) {  // Div_32
 // The "Sfs" rule: v * 2^-s, rounded half to even, s beyond +-31 taken as +-31. Exact for |v| below 2^62; a left shift first
 // clamps v to 33 bits, which cannot change a result that is then saturated to 32 bits or fewer.
 constexpr Zpp64s scaled(Zpp64s v, int s) {
+  ZPP_RANGE(v > -(Zpp64s{1} << 62) && v < Zpp64s{1} << 62);
   if (s == 0) return v;
   if (s > 0) {
     if (s > 31) s = 31;
@@ -137,11 +189,13 @@ constexpr Zpp64s scaled(Zpp64s v, int s) {
 constexpr Zpp64s truncated(Zpp64s v, int s) { return s <= 0 ? scaled(v, s) : v >> (s > 31 ? 31 : s); }
 // The "NR" rule: (v + 2^(s-1)) >> s, round half up, for any s of 0 or more and |v| of at most 2^31
 constexpr Zpp64s shrRoundHalfUp(Zpp64s v, int s) {
+  ZPP_RANGE(s >= 0 && v >= kMin32 && v <= Zpp64s{1} << 31);
   if (s == 0) return v;
   if (s > 33) return 0;
   return (v + (Zpp64s{1} << (s - 1))) >> s;
 }
 constexpr Zpp32s shrRoundHalfUp(Zpp32s v, int s) {
+  ZPP_RANGE(s >= 0);
   if (s == 0) return v;
   return s > 31 ? 0 : (v >> s) + ((v >> (s - 1)) & 1);
 }

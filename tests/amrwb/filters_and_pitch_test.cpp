@@ -197,4 +197,30 @@ TEST(Resampling, SaturatesOnlyWhereTheTapsAddUpToMore) {
   EXPECT_EQ(largest(100), 227);  // 37140 / 16384
 }
 
+// A scale that no signal has is limited before it is calculated with.
+TEST(Scale, BeyondSixteenBitsCountsAsTheNearest) {
+  V16 signal(64), code(64);
+  for (std::size_t n = 0; n < signal.size(); ++n) {
+    signal[n] = static_cast<Zpp16s>(static_cast<int>(n * 7919 % 4001) - 2000);
+    code[n] = static_cast<Zpp16s>(static_cast<int>(n * 104729 % 1025) - 512);
+  }
+  const auto results = [&](int scale) {
+    const V16 coef = {20000, 3, 15000, 2};
+    V16 mem(4, -14336), noise(80);
+    Zpp16s gainPitch = 9000, index = 0, factor = 0, seed = 5;
+    Zpp32s gainCode = 0;
+    EXPECT_EQ(zppsGainQuant_AMRWB_16s(signal.data(), code.data(), code.data(), code.data(), coef.data(), &gainPitch, &gainCode,
+                                      &index, mem.data(), scale, 0, ZPP_RATE_12650),
+              zppStsOk);
+    EXPECT_EQ(zppsVoiceFactor_AMRWB_16s(signal.data(), code.data(), scale, 9000, 77, &factor), zppStsOk);
+    EXPECT_EQ(zppsHighBandNoise_AMRWB_16s(signal.data(), noise.data(), scale, &seed), zppStsOk);
+    noise.insert(noise.end(), {gainPitch, index, factor, seed});
+    return noise;
+  };
+  EXPECT_EQ(results(INT32_MAX), results(32767));
+  EXPECT_EQ(results(INT32_MIN), results(-32768));
+  EXPECT_NE(results(32767), results(-32768));
+  EXPECT_NE(results(3), results(4));
+}
+
 }  // namespace

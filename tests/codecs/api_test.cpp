@@ -307,6 +307,37 @@ TEST_P(EveryCodec, ContinuesInACopyOfItsMemory) {
   }
 }
 
+// Memory that a caller leaves behind on the stack
+[[gnu::noinline]] int leaveOnStack(unsigned char value) {
+  unsigned char memory[20000];
+  std::memset(memory, value, sizeof memory);
+  asm volatile("" : : "r"(memory) : "memory");
+  return memory[value];
+}
+
+// Nothing that lay on the stack gets into a stream, so that equal streams are equal octets.
+TEST_P(EveryCodec, KeepsNothingButItsState) {
+  const ZppcCodec& c = codec();
+  for (const ZppcOptions& options : allOptions(c)) {
+    const Samples signal = signalFor(c, 36);
+    Bytes sent, received;
+    for (const unsigned char left : {0x00, 0xa7}) {
+      Encoder encoder(c, options);
+      Decoder decoder(c, options);
+      for (int f = 0; f < 36; ++f) {
+        leaveOnStack(left);
+        const Bytes payload = encoder.encode(&signal[static_cast<std::size_t>(f * c.frameSamples)]);
+        leaveOnStack(left);
+        decoder.decode(f % 7 == 3 ? nullptr : &payload);
+      }
+      EXPECT_TRUE(sent.empty() || sent == encoder.memory()) << c.name;
+      EXPECT_TRUE(received.empty() || received == decoder.memory()) << c.name;
+      sent = encoder.memory();
+      received = decoder.memory();
+    }
+  }
+}
+
 // Coding allocates nothing, whatever the signal, and every payload has a size of the codec's.
 TEST_P(EveryCodec, CodesAnySignalWithoutAllocating) {
   const ZppcCodec& c = codec();

@@ -12,6 +12,10 @@ std::vector<Export> amrwbExports() {
     return value("order", accepted).refusing({0, 10, 15, 17, 19, 21}, zppStsBadSize, 1);
   };
   const auto state = [](std::size_t bytes) { return inOut("state", bytes); };
+  const Argument highPass = state(40).preparedBy([](void* p) {
+    const Zpp16s at50Hz[] = {4053, -8106, 4053, 16211, -8021};
+    zppsHighPassFilterInit_AMRWB_16s(at50Hz, 2, p);
+  });
   return {
       // Sampling rates and filters
       row(FUNCTION(zppsDownSampling_AMRWB_16s), in("src", 40), out("dst", 32),
@@ -19,9 +23,8 @@ std::vector<Export> amrwbExports() {
       row(FUNCTION(zppsUpSampling_AMRWB_16s), in("src", 32), out("dst", 40),
           length("src").refusing({2, 6, 260}, zppStsBadSize, 1), inOut("mem", 24)),
       row(FUNCTION(zppsHighPassFilterInit_AMRWB_16s), in("coef", 7), choice("order", 3, {1, 4}), out("state", 40)),
-      row(FUNCTION(zppsHighPassFilter_AMRWB_16s_I), inOut("srcDst", 20), length("srcDst"), scale("shift", 2, {0, 3}),
-          state(40)),
-      row(FUNCTION(zppsHighPassFilterScale_AMRWB_16s), scale("shift", -1, {-32, 32}), state(40)),
+      row(FUNCTION(zppsHighPassFilter_AMRWB_16s_I), inOut("srcDst", 20), length("srcDst"), scale("shift", 2, {0, 3}), highPass),
+      row(FUNCTION(zppsHighPassFilterScale_AMRWB_16s), scale("shift", -1, {-32, 32}), highPass),
       row(FUNCTION(zppsPreemphasisScale_AMRWB_16s), in("src", 20), length("src"), gamma, value("prev", 5), result("shift")),
       row(FUNCTION(zppsPreemphasize_AMRWB_16s_I), inOut("srcDst", 20), length("srcDst"), gamma, scale("shift", 1, {-1, 16}),
           mem1),

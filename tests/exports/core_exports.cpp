@@ -19,7 +19,10 @@ std::vector<Export> coreExports() {
       row(FUNCTION(zppsHighPassFilterGetSize_AMRWB_16s), choice("order", 2, {1, 4, -1}), result("size")),
       row(FUNCTION(zppsHighPassFilterInit_G729), in("coef", 6), out("state", 12).of(Element::s16)),
       row(FUNCTION(zppsHighPassFilter_G729_16s_ISfs), srcDst, lenSrcDst, scale("scaleFactor", 12, {11, 14, -1}),
-          inOut("state", 24)),
+          inOut("state", 24).preparedBy([](void* p) {
+            const Zpp16s at140Hz[] = {1899, -3798, 1899, 4096, 7807, -3733};
+            zppsHighPassFilterInit_G729(at140Hz, p);
+          })),
 
       row(FUNCTION(zppsZero_16s), dst, lenDst),
       row(FUNCTION(zppsZero_32f), dst, lenDst),

@@ -142,11 +142,12 @@ struct Export {
   std::string name;
   const void* address = nullptr;
   std::vector<Argument> arguments;
-  std::function<ZppStatus(const std::vector<Passed>&)> call;
+  std::function<ZppStatus(const void* address, const std::vector<Passed>&)> invoke;
   bool checks = true;           // false: an internal step that trusts its arguments
   ZppStatus status = zppStsOk;  // of the accepted call of the contract run
   bool returnsStatus = true;    // false: a void function, which counts as zppStsOk
 
+  ZppStatus call(const std::vector<Passed>& passed) const { return invoke(address, passed); }
   Export trusting() const {
     return with([](Export& e) { e.checks = false; });
   }
@@ -209,12 +210,13 @@ Export row(const char* name, Return (*function)(Types...), Arguments... argument
     }
   };
   (complete(std::type_identity<Types>{}), ...);
-  e.call = [function](const std::vector<Passed>& passed) {
+  e.invoke = [](const void* address, const std::vector<Passed>& passed) {
+    const auto callee = reinterpret_cast<Return (*)(Types...)>(const_cast<void*>(address));
     return [&]<std::size_t... I>(std::index_sequence<I...>) {
       if constexpr (std::is_void_v<Return>)
-        return function(passAs<Types>(passed[I])...), zppStsOk;
+        return callee(passAs<Types>(passed[I])...), zppStsOk;
       else
-        return function(passAs<Types>(passed[I])...);
+        return callee(passAs<Types>(passed[I])...);
     }
     (std::index_sequence_for<Types...>{});
   };

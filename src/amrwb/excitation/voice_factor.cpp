@@ -14,6 +14,7 @@ ZppStatus zppsVoiceFactor_AMRWB_16s(const Zpp16s* vector, const Zpp16s* code, in
 }
 
 Zpp16s ownVoiceFactor_AMRWB_16s(const Zpp16s* vector, const Zpp16s* code, int scale, Zpp16s gainPitch, Zpp16s gainCode) {
+  scale = sat16(scale);
   const Floating vectorEnergy = energy12(vector, kSubframe);
   const Floating pitchSquare = normalised(mulDbl(gainPitch, gainPitch));
   Zpp16s voiced = mulQ15(high16(vectorEnergy.mantissa), high16(pitchSquare.mantissa));

@@ -58,6 +58,7 @@ ZppStatus zppsGainQuant_AMRWB_16s(const Zpp16s* target, const Zpp16s* filteredVe
 void ownGainQuant_AMRWB_16s(const Zpp16s* target, const Zpp16s* filteredVector, const Zpp16s* filteredCode, const Zpp16s* code,
                             const Zpp16s* coef, Zpp16s* gainPitch, Zpp32s* gainCode, Zpp16s* index, Zpp16s* mem, int scale,
                             bool clip, Mode mode) {
+  scale = sat16(scale);
   const Range range = searchRange(*gainPitch, clip, mode);
   const PredictedGain predicted = predictedGain(expectedLevel(code), mem);
   const int s = predicted.exponent;

@@ -45,7 +45,7 @@ void ownHighBandNoise_AMRWB_16s(const Zpp16s* src, Zpp16s* dst, int scale, Zpp16
   Zpp16s excitation[kSubframe];
   scaleRound16(src, excitation, kSubframe, -3);
   Floating wanted = energy12(excitation, kSubframe);
-  wanted.exponent -= 2 * (scale - 3);
+  wanted.exponent -= 2 * (sat16(scale) - 3);
   ownNoise_AMRWB_16s(dst, kHighBandSubframe, 3, seed);
   const Floating ratio = levelRatio(wanted, energy12(dst, kHighBandSubframe));
   const Zpp16s gain = high16(shlSat32(ratio.mantissa, ratio.exponent + 1));

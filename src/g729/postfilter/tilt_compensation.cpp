@@ -39,7 +39,8 @@ void ownTiltCompensation_G729A_16s(const Zpp16s* coef, Zpp16s* srcDst) {
 
   const Zpp16s last = srcDst[kSubframe - 1];
   if (correlation > 0) {
-    const Zpp16s factor = divQ15(mulQ15(high16(correlation), 26214), high16(sat32(energy)));
+    const Zpp16s whole = high16(sat32(energy));  // 512 or more where coef begins with 1
+    const Zpp16s factor = whole == 0 ? Zpp16s{kMax16} : divQ15(mulQ15(high16(correlation), 26214), whole);
     ownPreemphasize_G729A_16s(srcDst, srcDst, kSubframe, factor, srcDst[-1]);
   }
   srcDst[-1] = last;
