@@ -7,8 +7,10 @@
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size);
+extern "C" [[gnu::weak]] int LLVMFuzzerInitialize(int* count, char*** arguments);
 
 int main(int count, char** folders) {
+  if (LLVMFuzzerInitialize != nullptr) LLVMFuzzerInitialize(&count, &folders);
   int files = 0;
   for (int i = 1; i < count; ++i)
     for (const auto& entry : std::filesystem::directory_iterator(folders[i])) {

@@ -27,7 +27,7 @@ struct AnyFilter {
   AnyFilter(const Filter& forward) { std::copy(forward.begin(), forward.end(), a.begin()); }
   AnyFilter(const BackwardFilter& backward) : order(kBackwardOrder), a(backward) {}
 
-  int order = kOrder;
+  Zpp16s order = kOrder;   // of 16 bits, so that nothing undefined lies behind the last element
   BackwardFilter a{4096};  // zeros behind the order
 };
 using AnySubframeFilters = std::array<AnyFilter, kSubframes>;
