@@ -454,7 +454,7 @@ class Refusals(ProgramTest):
                 self.assertRefused(result, 2, "standard output")
 
     def test_information_goes_to_standard_output(self):
-        for args, word in ((["--help"], b"roundtrip"), (["encode", "--help"], b"--framing"), (["--version"], b"zppcodec 4.1")):
+        for args, word in ((["--help"], b"roundtrip"), (["encode", "--help"], b"--framing"), (["--version"], b"zppcodec 4.")):
             result = run(*args)
             self.assertDone(result)
             self.assertIn(word, result.stdout)

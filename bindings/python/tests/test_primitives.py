@@ -20,7 +20,7 @@ def test_every_export_is_there_under_its_name():
     exported = (ROOT / "tests" / "library" / "exports.txt").read_text(encoding="utf-8").split()
     assert sorted(NAMES + ["zppscGetLibVersion"]) == sorted(exported)
     assert all(callable(getattr(zpp, name)) for name in exported)
-    assert zpp.zppscGetLibVersion().Version == "v4.1"
+    assert zpp.zppscGetLibVersion().Version.startswith("v4.")
 
 
 def test_extents_agree_with_the_table_of_exports(rows):
