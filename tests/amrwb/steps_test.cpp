@@ -132,7 +132,7 @@ TEST(Steps, FineSynthesisIsThatOfTheStepsOnBothSidesOfTheBound) {
     const auto unit = static_cast<Zpp16s>(4096 >> number(0, 3));
     const int shift = norm16(unit) + 1, factor = unit >> 4;
     const auto bound = static_cast<int>(magnitudesThatRound(shift) / 32769);
-    const V16 lpc = coefficients(16, bound - factor + number(-3, 3) + (run % 3 == 0 ? number(-40000, 9000) : 0), unit);
+    const V16 lpc = coefficients(16, bound - factor + number(-3, 3) + (run % 3 == 0 ? number(-40000, 90000) : 0), unit);
     std::vector<Zpp32s> start(16 + 64), expected;
     for (std::size_t n = 0; n < 16; ++n) {
       start[n] = extreme(run % 4 < 2 ? lpc[16 - n] : -lpc[16 - n]) * 4096 + number(0, 4095);
