@@ -161,29 +161,15 @@ class Drawing {
   }
 
  private:
-  template <class T>
-  static void store(unsigned char* at, double value) {
-    const T stored = std::is_floating_point_v<T>
-                         ? static_cast<T>(value)
-                         : static_cast<T>(std::clamp(value, static_cast<double>(std::numeric_limits<T>::min()),
-                                                     static_cast<double>(std::numeric_limits<T>::max())));
-    std::memcpy(at, &stored, sizeof stored);
-  }
   static void put(unsigned char* at, Element element, double value) {
-    switch (element) {
-      case Element::u8:
-        return store<Zpp8u>(at, value);
-      case Element::s16:
-        return store<Zpp16s>(at, value);
-      case Element::u16:
-        return store<Zpp16u>(at, value);
-      case Element::s32:
-        return store<Zpp32s>(at, value);
-      case Element::u32:
-        return store<Zpp32u>(at, value);
-      default:
-        return store<Zpp32f>(at, value);
-    }
+    asType(element, [at, value](auto stored) {
+      using T = decltype(stored);
+      stored = std::is_floating_point_v<T>
+                   ? static_cast<T>(value)
+                   : static_cast<T>(std::clamp(value, static_cast<double>(std::numeric_limits<T>::min()),
+                                               static_cast<double>(std::numeric_limits<T>::max())));
+      std::memcpy(at, &stored, sizeof stored);
+    });
   }
 
   FuzzedDataProvider& data_;
