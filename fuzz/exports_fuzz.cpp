@@ -10,6 +10,7 @@
 #include <limits>
 #include <map>
 #include <string>
+#include <string_view>
 
 #include "exports/export_table.h"
 #include "fuzz.h"
@@ -275,7 +276,11 @@ bool callBoth(const Row& row, FuzzedDataProvider& data, bool plain, std::unique_
     if (!buffers[i]) continue;
     const Argument& a = arguments[i];
     const Pair& b = *buffers[i];
-    if ((status < 0 || a.role == Argument::Role::in) && b.level.copy() != contents[i]) complain(row, "changes " + a.name);
+    // The one function that meets bad values on its way has written what comes before them.
+    const bool partly =
+        status == zppStsOutOfDomain && row.name == std::string_view("zppsLSFToLSP_G729_16s") && a.role == Argument::Role::out;
+    if (((status < 0 && !partly) || a.role == Argument::Role::in) && b.level.copy() != contents[i])
+      complain(row, "changes " + a.name);
     if (comparable && b.level.copy() != b.portable.copy()) complain(row, a.name + " differs from the portable kernel's");
   }
   if (state && status < 0 && state->memory.level.copy() != stateBefore) complain(row, "an error changes the state");
