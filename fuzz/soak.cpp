@@ -12,7 +12,8 @@
 #include <thread>
 #include <vector>
 
-#include "zppcodecs.h"
+#include "codecs/framing/framing.h"
+#include "support/check_sum.h"
 
 namespace {
 
@@ -78,18 +79,6 @@ class Signal {
   int second_, left_ = 0, kind_ = 0, level_ = 0, period_ = 1, pole_ = 0, n_ = 0, first_ = 0, second1_ = 0;
 };
 
-// FNV-1a
-class Sum {
- public:
-  void add(const void* bytes, std::size_t size) {
-    for (std::size_t i = 0; i < size; ++i) value_ = (value_ ^ static_cast<const unsigned char*>(bytes)[i]) * 0x100000001b3;
-  }
-  unsigned long long value() const { return value_; }
-
- private:
-  std::uint64_t value_ = 0xcbf29ce484222325;
-};
-
 // Losses of 5 in a hundred frames, at times in bursts
 class Line {
  public:
@@ -122,16 +111,14 @@ Result soak(const ZppcCodec& codec, const ZppcOptions& options, long frames) {
   ZppcEncoder* const encoder = zppcEncoderCreate(&codec, &options, nullptr);
   ZppcDecoder* const decoder = zppcDecoderCreate(&codec, &options, nullptr);
   if (encoder == nullptr || decoder == nullptr) complain("no stream", codec);
-  // Codecs of single samples in packets of 20 ms
-  const bool sampleBased = (codec.features & ZPPC_FEATURE_SAMPLE_BASED) != 0;
-  const int size = sampleBased ? codec.sampleRate / 50 : codec.frameSamples;
+  const int size = codecs::framing::packetSamples(codec);
   const int room = codec.maxPayload * (size / codec.frameSamples);
   Signal signal(codec.sampleRate, static_cast<std::uint64_t>(options.bitRate) + 1);
   Line line(7);
   Random rates(3);
   std::vector<std::int16_t> pcm(static_cast<std::size_t>(size)), heard(pcm.size());
   std::vector<unsigned char> payload(static_cast<std::size_t>(room));
-  Sum payloads, speech;
+  test::ByteSum payloads, speech;
   for (long n = 0; n < frames; ++n) {
     signal.fill(pcm);
     if ((codec.features & ZPPC_FEATURE_RATE_SWITCH) != 0 && rates.below(50) == 0)

@@ -21,6 +21,25 @@ enum class Element { u8, s16, u16, s32, u32, f32 };
 
 constexpr std::size_t sizeOf(Element e) { return e == Element::u8 ? 1 : e == Element::s16 || e == Element::u16 ? 2 : 4; }
 
+// f(a value of the element's type)
+template <class F>
+auto asType(Element e, F f) {
+  switch (e) {
+    case Element::u8:
+      return f(Zpp8u{});
+    case Element::s16:
+      return f(Zpp16s{});
+    case Element::u16:
+      return f(Zpp16u{});
+    case Element::s32:
+      return f(Zpp32s{});
+    case Element::u32:
+      return f(Zpp32u{});
+    default:
+      return f(Zpp32f{});
+  }
+}
+
 struct Refused {
   std::int64_t value;
   ZppStatus status;
