@@ -66,14 +66,12 @@ void ownToeplizMatrix_GSMAMR_16s_PX(const Zpp16s* impulse, const Zpp16s* sign, Z
     accumulate<Stepwise>(h, grid, matrix);
 
   for (int slot = 0; slot < kSubframe; ++slot) diagonal[slot] = matrix[slot * (kSubframe + 1)];
-  Zpp16s factors[2][kSubframe];  // products of two signs, by that of the row
   for (int slot = 0; slot < kSubframe; ++slot) {
-    factors[0][slot] = mulQ15(32767, sign[slot]);
-    factors[1][slot] = mulQ15(-32767, sign[slot]);
-  }
-  for (int slot = 0; slot < kSubframe; ++slot) {
+    // No product of two signs is -32768, so that no entry saturates.
+    Zpp16s factor[kSubframe];
+    const Zpp16s ofRow = sign[slot];
+    for (int i = 0; i < kSubframe; ++i) factor[i] = static_cast<Zpp16s>(std::min((ofRow * sign[i]) >> 15, kMax16));
     Zpp16s* const row = matrix + slot * kSubframe;
-    const Zpp16s* const factor = factors[sign[slot] < 0];
     if (tracks == 4 || pairs == kAllPairs) {
       for (int i = 0; i < kSubframe; ++i) row[i] = static_cast<Zpp16s>((row[i] * factor[i]) >> 15);
       continue;
