@@ -224,6 +224,15 @@ DRIVE(ownSearchPulsePair_AMRWB_16s, only({0, 1000, 16382, 16383, 32767})) {
   });
 }
 
+// n: what all energies are above, with room for cross terms or without
+DRIVE(ownSearchTwoPulses_AMRWB_16s, only({0, 2000, 20000})) {
+  repeat(rig, [&] {
+    const Zpp16s most = rig.scalar(0, 2) == 0 ? level(rig) : static_cast<Zpp16s>(1000);
+    const zpp::amrwb::PulseTarget* const target = pulseTarget(rig, most);
+    rig.run(target, rig.template in<Zpp16s>(64, static_cast<Zpp16s>(n), static_cast<Zpp16s>(n + rig.scalar(0, 8000))));
+  });
+}
+
 // n: bits of the coefficients, 13 as the codec has them
 DRIVE(ownSearchGains_AMRWB_16s, only({4, 12, 13, 14})) {
   repeat(rig, [&] {
