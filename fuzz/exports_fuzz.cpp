@@ -212,8 +212,8 @@ bool callBoth(const Row& row, FuzzedDataProvider& data, bool plain, std::unique_
       auto accepted = static_cast<Number>(a.value);
       for (const Argument& other : arguments)
         if (!a.lengthOf.empty() && other.name == a.lengthOf) accepted = static_cast<Number>(other.count / other.perItem);
-      const Number value = draw.scalar(a, accepted, plain || fallBack);
-      level[i].number = static_cast<double>(std::clamp<Number>(value, INT32_MIN, INT32_MAX));
+      const Number value = std::clamp<Number>(draw.scalar(a, accepted, plain || fallBack), INT32_MIN, INT32_MAX);
+      level[i].number = a.unsignedType ? static_cast<double>(static_cast<std::uint32_t>(value)) : static_cast<double>(value);
       values.set(a.name, static_cast<Number>(level[i].number));
     }
     if (row.condition(values) != 0) break;

@@ -104,12 +104,14 @@ void complain(const char* what, const ZppcCodec& codec) {
 struct Result {
   const ZppcCodec* codec;
   ZppcOptions options;
-  unsigned long long payloads, speech;
+  unsigned long long payloads, speech, states;
 };
 
 Result soak(const ZppcCodec& codec, const ZppcOptions& options, long frames) {
-  ZppcEncoder* const encoder = zppcEncoderCreate(&codec, &options, nullptr);
-  ZppcDecoder* const decoder = zppcDecoderCreate(&codec, &options, nullptr);
+  std::vector<unsigned char> encoderMemory(static_cast<std::size_t>(zppcEncoderSize(&codec)));
+  std::vector<unsigned char> decoderMemory(static_cast<std::size_t>(zppcDecoderSize(&codec)));
+  ZppcEncoder* const encoder = zppcEncoderInit(encoderMemory.data(), encoderMemory.size(), &codec, &options, nullptr);
+  ZppcDecoder* const decoder = zppcDecoderInit(decoderMemory.data(), decoderMemory.size(), &codec, &options, nullptr);
   if (encoder == nullptr || decoder == nullptr) complain("no stream", codec);
   const int size = codecs::framing::packetSamples(codec);
   const int room = codec.maxPayload * (size / codec.frameSamples);
@@ -118,7 +120,7 @@ Result soak(const ZppcCodec& codec, const ZppcOptions& options, long frames) {
   Random rates(3);
   std::vector<std::int16_t> pcm(static_cast<std::size_t>(size)), heard(pcm.size());
   std::vector<unsigned char> payload(static_cast<std::size_t>(room));
-  test::ByteSum payloads, speech;
+  test::ByteSum payloads, speech, states;
   for (long n = 0; n < frames; ++n) {
     signal.fill(pcm);
     if ((codec.features & ZPPC_FEATURE_RATE_SWITCH) != 0 && rates.below(50) == 0)
@@ -136,10 +138,12 @@ Result soak(const ZppcCodec& codec, const ZppcOptions& options, long frames) {
                                               static_cast<unsigned char>(sample >> 8)};
       speech.add(octetsOfSample, sizeof octetsOfSample);
     }
+    if (n % 16 == 0) {
+      states.add(encoderMemory.data(), encoderMemory.size());
+      states.add(decoderMemory.data(), decoderMemory.size());
+    }
   }
-  zppcEncoderDestroy(encoder);
-  zppcDecoderDestroy(decoder);
-  return {&codec, options, payloads.value(), speech.value()};
+  return {&codec, options, payloads.value(), speech.value(), states.value()};
 }
 
 // All codecs from the first on, with every bit rate and option that they have
@@ -184,9 +188,10 @@ int main(int count, char** arguments) {
   int different = 0;
   for (std::size_t i = 0; i < results[0].size(); ++i) {
     const Result& r = results[0][i];
-    std::printf("%s %d%s variant %d: payloads %016llx, speech %016llx\n", r.codec->name, r.options.bitRate,
-                r.options.dtx ? " dtx" : "", r.options.variant, r.payloads, r.speech);
-    for (const auto& other : results) different += other[i].payloads != r.payloads || other[i].speech != r.speech;
+    std::printf("%s %d%s variant %d: payloads %016llx, speech %016llx, states %016llx\n", r.codec->name, r.options.bitRate,
+                r.options.dtx ? " dtx" : "", r.options.variant, r.payloads, r.speech, r.states);
+    for (const auto& other : results)
+      different += other[i].payloads != r.payloads || other[i].speech != r.speech || other[i].states != r.states;
   }
   if (different != 0) std::fprintf(stderr, "soak: %d streams differ between threads\n", different);
   return different != 0;

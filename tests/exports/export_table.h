@@ -67,6 +67,7 @@ struct Argument {
   std::vector<Refused> refused;        // scalars
   Element element = Element::u8;       // from the prototype; bytes for state blocks
   bool real = false;                   // scalars: of a floating-point type
+  bool unsignedType = false;           // scalars: of a type without negative values
   bool untyped = false;                // the prototype has void*, and the golden vectors give `element`s
   std::size_t perItem = 1;             // elements of the golden vectors in one element of the prototype (2 for complex)
 
@@ -226,6 +227,7 @@ Export row(const char* name, Return (*function)(Types...), Arguments... argument
       a.perItem = std::is_same_v<Item, Zpp16sc> ? 2 : 1;
     } else {
       a.real = std::is_floating_point_v<T>;
+      a.unsignedType = std::is_unsigned_v<T>;
     }
   };
   (complete(std::type_identity<Types>{}), ...);
