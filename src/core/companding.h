@@ -1,38 +1,27 @@
-// ITU-T G.711 compression: the laws as lines.
-//
-// A segment is a line of the code over the magnitude, with half the slope of the segment below it: the codes are the least of
-// what all lines give, shifts truncating. No search for the segment, and many samples side by side.
+// ITU-T G.711 compression of one sample.
 #pragma once
 
-#include <algorithm>
+#include <bit>
 
 #include "zppsc.h"
 
 namespace zpp {
 
-// What `lines` lines give of a magnitude: the lowest rises by one every 2^first, and each starts 16 higher than the one before.
-template <int first, int lines>
-constexpr Zpp16s leastOfLines(Zpp16s magnitude) {
-  const auto line = static_cast<Zpp16s>(magnitude >> first);
-  if constexpr (lines == 1)
-    return line;
-  else
-    return std::min(line, static_cast<Zpp16s>(leastOfLines<first + 1, lines - 1>(magnitude) + 16));
-}
-
-// mu-law: a bias of 33 in units of 4, clamped; eight segments, the codes of whose lines begin at 16; all bits inverted
+// mu-law: 14-bit magnitude plus bias 33, segment from its bit length, four bits below the leading one, all inverted
 constexpr Zpp8u muLawCode(Zpp16s x) {
-  constexpr Zpp16s bias = 33 * 4;
-  const auto sign = static_cast<Zpp16s>(x >> 15);
-  const Zpp16s magnitude = std::min(static_cast<Zpp16s>(x ^ sign), static_cast<Zpp16s>(32767 - bias));
-  const Zpp16s code = leastOfLines<3, 8>(static_cast<Zpp16s>(magnitude + bias));
-  return static_cast<Zpp8u>((127 + 16 - code) | (~sign & 0x80));
+  const int magnitude = (x < 0 ? ~x : x) >> 2;
+  const auto biased = static_cast<unsigned>(magnitude + 33 > 8191 ? 8191 : magnitude + 33);
+  const int segment = std::bit_width(biased) - 5;  // 1..8
+  const int code = (8 - segment) * 16 + 15 - static_cast<int>((biased >> segment) & 15);
+  return static_cast<Zpp8u>(x < 0 ? code : code | 0x80);
 }
 
-// A-law: the two lowest of eight segments have equal steps, which makes them one line; even bits inverted
+// A-law: 13-bit magnitude, the two lowest segments of equal step, even bits inverted
 constexpr Zpp8u aLawCode(Zpp16s x) {
-  const auto sign = static_cast<Zpp16s>(x >> 15);
-  return static_cast<Zpp8u>(leastOfLines<4, 7>(static_cast<Zpp16s>(x ^ sign)) ^ 0xd5 ^ (sign & 0x80));
+  const auto magnitude = static_cast<unsigned>((x < 0 ? ~x : x) >> 3);
+  const int segment = magnitude < 32 ? 0 : std::bit_width(magnitude) - 5;  // 0..7
+  const int code = segment * 16 + static_cast<int>((magnitude >> (segment == 0 ? 1 : segment)) & 15);
+  return static_cast<Zpp8u>(code ^ (x < 0 ? 0x55 : 0xd5));
 }
 
 }  // namespace zpp
