@@ -31,14 +31,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   Decoder decoder(zppcDecoderSize(codec), zppcDecoderInit, codec, options, 0);
   if (!decoder.started()) return 0;
   const auto frame = static_cast<std::size_t>(codec->frameSamples);
-  const bool sampleBased = (codec->features & ZPPC_FEATURE_SAMPLE_BASED) != 0;
+  const bool ofSamples = sampleBased(*codec);
   while (data.remaining_bytes() > 0) {
     const int kind = data.ConsumeIntegralInRange(0, 7);
     std::size_t capacity = frame;
-    if (sampleBased) capacity *= data.ConsumeIntegralInRange<std::size_t>(1, 20);
+    if (ofSamples) capacity *= data.ConsumeIntegralInRange<std::size_t>(1, 20);
     std::vector<unsigned char> payload;
     if (kind >= 2) {
-      const int most = codec->maxPayload * (sampleBased ? 20 : 1) + 1;
+      const int most = codec->maxPayload * (ofSamples ? 20 : 1) + 1;
       payload = data.ConsumeBytes<unsigned char>(data.ConsumeIntegralInRange<std::size_t>(1, static_cast<std::size_t>(most)));
       if (kind == 7 && !payload.empty()) payload.resize(static_cast<std::size_t>(codec->maxPayload));
     }
@@ -52,7 +52,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
       expect(outcome.heard == pattern(capacity), "an error writes nothing");
     } else {
       expect(outcome.result <= static_cast<int>(capacity), "no more samples than there is room for");
-      expect(sampleBased || outcome.result == codec->frameSamples, "a payload is a frame");
+      expect(ofSamples || outcome.result == codec->frameSamples, "a payload is a frame");
       for (std::size_t n = static_cast<std::size_t>(outcome.result); n < capacity; ++n)
         expect(outcome.heard[n] == 0x5a5a, "nothing is written behind the samples");
     }

@@ -42,14 +42,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   const Decoder decoder(zppcDecoderSize(codec), zppcDecoderInit, codec, options, 1);
   if (!encoder.started()) return 0;
   const auto frame = static_cast<std::size_t>(codec->frameSamples);
-  const bool sampleBased = (codec->features & ZPPC_FEATURE_SAMPLE_BASED) != 0;
+  const bool ofSamples = sampleBased(*codec);
   while (data.remaining_bytes() > 0) {
     if (data.ConsumeBool()) {
       const int rate = data.ConsumeIntegralInRange(0, codec->bitRateCount - 1);
       const int error = zppcEncoderSetBitRate(encoder.get(), codec->bitRates[rate]);
       expect((error == 0) == ((codec->features & ZPPC_FEATURE_RATE_SWITCH) != 0), "the rate switches where it may");
     }
-    const std::size_t frames = sampleBased ? data.ConsumeIntegralInRange<std::size_t>(1, 20) : 1;
+    const std::size_t frames = ofSamples ? data.ConsumeIntegralInRange<std::size_t>(1, 20) : 1;
     auto pcm = speech(data, frames * frame);
     pcm.shrink_to_fit();
     const auto before = pcm;

@@ -10,6 +10,7 @@
 #include <limits>
 #include <map>
 #include <string>
+#include <string_view>
 
 #include "exports/export_table.h"
 #include "fuzz.h"
@@ -161,29 +162,15 @@ class Drawing {
   }
 
  private:
-  template <class T>
-  static void store(unsigned char* at, double value) {
-    const T stored = std::is_floating_point_v<T>
-                         ? static_cast<T>(value)
-                         : static_cast<T>(std::clamp(value, static_cast<double>(std::numeric_limits<T>::min()),
-                                                     static_cast<double>(std::numeric_limits<T>::max())));
-    std::memcpy(at, &stored, sizeof stored);
-  }
   static void put(unsigned char* at, Element element, double value) {
-    switch (element) {
-      case Element::u8:
-        return store<Zpp8u>(at, value);
-      case Element::s16:
-        return store<Zpp16s>(at, value);
-      case Element::u16:
-        return store<Zpp16u>(at, value);
-      case Element::s32:
-        return store<Zpp32s>(at, value);
-      case Element::u32:
-        return store<Zpp32u>(at, value);
-      default:
-        return store<Zpp32f>(at, value);
-    }
+    asType(element, [at, value](auto stored) {
+      using T = decltype(stored);
+      stored = std::is_floating_point_v<T>
+                   ? static_cast<T>(value)
+                   : static_cast<T>(std::clamp(value, static_cast<double>(std::numeric_limits<T>::min()),
+                                               static_cast<double>(std::numeric_limits<T>::max())));
+      std::memcpy(at, &stored, sizeof stored);
+    });
   }
 
   FuzzedDataProvider& data_;
@@ -225,8 +212,8 @@ bool callBoth(const Row& row, FuzzedDataProvider& data, bool plain, std::unique_
       auto accepted = static_cast<Number>(a.value);
       for (const Argument& other : arguments)
         if (!a.lengthOf.empty() && other.name == a.lengthOf) accepted = static_cast<Number>(other.count / other.perItem);
-      const Number value = draw.scalar(a, accepted, plain || fallBack);
-      level[i].number = static_cast<double>(std::clamp<Number>(value, INT32_MIN, INT32_MAX));
+      const Number value = std::clamp<Number>(draw.scalar(a, accepted, plain || fallBack), INT32_MIN, INT32_MAX);
+      level[i].number = a.unsignedType ? static_cast<double>(static_cast<std::uint32_t>(value)) : static_cast<double>(value);
       values.set(a.name, static_cast<Number>(level[i].number));
     }
     if (row.condition(values) != 0) break;
@@ -289,7 +276,11 @@ bool callBoth(const Row& row, FuzzedDataProvider& data, bool plain, std::unique_
     if (!buffers[i]) continue;
     const Argument& a = arguments[i];
     const Pair& b = *buffers[i];
-    if ((status < 0 || a.role == Argument::Role::in) && b.level.copy() != contents[i]) complain(row, "changes " + a.name);
+    // The one function that meets bad values on its way has written what comes before them.
+    const bool partly =
+        status == zppStsOutOfDomain && row.name == std::string_view("zppsLSFToLSP_G729_16s") && a.role == Argument::Role::out;
+    if (((status < 0 && !partly) || a.role == Argument::Role::in) && b.level.copy() != contents[i])
+      complain(row, "changes " + a.name);
     if (comparable && b.level.copy() != b.portable.copy()) complain(row, a.name + " differs from the portable kernel's");
   }
   if (state && status < 0 && state->memory.level.copy() != stateBefore) complain(row, "an error changes the state");

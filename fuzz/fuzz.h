@@ -10,9 +10,11 @@
 #include <utility>
 #include <vector>
 
-#include "zppcodecs.h"
+#include "codecs/framing/framing.h"
 
 namespace fuzz {
+
+using codecs::framing::sampleBased;
 
 inline void expect(bool holds, const char* what) {
   if (holds) return;

@@ -69,8 +69,8 @@ void writeCodec(int c, int rate, int dtx, const Samples& speech, const std::file
   Seed decoder, coder;
   for (Seed* seed : {&decoder, &coder})
     seed->number(c, 0, count - 1).number(rate, -1, codec.bitRateCount).number(dtx, 0, 1).number(0, 0, 2);
-  const bool sampleBased = (codec.features & ZPPC_FEATURE_SAMPLE_BASED) != 0;
-  const int packet = sampleBased ? 20 : 1, size = packet * codec.frameSamples, frames = sampleBased ? 20 : 6;
+  const bool ofSamples = sampleBased(codec);
+  const int packet = ofSamples ? 20 : 1, size = packet * codec.frameSamples, frames = ofSamples ? 20 : 6;
   const int most = codec.maxPayload * packet + 1;
   Bytes payload(static_cast<std::size_t>(most));
   const auto signal = loudest(speech, static_cast<std::size_t>(frames * size));
@@ -79,11 +79,11 @@ void writeCodec(int c, int rate, int dtx, const Samples& speech, const std::file
     const int octets = zppcEncode(encoder, pcm, size, payload.data(), most);
     const bool lost = f % 5 == 3 || octets == 0;
     decoder.number(lost ? 0 : 4, 0, 7);
-    if (sampleBased) decoder.number(packet, 1, 20);
+    if (ofSamples) decoder.number(packet, 1, 20);
     if (!lost) decoder.number(octets, 1, most).octets(payload.data(), static_cast<std::size_t>(octets));
     decoder.number(f, 0, 3);
     coder.number(0, 0, 1);
-    if (sampleBased) coder.number(packet, 1, 20);
+    if (ofSamples) coder.number(packet, 1, 20);
     coder.number(0, 0, 5).octets(pcm, 2 * static_cast<std::size_t>(size));
     coder.number(f, 0, 3);
   }

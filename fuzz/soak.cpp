@@ -12,7 +12,8 @@
 #include <thread>
 #include <vector>
 
-#include "zppcodecs.h"
+#include "codecs/framing/framing.h"
+#include "support/check_sum.h"
 
 namespace {
 
@@ -78,18 +79,6 @@ class Signal {
   int second_, left_ = 0, kind_ = 0, level_ = 0, period_ = 1, pole_ = 0, n_ = 0, first_ = 0, second1_ = 0;
 };
 
-// FNV-1a
-class Sum {
- public:
-  void add(const void* bytes, std::size_t size) {
-    for (std::size_t i = 0; i < size; ++i) value_ = (value_ ^ static_cast<const unsigned char*>(bytes)[i]) * 0x100000001b3;
-  }
-  unsigned long long value() const { return value_; }
-
- private:
-  std::uint64_t value_ = 0xcbf29ce484222325;
-};
-
 // Losses of 5 in a hundred frames, at times in bursts
 class Line {
  public:
@@ -115,23 +104,23 @@ void complain(const char* what, const ZppcCodec& codec) {
 struct Result {
   const ZppcCodec* codec;
   ZppcOptions options;
-  unsigned long long payloads, speech;
+  unsigned long long payloads, speech, states;
 };
 
 Result soak(const ZppcCodec& codec, const ZppcOptions& options, long frames) {
-  ZppcEncoder* const encoder = zppcEncoderCreate(&codec, &options, nullptr);
-  ZppcDecoder* const decoder = zppcDecoderCreate(&codec, &options, nullptr);
+  std::vector<unsigned char> encoderMemory(static_cast<std::size_t>(zppcEncoderSize(&codec)));
+  std::vector<unsigned char> decoderMemory(static_cast<std::size_t>(zppcDecoderSize(&codec)));
+  ZppcEncoder* const encoder = zppcEncoderInit(encoderMemory.data(), encoderMemory.size(), &codec, &options, nullptr);
+  ZppcDecoder* const decoder = zppcDecoderInit(decoderMemory.data(), decoderMemory.size(), &codec, &options, nullptr);
   if (encoder == nullptr || decoder == nullptr) complain("no stream", codec);
-  // Codecs of single samples in packets of 20 ms
-  const bool sampleBased = (codec.features & ZPPC_FEATURE_SAMPLE_BASED) != 0;
-  const int size = sampleBased ? codec.sampleRate / 50 : codec.frameSamples;
+  const int size = codecs::framing::packetSamples(codec);
   const int room = codec.maxPayload * (size / codec.frameSamples);
   Signal signal(codec.sampleRate, static_cast<std::uint64_t>(options.bitRate) + 1);
   Line line(7);
   Random rates(3);
   std::vector<std::int16_t> pcm(static_cast<std::size_t>(size)), heard(pcm.size());
   std::vector<unsigned char> payload(static_cast<std::size_t>(room));
-  Sum payloads, speech;
+  test::ByteSum payloads, speech, states;
   for (long n = 0; n < frames; ++n) {
     signal.fill(pcm);
     if ((codec.features & ZPPC_FEATURE_RATE_SWITCH) != 0 && rates.below(50) == 0)
@@ -149,10 +138,12 @@ Result soak(const ZppcCodec& codec, const ZppcOptions& options, long frames) {
                                               static_cast<unsigned char>(sample >> 8)};
       speech.add(octetsOfSample, sizeof octetsOfSample);
     }
+    if (n % 16 == 0) {
+      states.add(encoderMemory.data(), encoderMemory.size());
+      states.add(decoderMemory.data(), decoderMemory.size());
+    }
   }
-  zppcEncoderDestroy(encoder);
-  zppcDecoderDestroy(decoder);
-  return {&codec, options, payloads.value(), speech.value()};
+  return {&codec, options, payloads.value(), speech.value(), states.value()};
 }
 
 // All codecs from the first on, with every bit rate and option that they have
@@ -197,9 +188,10 @@ int main(int count, char** arguments) {
   int different = 0;
   for (std::size_t i = 0; i < results[0].size(); ++i) {
     const Result& r = results[0][i];
-    std::printf("%s %d%s variant %d: payloads %016llx, speech %016llx\n", r.codec->name, r.options.bitRate,
-                r.options.dtx ? " dtx" : "", r.options.variant, r.payloads, r.speech);
-    for (const auto& other : results) different += other[i].payloads != r.payloads || other[i].speech != r.speech;
+    std::printf("%s %d%s variant %d: payloads %016llx, speech %016llx, states %016llx\n", r.codec->name, r.options.bitRate,
+                r.options.dtx ? " dtx" : "", r.options.variant, r.payloads, r.speech, r.states);
+    for (const auto& other : results)
+      different += other[i].payloads != r.payloads || other[i].speech != r.speech || other[i].states != r.states;
   }
   if (different != 0) std::fprintf(stderr, "soak: %d streams differ between threads\n", different);
   return different != 0;

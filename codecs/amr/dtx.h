@@ -23,6 +23,8 @@ class DtxEncoder {
   TxType schedule(bool silence);
 
   const Zpp16s* descriptor() const { return sid_; }
+  bool on() const { return on_; }
+  int vadOption() const { return secondOption_ ? 2 : 1; }
 
  private:
   bool on_;

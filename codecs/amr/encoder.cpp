@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 
 #include "codecs/fixed_point.h"
 
@@ -19,16 +20,15 @@ bool isHomingFrame(const Zpp16s* pcm) {
 }  // namespace
 
 Encoder::Encoder(const Options& options)
-    : options_(options), mode_(modeOf(options.bitRate)), dtx_(options.dtx, options.variant + 1) {
+    : mode_(modeOf(options.bitRate)), dtx_(options.dtx, options.variant + 1) {
   require(zppsHighPassFilterInit_G729(kHighPass, highPass_));
   std::memcpy(lsp_, lspInit, sizeof lsp_);
   std::memcpy(quantLsp_, lspInit, sizeof quantLsp_);
 }
 
 void Encoder::reset() {
-  Options options = options_;
-  options.bitRate = kBitRates[mode_];
-  *this = Encoder(options);
+  const Options options = {kBitRates[mode_], dtx_.on(), dtx_.vadOption() - 1};
+  std::construct_at(this, options);
 }
 
 int Encoder::encode(const Zpp16s* pcm, Zpp8u* payload) {

@@ -26,7 +26,6 @@ class Encoder {
 
   static constexpr int kLookAhead = 40, kFirst = 120, kPastWeighted = 143;
 
-  Options options_;
   int mode_;
   Zpp8u highPass_[24];
   Zpp16s speech_[2 * kFrame] = {};  // the coded frame starts at kFirst

@@ -225,7 +225,7 @@ int Encoder::encode(const Zpp16s* pcm, Zpp8u* payload) {
     frame.type = mode_;
     return pack(frame, payload);
   }
-  noiseBits_ = frame.bits;
+  std::copy_n(frame.bits.bit, kNoiseBits, noiseBits_);
   const NoiseSchedule::Sent sent = schedule_.noise();
   if (sent == NoiseSchedule::Sent::nothing) return 0;
   frame.type = frameNoise;
@@ -239,7 +239,7 @@ int Encoder::unsent(Zpp8u* payload) const {
   Frame frame;
   frame.type = frameNoise;
   frame.mode = mode_;
-  frame.bits = noiseBits_;
+  std::copy_n(noiseBits_, kNoiseBits, frame.bits.bit);
   return pack(frame, payload);
 }
 

@@ -81,7 +81,7 @@ class Encoder {
   bool dtx_;
   FrameEncoder coder_;
   NoiseSchedule schedule_;
-  FrameBits noiseBits_ = {};  // of the last frame of comfort noise
+  Zpp8u noiseBits_[kNoiseBits] = {};  // of the last frame of comfort noise
 };
 
 }  // namespace codecs::amrwb

@@ -77,7 +77,6 @@ void AnnexADecoder::decodeNoise(const SidParameters* sid) {
   silence_.play(sid, lastType_ == FrameType::speech, lsp_, excitation(0));
   filters_ = interpolation_.moveTo(silence_.lsp());
   for (int s = 0; s < kSubframes; ++s) synthesiseSubframe(s);
-  delays_.fill(lastDelay_);
   sharpening_ = kLeastSharpening;
 }
 

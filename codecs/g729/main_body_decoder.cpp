@@ -79,8 +79,7 @@ void MainBodyDecoder::play(const Frame& frame, bool lost, Zpp16s* samples) {
   else
     shareBeforeLoss_ = std::max<Zpp16s>(static_cast<Zpp16s>(shareBeforeLoss_ - (dominance_.dominant() ? 410 : 2048)), 0);
 
-  postfilter_.start(
-      {.noise = !kind_.speech, .kbit12 = kbit12, .music = kind_.backward && dominance_.dominant(), .delay = delay_});
+  postfilter_.start({.noise = !kind_.speech, .kbit12 = kbit12, .music = kind_.backward && dominance_.dominant()}, delay_);
   voiced_ = false;
   for (int s = 0; s < kSubframes; ++s)
     if (postfilter_.filter(filters_[s], synthesis_.synthesis(s), samples + kSubframeSize * s)) voiced_ = true;

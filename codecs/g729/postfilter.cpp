@@ -49,8 +49,9 @@ void shift(std::array<Zpp16s, size>& history) {
 
 }  // namespace
 
-void MainBodyPostfilter::start(const Frame& frame) {
+void MainBodyPostfilter::start(const Frame& frame, Zpp16s delay) {
   frame_ = frame;
+  delay_ = delay;
   if (!frame.kbit12) {
     strength_ = kSpeech;
     return;
@@ -74,7 +75,7 @@ bool MainBodyPostfilter::filter(const AnyFilter& filter, const Zpp16s* synthesis
   if (frame_.noise) {
     std::copy_n(residue, kSubframeSize, shortTerm);
   } else {
-    require(zppsLongTermPostFilter_G729I_16s(strength_.longTerm, frame_.delay, residue, shortTerm, &selected));
+    require(zppsLongTermPostFilter_G729I_16s(strength_.longTerm, delay_, residue, shortTerm, &selected));
   }
 
   std::array<Zpp16s, 32> impulse;

@@ -13,9 +13,8 @@ class MainBodyPostfilter {
     bool noise;   // has no long-term part
     bool kbit12;  // the frame is one of 11.8 kbit/s,
     bool music;   // and of music
-    Zpp16s delay;
   };
-  void start(const Frame& frame);
+  void start(const Frame& frame, Zpp16s delay);
   // filter: the subframe's quantised LP filter; synthesis: a subframe, with kBackwardOrder samples before it. Returns whether
   // the long-term part was at work.
   bool filter(const AnyFilter& filter, const Zpp16s* synthesis, Zpp16s* output);
@@ -32,6 +31,7 @@ class MainBodyPostfilter {
   static constexpr int kPastResidual = 154;
 
   Frame frame_{};
+  Zpp16s delay_ = 0;
   Strength strength_ = kMostOfKbit12;
   alignas(16) std::array<Zpp16s, kPastResidual + kSubframeSize> residual_{};    // through the numerator
   alignas(16) std::array<Zpp16s, kBackwardOrder + kSubframeSize> shortTerm_{};  // through the denominator as well

@@ -1,6 +1,7 @@
 #include "codecs/gsmfr/decoder.h"
 
 #include <algorithm>
+#include <memory>
 
 namespace codecs::gsmfr {
 
@@ -30,7 +31,7 @@ void Decoder::conceal(Zpp16s* pcm) {
   synthesise(reception_.missing(), pcm);
 }
 
-void Decoder::goHome() { *this = Decoder({0, dtx_, 0}); }
+void Decoder::goHome() { std::construct_at(this, Options{0, dtx_, 0}); }
 
 void Decoder::synthesise(const Frame& frame, Zpp16s* pcm) {
   Zpp16s residual[kHistory + kFrame];

@@ -1,6 +1,7 @@
 #include "codecs/gsmfr/encoder.h"
 
 #include <algorithm>
+#include <memory>
 
 namespace codecs::gsmfr {
 
@@ -55,7 +56,7 @@ int Encoder::encode(const Zpp16s* pcm, Zpp8u* payload) {
   constexpr Zpp16s kHomingSample = 8;
   if (std::all_of(pcm, pcm + kFrame, [](Zpp16s x) { return x == kHomingSample; })) {
     const unsigned flags = flags_;
-    *this = Encoder({0, dtx_, 0});
+    std::construct_at(this, Options{0, dtx_, 0});
     flags_ = flags;
   }
   return kPayload;

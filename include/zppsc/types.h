@@ -49,8 +49,13 @@ enum {
   zppStsLSFBothClamped = 15  /* both of these */
 };
 
-/* Codec rates, by ascending bit rate. A function accepts those of its own codec. */
+/* Codec rates, by ascending bit rate. A function accepts those of its own codec and refuses all other values; that any may come
+ * is said to C++ by naming the type that C chooses. */
+#ifdef __cplusplus
+typedef enum : unsigned int {
+#else
 typedef enum {
+#endif
   ZPP_RATE_4750 = 0,   /* GSM-AMR */
   ZPP_RATE_5150 = 1,   /* GSM-AMR */
   ZPP_RATE_5300 = 2,   /* G.723.1 */

@@ -174,7 +174,7 @@ constexpr Zpp32s divDpf(Zpp32s num, Dpf den) {  // Div_32
 // --- Scaling by a power of two ----------------------------------------------------------------------------------------------
 
 // The "Sfs" rule: v * 2^-s, rounded half to even, s beyond +-31 taken as +-31. Exact for |v| below 2^62; a left shift first
-// clamps v to 33 bits, which cannot change a result that is then saturated to 32 bits or fewer.
+// clamps v to +-2^31, which cannot change a result that is then saturated to 32 bits or fewer.
 constexpr Zpp64s scaled(Zpp64s v, int s) {
   ZPP_RANGE(v > -(Zpp64s{1} << 62) && v < Zpp64s{1} << 62);
   if (s == 0) return v;
@@ -182,7 +182,7 @@ constexpr Zpp64s scaled(Zpp64s v, int s) {
     if (s > 31) s = 31;
     return (v + (Zpp64s{1} << (s - 1)) - 1 + ((v >> s) & 1)) >> s;
   }
-  constexpr Zpp64s limit = Zpp64s{1} << 32;
+  constexpr Zpp64s limit = Zpp64s{1} << 31;
   if (v > limit) v = limit;
   if (v < -limit) v = -limit;
   return v * (Zpp64s{1} << (s < -31 ? 31 : -s));

@@ -224,6 +224,11 @@ TEST(ScaleRule, RoundsTiesToEvenAndTreatsBeyond31As31) {
   EXPECT_EQ(scaled(32768, 16), 0);
   EXPECT_EQ(scaled(98304, 16), 2);
   EXPECT_EQ(scaled(-32768, 16), 0);
+  for (const Zpp64s large : {Zpp64s{kMax32}, Zpp64s{1} << 31, Zpp64s{1} << 32, (Zpp64s{1} << 62) - 1})
+    for (const int s : {-1, -30, -31, -32}) {
+      EXPECT_EQ(sat32(scaled(large, s)), kMax32) << large << " " << s;
+      EXPECT_EQ(sat32(scaled(-large, s)), kMin32) << large << " " << s;
+    }
   const V16 a = {32767, -32768, 12345, 17}, b = {32767, -32768, -999, 4};
   for (const int s : {31, -31}) {
     Zpp32s at31 = 0, beyond = 1;

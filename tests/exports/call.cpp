@@ -5,59 +5,24 @@
 
 namespace test {
 
-namespace {
-
-template <class T>
-double get(const unsigned char* p) {
-  T v;
-  std::memcpy(&v, p, sizeof v);
-  return static_cast<double>(v);
-}
-template <class T>
-void put(unsigned char* p, double x) {
-  // By way of 64 bits: a negative value in an unsigned element is its two's complement on every machine.
-  const T v = std::is_floating_point_v<T> ? static_cast<T>(x) : static_cast<T>(static_cast<std::int64_t>(x));
-  std::memcpy(p, &v, sizeof v);
-}
-
-}  // namespace
-
 double Call::element(std::size_t argument, std::size_t index) const {
   const Element e = function_.arguments[argument].element;
-  const unsigned char* p = blocks_[argument].memory->data() + index * sizeOf(e);
-  switch (e) {
-    case Element::u8:
-      return get<Zpp8u>(p);
-    case Element::s16:
-      return get<Zpp16s>(p);
-    case Element::u16:
-      return get<Zpp16u>(p);
-    case Element::s32:
-      return get<Zpp32s>(p);
-    case Element::u32:
-      return get<Zpp32u>(p);
-    default:
-      return static_cast<double>(get<Zpp32f>(p));
-  }
+  const unsigned char* const p = blocks_[argument].memory->data() + index * sizeOf(e);
+  return asType(e, [p](auto v) {
+    std::memcpy(&v, p, sizeof v);
+    return static_cast<double>(v);
+  });
 }
 
 void Call::setElement(std::size_t argument, std::size_t index, double v) {
   const Element e = function_.arguments[argument].element;
-  unsigned char* p = blocks_[argument].memory->data() + index * sizeOf(e);
-  switch (e) {
-    case Element::u8:
-      return put<Zpp8u>(p, v);
-    case Element::s16:
-      return put<Zpp16s>(p, v);
-    case Element::u16:
-      return put<Zpp16u>(p, v);
-    case Element::s32:
-      return put<Zpp32s>(p, v);
-    case Element::u32:
-      return put<Zpp32u>(p, v);
-    default:
-      return put<Zpp32f>(p, v);
-  }
+  unsigned char* const p = blocks_[argument].memory->data() + index * sizeOf(e);
+  asType(e, [p, v](auto stored) {
+    using T = decltype(stored);
+    // By way of 64 bits: a negative value in an unsigned element is its two's complement on every machine.
+    stored = std::is_floating_point_v<T> ? static_cast<T>(v) : static_cast<T>(static_cast<std::int64_t>(v));
+    std::memcpy(p, &stored, sizeof stored);
+  });
 }
 
 void Call::place(std::size_t argument, std::size_t elements, std::size_t history, Place where) {

@@ -21,6 +21,25 @@ enum class Element { u8, s16, u16, s32, u32, f32 };
 
 constexpr std::size_t sizeOf(Element e) { return e == Element::u8 ? 1 : e == Element::s16 || e == Element::u16 ? 2 : 4; }
 
+// f(a value of the element's type)
+template <class F>
+auto asType(Element e, F f) {
+  switch (e) {
+    case Element::u8:
+      return f(Zpp8u{});
+    case Element::s16:
+      return f(Zpp16s{});
+    case Element::u16:
+      return f(Zpp16u{});
+    case Element::s32:
+      return f(Zpp32s{});
+    case Element::u32:
+      return f(Zpp32u{});
+    default:
+      return f(Zpp32f{});
+  }
+}
+
 struct Refused {
   std::int64_t value;
   ZppStatus status;
@@ -48,6 +67,7 @@ struct Argument {
   std::vector<Refused> refused;        // scalars
   Element element = Element::u8;       // from the prototype; bytes for state blocks
   bool real = false;                   // scalars: of a floating-point type
+  bool unsignedType = false;           // scalars: of a type without negative values
   bool untyped = false;                // the prototype has void*, and the golden vectors give `element`s
   std::size_t perItem = 1;             // elements of the golden vectors in one element of the prototype (2 for complex)
 
@@ -207,6 +227,7 @@ Export row(const char* name, Return (*function)(Types...), Arguments... argument
       a.perItem = std::is_same_v<Item, Zpp16sc> ? 2 : 1;
     } else {
       a.real = std::is_floating_point_v<T>;
+      a.unsignedType = std::is_unsigned_v<T>;
     }
   };
   (complete(std::type_identity<Types>{}), ...);

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "exports/call.h"
+#include "support/check_sum.h"
 
 namespace {
 
@@ -14,11 +15,6 @@ namespace fs = std::filesystem;
 bool hasReals(const Export& e) {
   return std::any_of(e.arguments.begin(), e.arguments.end(),
                      [](const Argument& a) { return a.real || (a.isBuffer() && a.element == Element::f32); });
-}
-
-// FNV-1a
-void add(std::uint64_t& sum, const std::vector<unsigned char>& bytes) {
-  for (const unsigned char byte : bytes) sum = (sum ^ byte) * 0x100000001b3;
 }
 
 }  // namespace
@@ -33,12 +29,12 @@ int main() {
     const std::string stem = file.stem().string(), name = stem.substr(0, stem.find('.'));
     const auto function = std::find_if(table.begin(), table.end(), [&](const Export& e) { return e.name == name; });
     if (function == table.end() || !hasReals(*function)) continue;
-    std::uint64_t sum = 0xcbf29ce484222325;
+    ByteSum sum;
     for (const GoldenCase& golden : readGolden(file.string())) {
       Call call(*function, golden, {});
       call();
-      for (const auto& content : call.contents()) add(sum, content);
+      for (const auto& content : call.contents()) sum.add(content.data(), content.size());
     }
-    std::printf("%s %016llx\n", stem.c_str(), static_cast<unsigned long long>(sum));
+    std::printf("%s %016llx\n", stem.c_str(), sum.value());
   }
 }

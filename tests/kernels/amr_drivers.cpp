@@ -78,7 +78,8 @@ const Zpp16s* matrix(Rig& rig, Zpp16s level, int run, int tracks) {
 
 DRIVE(ownToeplizMatrix_GSMAMR_16s, only({4, 5})) {
   repeat(rig, [&](Zpp16s level, int run) {
-    rig.run(response(rig, level, run), signs(rig), rig.template inOut<Zpp16s>(1600), n, kAllPairs);
+    const Zpp16s* const sign = run % 8 == 5 ? rig.template in<Zpp16s>(40) : signs(rig);
+    rig.run(response(rig, level, run), sign, rig.template inOut<Zpp16s>(1600), n, kAllPairs);
   });
 }
 

@@ -43,6 +43,16 @@ DRIVE(ownLevinsonDurbin_G728_16s, upTo(50, {10, 50})) {
 // The size is the number of bits of the impulse response: large ones leave the range of the fast sums.
 DRIVE(ownShapeEnergy_G728_16s, upTo(16, {14})) {
   const auto limit = static_cast<Zpp16s>((1 << (n - 1)) - 1);
+  if (n == 16 && rig.scalar(0, 1) == 0) {
+    // With all filtered vectors within 16 bits the largest energy comes to 1.65 times 2^31: here to half of that and more.
+    constexpr Zpp16s loudest[] = {-32767, 32767, -27065, -8617, 12549};
+    const int part = rig.scalar(720, 1024);
+    return rig.run(rig.made<Zpp16s>(5,
+                                    [&](Zpp16s* h) {
+                                      for (int i = 0; i < 5; ++i) h[i] = static_cast<Zpp16s>(loudest[i] * part / 1024);
+                                    }),
+                   rig.out<Zpp16s>(128));
+  }
   rig.run(rig.in<Zpp16s>(5, static_cast<Zpp16s>(-limit - 1), limit), rig.out<Zpp16s>(128));
 }
 DRIVE(ownCodebookSearch_G728_16s, upTo(16, {13})) {

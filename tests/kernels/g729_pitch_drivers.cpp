@@ -43,6 +43,13 @@ DRIVE(ownMeanSquareWeightedError_16s, upTo(300, {15, 17})) {
     std::fill_n(exc - 154, 194, level);
     if (rig.scalar(0, 1) == 0) std::fill_n(exc - tMin, 40, Zpp16s{3});
   }
+  // A response that changes its sign: sums of the convolution that leave their range and come back
+  if (n % 6 == 4 && !rig.keep) {
+    const auto size = rig.scalar<Zpp16s>(3000, 15000);
+    std::fill_n(impulse, 20, size);
+    std::fill_n(impulse + 20, 20, static_cast<Zpp16s>(-size));
+    std::fill_n(exc - 154, 194, rig.scalar<Zpp16s>(3000, 15000));
+  }
   rig.run(target, impulse, exc, tMin, tMin + lags - 1, rig.out<Zpp16s>(lags));
 }
 DRIVE(ownBestFraction_G729_16s, upTo(60, {1})) {

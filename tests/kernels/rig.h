@@ -36,7 +36,8 @@ inline Sizes only(std::vector<int> sizes) { return {sizes, sizes}; }
 
 // Kinds of content: full-range noise first, then the pathological ones.
 // constant: a level of its own for each buffer, so that sums come to lie on both sides of where they may saturate
-enum class Content { noise, speech, lowBit, allMinimum, allMaximum, alternating, constant, count };
+// turning: the same, with the sign changing somewhere: sums that leave their range on the way and come back into it
+enum class Content { noise, speech, lowBit, allMinimum, allMaximum, alternating, constant, turning, count };
 
 class Random {
  public:
@@ -120,8 +121,10 @@ class RigBase {
   template <class T>
   T* fill(T* p, int n, int history, T lowest, T highest) {
     double level = 0;
-    const auto part = content == Content::constant ? random.between(1, 64) : 0;
-    const bool below = content == Content::constant && random.between(0, 1) == 0;
+    const bool isLevel = content == Content::constant || content == Content::turning;
+    const auto part = isLevel ? random.between(1, 64) : 0;
+    bool below = isLevel && random.between(0, 1) == 0;
+    const auto turn = content == Content::turning ? random.between(-history, n) : n;
     for (int i = -history; i < n; ++i) {
       if constexpr (std::is_floating_point_v<T>) {
         p[i] =
@@ -148,6 +151,8 @@ class RigBase {
             v = high;
             break;
           case Content::constant:
+          case Content::turning:
+            if (i == turn) below = !below;
             v = (below ? low : high) * part / 64;
             break;
           default:

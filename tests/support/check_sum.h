@@ -1,4 +1,4 @@
-// CRC-32 of a table's values, the same on every processor
+// Check sums, the same on every processor
 #pragma once
 
 #include <bit>
@@ -9,6 +9,7 @@
 
 namespace test {
 
+// CRC-32 of a table's values
 class CheckSum {
  public:
   // Arrays element by element; an integer as 32 bits, the low byte first, a number of single precision as its bits
@@ -32,6 +33,18 @@ class CheckSum {
   }
 
   std::uint32_t crc_ = 0xffffffff;
+};
+
+// FNV-1a, of bytes
+class ByteSum {
+ public:
+  void add(const void* bytes, std::size_t size) {
+    for (std::size_t i = 0; i < size; ++i) value_ = (value_ ^ static_cast<const unsigned char*>(bytes)[i]) * 0x100000001b3;
+  }
+  unsigned long long value() const { return value_; }
+
+ private:
+  std::uint64_t value_ = 0xcbf29ce484222325;
 };
 
 template <class... Tables>

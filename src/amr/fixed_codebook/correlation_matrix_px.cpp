@@ -1,4 +1,6 @@
 // Correlation matrix of the impulse response: scaling of the response, portable kernel.
+#include <algorithm>
+
 #include "amr/fixed_codebook/kernels.h"
 #include "core/fixed_point.h"
 #include "core/kernels.h"
@@ -19,22 +21,34 @@ bool ownScaleResponse_GSMAMR_16s(const Zpp16s* impulse, Zpp16s* scaled) {
 
 namespace {
 
-// Down each diagonal an entry is its lower right neighbour plus one product.
-template <class Accumulate>
-void fillMatrix(const Zpp16s* h, const Zpp16s* sign, Zpp16s* matrix, const Grid& grid, TrackPairs pairs,
-                Accumulate accumulate) {
-  for (int distance = 0; distance < kSubframe; ++distance) {
-    const Zpp16s* const later = h + distance;
-    Zpp32s sum = 0;
-    for (int n = 0, j = kSubframe - 1; j >= distance; ++n, --j) {
-      sum = accumulate(sum, h[n], later[n]);
-      const int slotI = grid.slotOf[j - distance], slotJ = grid.slotOf[j];
-      if (distance == 0) {
-        matrix[slotJ * kSubframe + slotJ] = roundHigh16(sum);
-      } else if (pairs >> (grid.track[j - distance] * 5 + grid.track[j]) & 1) {
-        matrix[slotI * kSubframe + slotJ] = matrix[slotJ * kSubframe + slotI] =
-            mulQ15(roundHigh16(sum), mulQ15(sign[slotI], sign[slotJ]));
-      }
+// How the sums of an entry are computed
+struct Exact {
+  static Zpp32s add(Zpp32s sum, Zpp16s a, Zpp16s b) { return sum + a * b; }
+  static Zpp16s rounded(Zpp32s sum) { return static_cast<Zpp16s>((sum + 0x4000) >> 15); }
+};
+struct Stepwise {
+  static Zpp32s add(Zpp32s sum, Zpp16s a, Zpp16s b) { return macDbl(sum, a, b); }
+  static Zpp16s rounded(Zpp32s sum) { return roundHigh16(sum); }
+};
+
+// All entries without signs, by the later position of a pair, from the last on: the sums of all distances gain one product
+// each.
+template <class Sum>
+void accumulate(const Zpp16s* h, const Grid& grid, Zpp16s* matrix) {
+  Zpp16s response[2 * kSubframe] = {};  // silence follows
+  std::copy_n(h, kSubframe, response);
+  Zpp32s sums[kSubframe] = {};
+  for (int n = 0; n < kSubframe; ++n) {
+    Zpp16s entries[kSubframe];  // by distance
+    for (int d = 0; d < kSubframe; ++d) {
+      sums[d] = Sum::add(sums[d], response[n + d], h[n]);
+      entries[d] = Sum::rounded(sums[d]);
+    }
+    const int later = kSubframe - 1 - n, slot = grid.slotOf[later];
+    Zpp16s *const row = matrix + slot * kSubframe, *const column = matrix + slot;
+    for (int d = 0; d <= later; ++d) {
+      const int earlier = grid.slotOf[later - d];
+      row[earlier] = column[earlier * kSubframe] = entries[d];
     }
   }
 }
@@ -42,9 +56,30 @@ void fillMatrix(const Zpp16s* h, const Zpp16s* sign, Zpp16s* matrix, const Grid&
 }  // namespace
 
 void ownToeplizMatrix_GSMAMR_16s_PX(const Zpp16s* impulse, const Zpp16s* sign, Zpp16s* matrix, int tracks, TrackPairs pairs) {
-  Zpp16s h[kSubframe];
-  if (ownScaleResponse_GSMAMR_16s(impulse, h))
-    fillMatrix(h, sign, matrix, gridOf(tracks), pairs, [](Zpp32s sum, Zpp16s a, Zpp16s b) { return macDbl(sum, a, b); });
+  const Grid& grid = gridOf(tracks);
+  Zpp16s h[kSubframe], diagonal[kSubframe];
+  ownScaleResponse_GSMAMR_16s(impulse, h);
+  // By Cauchy and Schwarz no partial sum of products exceeds the energy.
+  if (ownDotProd_16s(h, h, kSubframe) < (1 << 30) - 0x4000)
+    accumulate<Exact>(h, grid, matrix);
   else
-    fillMatrix(h, sign, matrix, gridOf(tracks), pairs, [](Zpp32s sum, Zpp16s a, Zpp16s b) { return sum + 2 * a * b; });
+    accumulate<Stepwise>(h, grid, matrix);
+
+  for (int slot = 0; slot < kSubframe; ++slot) diagonal[slot] = matrix[slot * (kSubframe + 1)];
+  for (int slot = 0; slot < kSubframe; ++slot) {
+    // No product of two signs is -32768, so that no entry saturates.
+    Zpp16s factor[kSubframe];
+    const Zpp16s ofRow = sign[slot];
+    for (int i = 0; i < kSubframe; ++i) factor[i] = static_cast<Zpp16s>(std::min((ofRow * sign[i]) >> 15, kMax16));
+    Zpp16s* const row = matrix + slot * kSubframe;
+    if (tracks == 4 || pairs == kAllPairs) {
+      for (int i = 0; i < kSubframe; ++i) row[i] = static_cast<Zpp16s>((row[i] * factor[i]) >> 15);
+      continue;
+    }
+    for (int first = 0; first < kSubframe; first += 8) {
+      if ((pairs >> (grid.trackOf(slot) * 5 + first / 8) & 1) == 0) continue;
+      for (int i = first; i < first + 8; ++i) row[i] = static_cast<Zpp16s>((row[i] * factor[i]) >> 15);
+    }
+  }
+  for (int slot = 0; slot < kSubframe; ++slot) matrix[slot * (kSubframe + 1)] = diagonal[slot];  // which has no signs
 }

@@ -89,6 +89,17 @@ class Matrix {
   const Signs* ofRow_[kSubframe];
 };
 
+// Whether all are 32767 or -32767, as in every search; others are factors like any.
+bool areSigns(const Zpp16s* sign) {
+  V all = _mm_set1_epi16(-1);
+  const V unit = _mm_set1_epi16(kMax16);
+  for (int n = 0; n < kSubframe; n += 8) {
+    const V v = load(sign + n);
+    all = _mm_and_si128(all, _mm_cmpeq_epi16(_mm_max_epi16(v, _mm_sub_epi16(_mm_setzero_si128(), v)), unit));
+  }
+  return _mm_movemask_epi8(all) == 0xffff;
+}
+
 // Whether blocks of tracks at this distance, modulo five, are wanted
 bool wants(TrackPairs pairs, int distance) {
   TrackPairs atDistance = 0;
@@ -100,7 +111,8 @@ bool wants(TrackPairs pairs, int distance) {
 
 void ownToeplizMatrix_GSMAMR_16s_W7(const Zpp16s* impulse, const Zpp16s* sign, Zpp16s* matrix, int tracks, TrackPairs pairs) {
   Zpp16s h[kSubframe];
-  if (ownScaleResponse_GSMAMR_16s(impulse, h)) return ownToeplizMatrix_GSMAMR_16s_PX(impulse, sign, matrix, tracks, pairs);
+  if (ownScaleResponse_GSMAMR_16s(impulse, h) || !areSigns(sign))
+    return ownToeplizMatrix_GSMAMR_16s_PX(impulse, sign, matrix, tracks, pairs);
   if (tracks == 4) {
     Matrix<4> all(h, sign, matrix);
     unrolled<4>([&](auto distance) { all.fill<decltype(distance)::value>(); });

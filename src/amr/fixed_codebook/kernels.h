@@ -33,8 +33,7 @@
          void(const Zpp16s* target, const Zpp16s* impulse, Zpp16s* corr, int guardBits, const Grid& grid))                \
   KERNEL(ownSetSign_GSMAMR_16s, W7, void(Zpp16s * corr, Zpp16s * sign, Zpp16s * candidate, int candidates))               \
   KERNEL(ownSetSign_M102M122_GSMAMR_16s, W7,                                                                              \
-         void(const Zpp16s* ltpResidual, Zpp16s* corr, Zpp16s* sign, Zpp16s* trackBest, Zpp16s* trackOrder,               \
-              const Grid& grid))
+         void(const Zpp16s* ltpResidual, Zpp16s* corr, Zpp16s* sign, Zpp16s* trackBest, Zpp16s* trackOrder, const Grid& grid))
 
 ZPP_AMR_FIXED_CODEBOOK_KERNELS(ZPP_DECLARE_KERNEL)
 

@@ -1,5 +1,5 @@
 // Search of the gain codebooks: SSE2 kernel, eight rows at a time.
-#include "amr/gain/kernels.h"
+#include "amr/gain/search.h"
 #include "core/simd_w7.h"
 
 using namespace zpp;
@@ -53,20 +53,6 @@ class Errors {
   V half_[2] = {_mm_setzero_si128(), _mm_setzero_si128()};
   V near_ = _mm_setzero_si128();
 };
-
-// Whether no sum of the terms' magnitudes can come near saturation, with gains below 2 (Q14) and factors of full scale
-bool isSafe(const GainCriterion* criteria, int subframes) {
-  Zpp64s sum = 0;
-  for (int k = 0; k < subframes; ++k) {
-    const Zpp64s gc = criteria[k].predicted, gp = 22016;
-    const Zpp64s largest[5] = {gp * gp >> 15, gp, gc * gc >> 15, gc, gc * gp >> 15};
-    for (int i = 0; i < 5; ++i) {
-      const Zpp32s hi = criteria[k].term[i].hi;
-      sum += ((hi < 0 ? -hi : hi) + 1) * largest[i];
-    }
-  }
-  return sum < (1 << 30) - (1 << 18);
-}
 
 struct Columns {
   V at[4];

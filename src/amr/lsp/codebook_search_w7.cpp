@@ -9,8 +9,7 @@ using namespace zpp;
 
 namespace {
 
-// Half the squared errors of four entries. With differences of at most 16383 weighted ones are no larger, so that the four
-// squares stay below 2^30 together and nothing saturates.
+// Half the squared errors of four entries
 struct FourErrors {
   V residual[2], weight[2];
 
@@ -62,9 +61,7 @@ Least leastOf(int count, Errors errors) {
 
 int ownLsfSearch_GSMAMR_16s_W7(const Zpp16s* residual, const Zpp16s* weight, const LsfQuad* codebook, int size,
                                bool bothSigns) {
-  for (int i = 0; i < 4; ++i)
-    if (residual[i] > kMax16 / 2 - kLargestLsfEntry || residual[i] < -kMax16 / 2 + kLargestLsfEntry)
-      return ownLsfSearch_GSMAMR_16s_PX(residual, weight, codebook, size, bothSigns);
+  if (!isNearLsfEntries(residual)) return ownLsfSearch_GSMAMR_16s_PX(residual, weight, codebook, size, bothSigns);
   const FourErrors errors = {{pairOf(residual[0], residual[1]), pairOf(residual[2], residual[3])},
                              {pairOf(weight[0], weight[1]), pairOf(weight[2], weight[3])}};
   const int vectors = size / 4 * (bothSigns ? 2 : 1);

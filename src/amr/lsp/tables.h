@@ -18,6 +18,13 @@ struct LsfQuad {
   alignas(16) Zpp16s pair[2][8];
 };
 inline constexpr int kLargestLsfEntry = 8191;  // no element of a codebook is of larger magnitude
+// Whether a residual, of 4, differs from any entry by 16383 at the most. Weighted differences are then no larger, so that their
+// four squares stay below 2^30 together and nothing saturates.
+inline bool isNearLsfEntries(const Zpp16s* residual) {
+  for (int i = 0; i < 4; ++i)
+    if (residual[i] > 16383 - kLargestLsfEntry || residual[i] < -16383 + kLargestLsfEntry) return false;
+  return true;
+}
 struct LsfCodebook {
   const LsfQuad* quads;
   int size;  // entries

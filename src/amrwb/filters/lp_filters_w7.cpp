@@ -1,6 +1,6 @@
 // LP residual and synthesis filters: SSE2 kernels.
 //
-// All compute in 32 bits what the standard computes with saturation at every step, so each first bounds its partial sums: the
+// All compute in 32 bits what the standard computes with saturation at every step, so each first bounds its sums: the
 // magnitudes of the coefficients times the largest sample.
 #include <algorithm>
 #include <cstdlib>
@@ -35,7 +35,11 @@ int largestMagnitude(V greatest, V least) {
 
 void ownResidualFilter_AMRWB_16s_W7(const Zpp16s* lpc, const Zpp16s* src, Zpp16s* dst, int len) {
   constexpr int lanes = 8;
-  const int harmless = ((1 << 30) - 1) / std::max(1, magnitudesOf(lpc, kOrder + 1));
+  const V least = _mm_set1_epi16(kMin16);
+  const V isLeast = _mm_or_si128(_mm_cmpeq_epi16(load(lpc), least), _mm_cmpeq_epi16(load(lpc + kOrder + 1 - lanes), least));
+  if (_mm_movemask_epi8(isLeast) != 0 || lpc[8] == kMin16) return ownResidualFilter_AMRWB_16s_PX(lpc, src, dst, len);
+  // With most coefficients no sample is too large.
+  const int harmless = static_cast<int>((magnitudesThatRound(4) - 1) / std::max(1, magnitudesOf(lpc, kOrder + 1)));
   const V taps[2] = {reversed(load(lpc + 9)), reversed(load(lpc + 1))};  // of src[n - 16..n - 9] and src[n - 8..n - 1]
   const V first = _mm_set1_epi16(lpc[0]), half = _mm_set1_epi32(1 << 10);
   const auto past = [&](const Zpp16s* x) {
@@ -45,8 +49,8 @@ void ownResidualFilter_AMRWB_16s_W7(const Zpp16s* lpc, const Zpp16s* src, Zpp16s
   for (; n + lanes <= len; n += lanes) {
     const Zpp16s* const x = src + n;
     const V oldest = load(x - 16), older = load(x - 8), now = load(x);
-    if (largestMagnitude(_mm_max_epi16(_mm_max_epi16(oldest, older), now), _mm_min_epi16(_mm_min_epi16(oldest, older), now)) >
-        harmless) {
+    if (harmless < 32768 && largestMagnitude(_mm_max_epi16(_mm_max_epi16(oldest, older), now),
+                                             _mm_min_epi16(_mm_min_epi16(oldest, older), now)) > harmless) {
       ownResidualFilter_AMRWB_16s_PX(lpc, x, dst + n, lanes);
       continue;
     }

@@ -1,8 +1,6 @@
 // Sampling-rate conversion and filters of the high band: SSE2 kernels.
 //
-// Four outputs a pass, each a sum of pmaddwd over its window. A sum whose partial sums stay below 2^30 is doubled without
-// saturation: the magnitudes of the taps times the largest input tell.
-#include <cstdlib>
+// Four outputs a pass, each a sum of pmaddwd over its window.
 #include <cstring>
 
 #include "amrwb/filters/kernels.h"
@@ -40,32 +38,16 @@ void ownDownSampling_AMRWB_16s_W7(const Zpp16s* src, Zpp16s* dst, int len, Zpp16
 }
 
 void ownUpSampling_AMRWB_16s_W7(const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* mem) {
-  // The magnitudes of a filter's taps add up to 37140 at the most.
-  constexpr int largest = ((1 << 30) - 1) / 37140;
+  // The magnitudes of a filter's taps add up to 37140 at the most: no input needs the standard's steps.
+  static_assert(32768 * Zpp64s{37140} <= magnitudesThatRound(1));
   Zpp16s signal[kUpSamplingMemory + 256 + 8];
   std::memcpy(signal, mem, kUpSamplingMemory * sizeof(Zpp16s));
   std::memcpy(signal + kUpSamplingMemory, src, static_cast<unsigned>(len) * sizeof(Zpp16s));
   std::memcpy(mem, signal + len, kUpSamplingMemory * sizeof(Zpp16s));
-  const bool loud = ownMaxAbs_16s(signal, kUpSamplingMemory + len) > largest;
   const Zpp16s* x = signal + 1;
   for (int n = 0; n < len; n += 4, x += 4, dst += 5) {
     dst[0] = x[11];  // the filter of fraction 0 is a delay
     V sum[4];
-    if (loud) {
-      unrolled<4>([&](auto i) {
-        constexpr int f = i + 1;
-        const Zpp16s* const taps = upSamplingTaps[(4 * f) % 5];
-        const V t[3] = {load(taps), load(taps + 8), load(taps + 16)};
-        sum[i] = windowMagnitudes<3>(x + 4 * f / 5, t);
-      });
-      const V limit = _mm_set1_epi32((1 << 30) - 1);
-      if (_mm_movemask_epi8(_mm_cmpgt_epi32(sumsOfLanes32(sum[0], sum[1], sum[2], sum[3]), limit)) != 0) {
-        for (int f = 1; f < 5; ++f)
-          dst[f] =
-              roundHigh16(shlSat32(dotProductStepwise(x + 4 * f / 5, upSamplingTaps[(4 * f) % 5], kUpSamplingMemory, 0), 1));
-        continue;
-      }
-    }
     unrolled<4>([&](auto i) {
       constexpr int f = i + 1;
       const Zpp16s* const taps = upSamplingTaps[(4 * f) % 5];
@@ -83,6 +65,7 @@ void ownHighBandFilter_AMRWB_16s_I_W7(const Zpp16s* coef, Zpp16s* srcDst, int le
   taps[3] = loadFirst(coef + 24, 7);
   const V sums = _mm_add_epi32(_mm_add_epi32(magnitudes(taps[0]), magnitudes(taps[1])),
                                _mm_add_epi32(magnitudes(taps[2]), magnitudes(taps[3])));
+  // Here the partial sums have to stay below 2^30.
   const int largest = ((1 << 30) - 1) / (sumLanes32(sums) + 1);
   const int largestInput = ownMaxAbs_16s(srcDst, len) + (1 << inputShift) - 1;
   if (largestInput >> inputShift > largest || ownMaxAbs_16s(mem, kHighBandMemory) > largest)

@@ -81,27 +81,15 @@ struct SignedResponse {
 // Two pulses, one at an even and one at an odd position (6.60 kbit/s)
 [[gnu::noinline]] void searchTwoPulses(const PulseTarget& t, const SignedResponse& response, Zpp16s* code, Zpp16s* filteredCode,
                                        Zpp16s* index) {
-  const Zpp16s* h = response.impulse();
+  const Zpp16s* const h = response.impulse();
   Zpp16s energy[kSubframe];
   Zpp32s sum = 0x10000;
   for (int n = 0; n < kSubframe; ++n) {
     sum = macDbl(sum, h[n], h[n]);
-    energy[kSubframe - 1 - n] = static_cast<Zpp16s>(high16(sum) >> 1);
+    energy[placeOf(kSubframe - 1 - n)] = static_cast<Zpp16s>(high16(sum) >> 1);
   }
-  int even = 0, odd = 1;
-  Zpp16s bestSquare = -1, bestEnergy = 1;
-  for (int x = 0; x < kSubframe; x += 2)
-    for (int y = 1; y < kSubframe; y += 2) {
-      const Zpp16s corr = addSat16(t.corr[placeOf(x)], t.corr[placeOf(y)]), square = mulQ15(corr, corr);
-      const bool xFirst = (x + 1) % 4 == y % 4;
-      const int first = xFirst ? x : y, second = xFirst ? y : x;
-      const Zpp16s cross = t.cross[first % 4][16 * (first / 4) + second / 4];
-      const Zpp16s alp = addSat16(energy[x], addSat16(energy[y], cross));
-      if (isBetter(square, alp, bestSquare, bestEnergy)) {
-        bestSquare = square, bestEnergy = alp;
-        even = x, odd = y;
-      }
-    }
+  const PulsePair best = ownSearchTwoPulses_AMRWB_16s(&t, energy);
+  const int even = best.first, odd = best.second;
   const bool evenNegative = t.sign[placeOf(even)] < 0, oddNegative = t.sign[placeOf(odd)] < 0;
   code[even] = evenNegative ? -kPulse : kPulse;
   code[odd] = oddNegative ? -kPulse : kPulse;
@@ -212,14 +200,14 @@ void ownAlgebraicCodebookSearch_AMRWB_16s(const Zpp16s* target, const Zpp16s* re
   for (int track = 0; track < kTracks; ++track)
     bestOfTrack[track] = static_cast<int>(std::find(rank + 16 * track, rank + 16 * (track + 1), 0) - (rank + 16 * track));
   Placement best;
-  Zpp16s bestSquare = -1, bestEnergy = 1;
+  BestRatio bestRatio;
   for (int iteration = 0; iteration < plan.iterations; ++iteration) {
     Placement p;
     placeFirst(p, plan, mode, iteration, bestOfTrack, t, response);
     placePairs(p, plan, mode, iteration, rank, t, response);
     const Zpp16s square = mulQ15(p.corr, p.corr);
-    const bool better = isBetter(square, p.energy, bestSquare, bestEnergy);
-    if (better) bestSquare = square, bestEnergy = p.energy;
+    const bool better = bestRatio.isBelow(square, p.energy);
+    if (better) bestRatio = {square, p.energy};
     // Rounding may leave an energy below 0, which passes no test; the first iteration's pulses stand for such a case.
     if (better || iteration == 0) best = p;
   }

@@ -222,6 +222,40 @@ void ownPulseGains_AMRWB_16s_W7(const Zpp16s* impulse, const Zpp16s* filteredCod
   }
 }
 
+namespace {
+
+// Candidates in the lanes of two registers, eight at a time in the order of the search, against the best one so far
+struct PairContest {
+  BestRatio ratio;
+  V factors = pairOf(ratio.energy, -ratio.square), least = _mm_set1_epi16(1);
+
+  // Calls take(lane, energy) for each that is better than all before.
+  template <class Take>
+  [[gnu::always_inline]] void enter(V square, V energy, Take take) {
+    least = _mm_min_epi16(least, energy);
+    // Eight candidates against the best so far, and those that pass in turn against better ones
+    const V better = _mm_cmpgt_epi16(_mm_packs_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(square, energy), factors),
+                                                     _mm_madd_epi16(_mm_unpackhi_epi16(square, energy), factors)),
+                                     _mm_setzero_si128());
+    auto passing = static_cast<unsigned>(_mm_movemask_epi8(better)) & 0x5555;  // a bit a lane
+    if (passing == 0) return;
+    alignas(16) Zpp16s squares[kLanes], energies[kLanes];
+    store(squares, square);
+    store(energies, energy);
+    for (; passing != 0; passing &= passing - 1) {
+      const int lane = std::countr_zero(passing) / 2;
+      if (!ratio.isBelow(squares[lane], energies[lane])) continue;
+      ratio = {squares[lane], energies[lane]};
+      take(lane, energies[lane]);
+    }
+    factors = pairOf(ratio.energy, -ratio.square);
+  }
+  // With energies above 0 ratios can be put in order, so that what fails against a candidate fails against better ones too.
+  bool isOrdered() const { return _mm_movemask_epi8(_mm_cmpgt_epi16(_mm_set1_epi16(1), least)) == 0; }
+};
+
+}  // namespace
+
 PulsePair ownSearchPulsePair_AMRWB_16s_W7(const PulseTarget* target, int track, Zpp16s corr, Zpp16s energy, const Zpp16s* gain,
                                           const Zpp16s* candidate) {
   // The three terms that are added to the energy stay below 2^30 together.
@@ -236,42 +270,70 @@ PulsePair ownSearchPulsePair_AMRWB_16s_W7(const PulseTarget* target, int track, 
     gain2High[side] = _mm_srai_epi32(_mm_unpackhi_epi16(zero, gain2), 3);
   }
   PulsePair best = {0, 0, 1};
-  Zpp16s bestSquare = -1;
-  V factors = pairOf(best.energy, -bestSquare), least = _mm_set1_epi16(1);
+  PairContest contest;
   for (int i = 0; i < 16; ++i) {
     if (!candidate[i]) continue;
     const V partCorr = _mm_set1_epi16(addSat16(corr, corr1[i]));
     const V partEnergy = _mm_set1_epi32(energy * 65536 + 0x8000 + gain[i] * 8192);
     const Zpp16s* cross = target->cross[track] + 16 * i;
     unrolled<2>([&](int side) __attribute__((always_inline)) {
-      const V sum = _mm_adds_epi16(partCorr, corr2Lanes[side]), square = mulQ15(sum, sum);
-      const V crossLanes = load(cross + 8 * side);
+      const V sum = _mm_adds_epi16(partCorr, corr2Lanes[side]), crossLanes = load(cross + 8 * side);
       const V low =
           _mm_add_epi32(_mm_add_epi32(partEnergy, gain2Low[side]), _mm_srai_epi32(_mm_unpacklo_epi16(zero, crossLanes), 2));
       const V high =
           _mm_add_epi32(_mm_add_epi32(partEnergy, gain2High[side]), _mm_srai_epi32(_mm_unpackhi_epi16(zero, crossLanes), 2));
       const V alp = _mm_packs_epi32(_mm_srai_epi32(low, 16), _mm_srai_epi32(high, 16));
-      least = _mm_min_epi16(least, alp);
-      // Eight candidates against the best so far, and those that pass in turn against better ones
-      const V better = _mm_cmpgt_epi16(_mm_packs_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(square, alp), factors),
-                                                       _mm_madd_epi16(_mm_unpackhi_epi16(square, alp), factors)),
-                                       zero);
-      auto passing = static_cast<unsigned>(_mm_movemask_epi8(better)) & 0x5555;  // a bit a lane
-      if (passing == 0) return;
-      alignas(16) Zpp16s squares[8], alps[8];
-      store(squares, square);
-      store(alps, alp);
-      for (; passing != 0; passing &= passing - 1) {
-        const int j = std::countr_zero(passing) / 2;
-        if (squares[j] * best.energy <= bestSquare * alps[j]) continue;
-        bestSquare = squares[j];
-        best = {static_cast<Zpp16s>(i), static_cast<Zpp16s>(8 * side + j), alps[j]};
-      }
-      factors = pairOf(best.energy, -bestSquare);
+      contest.enter(mulQ15(sum, sum), alp, [&](int lane, Zpp16s ofPair) {
+        best = {static_cast<Zpp16s>(i), static_cast<Zpp16s>(8 * side + lane), ofPair};
+      });
     });
   }
-  // With energies above 0 ratios can be put in order, so that what fails against a candidate fails against better ones too.
-  if (_mm_movemask_epi8(_mm_cmpgt_epi16(_mm_set1_epi16(1), least)) != 0)
-    return ownSearchPulsePair_AMRWB_16s_PX(target, track, corr, energy, gain, candidate);
-  return best;
+  return contest.isOrdered() ? best : ownSearchPulsePair_AMRWB_16s_PX(target, track, corr, energy, gain, candidate);
+}
+
+PulsePair ownSearchTwoPulses_AMRWB_16s_W7(const PulseTarget* target, const Zpp16s* energy) {
+  // Odd positions in their order: those of tracks 1 and 3 by turns
+  V corr2[4], energy2[4];
+  const auto byTurns = [](const Zpp16s* track1, const Zpp16s* track3, V* out) {
+    const V a = load(track1), b = load(track3);
+    out[0] = _mm_unpacklo_epi16(a, b);
+    out[1] = _mm_unpackhi_epi16(a, b);
+  };
+  for (int side = 0; side < 2; ++side) {
+    byTurns(target->corr + 16 + 8 * side, target->corr + 48 + 8 * side, corr2 + 2 * side);
+    byTurns(energy + 16 + 8 * side, energy + 48 + 8 * side, energy2 + 2 * side);
+  }
+  // Tracks 0 and 2 are the first of a pair with one odd track and the second with the other: those matrices are transposed.
+  alignas(16) Zpp16s turned[2][256];
+  for (int odd = 0; odd < 2; ++odd)
+    for (int block = 0; block < 4; ++block) {
+      const Zpp16s* const from = target->cross[2 * odd + 1] + 128 * (block % 2) + 8 * (block / 2);
+      V rows[8];
+      unrolled<8>([&](int k) __attribute__((always_inline)) { rows[k] = load(from + 16 * k); });
+      transpose(rows);
+      unrolled<8>([&](int k) __attribute__((always_inline)) {
+        store(turned[odd] + 128 * (block / 2) + 16 * k + 8 * (block % 2), rows[k]);
+      });
+    }
+
+  PulsePair best = {0, 1, 1};
+  PairContest contest;
+  for (int even = 0; even < kSubframe; even += 2) {
+    const int track = even % 4, i = even / 4;
+    const Zpp16s* const row1 = (track == 0 ? target->cross[0] : turned[0]) + 16 * i;
+    const Zpp16s* const row3 = (track == 0 ? turned[1] : target->cross[2]) + 16 * i;
+    const V corr1 = _mm_set1_epi16(target->corr[placeOf(even)]), energy1 = _mm_set1_epi16(energy[placeOf(even)]);
+    unrolled<2>([&](int side) __attribute__((always_inline)) {
+      V cross[2];
+      byTurns(row1 + 8 * side, row3 + 8 * side, cross);
+      unrolled<2>([&](int half) __attribute__((always_inline)) {
+        const int k = 2 * side + half;
+        const V sum = _mm_adds_epi16(corr1, corr2[k]), alp = _mm_adds_epi16(energy1, _mm_adds_epi16(energy2[k], cross[half]));
+        contest.enter(mulQ15(sum, sum), alp, [&](int lane, Zpp16s ofPair) {
+          best = {static_cast<Zpp16s>(even), static_cast<Zpp16s>(16 * k + 2 * lane + 1), ofPair};
+        });
+      });
+    });
+  }
+  return contest.isOrdered() ? best : ownSearchTwoPulses_AMRWB_16s_PX(target, energy);
 }

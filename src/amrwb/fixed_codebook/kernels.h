@@ -17,9 +17,9 @@ struct PulseTarget {
   Zpp16s cross[4][256];
 };
 
-// A pair of pulses in neighbouring tracks
+// A pair of pulses
 struct PulsePair {
-  Zpp16s first, second;  // positions in their tracks
+  Zpp16s first, second;  // positions
   Zpp16s energy;
   bool operator==(const PulsePair&) const = default;
 };
@@ -35,7 +35,9 @@ struct PulsePair {
 //   k = 0 and 1, signed, plus that position's energy. exact: no partial sum of these correlations reaches 2^30.
 // ownSearchPulsePair_AMRWB_16s: of the pairs in track and the next one, that with the largest ratio of squared correlation to
 //   energy, the first of equals; positions 0 and energy 1 where none passes. corr, energy: of the pulses so far. candidate: not
-//   0 for the positions of the first track that take part.
+//   0 for the positions of the first track that take part. Positions are counted in the tracks.
+// ownSearchTwoPulses_AMRWB_16s: the same of all pairs of an even and an odd position 0..63; 0 and 1 where none passes. energy:
+//   of the response to a pulse at each place, half of what target->energy counts in.
 #define ZPP_AMRWB_FIXED_CODEBOOK_KERNELS(KERNEL)                                                                               \
   KERNEL(ownChooseSigns_AMRWB_16s, W7,                                                                                         \
          void(const Zpp32s* sums, const Zpp16s* residualTarget, Zpp16s weight, zpp::amrwb::PulseTarget* target, Zpp16s* rank)) \
@@ -45,7 +47,8 @@ struct PulsePair {
               Zpp16s* gain, bool exact))                                                                                       \
   KERNEL(ownSearchPulsePair_AMRWB_16s, W7,                                                                                     \
          zpp::amrwb::PulsePair(const zpp::amrwb::PulseTarget* target, int track, Zpp16s corr, Zpp16s energy,                   \
-                               const Zpp16s* gain, const Zpp16s* candidate))
+                               const Zpp16s* gain, const Zpp16s* candidate))                                                   \
+  KERNEL(ownSearchTwoPulses_AMRWB_16s, W7, zpp::amrwb::PulsePair(const zpp::amrwb::PulseTarget* target, const Zpp16s* energy))
 
 ZPP_AMRWB_FIXED_CODEBOOK_KERNELS(ZPP_DECLARE_KERNEL)
 

@@ -26,9 +26,12 @@ struct SignGains {
   }
 };
 
-// square / energy > bestSquare / bestEnergy
-constexpr bool isBetter(Zpp16s square, Zpp16s energy, Zpp16s bestSquare, Zpp16s bestEnergy) {
-  return msuDbl(mulDbl(bestEnergy, square), bestSquare, energy) > 0;
-}
+// The largest ratio of a squared correlation to an energy so far, the first of equals. Squares are no energies of -32768, so
+// that the difference of the two products keeps its sign in 32 bits.
+struct BestRatio {
+  Zpp16s square = -1, energy = 1;
+
+  constexpr bool isBelow(Zpp16s otherSquare, Zpp16s otherEnergy) const { return energy * otherSquare > square * otherEnergy; }
+};
 
 }  // namespace zpp::amrwb

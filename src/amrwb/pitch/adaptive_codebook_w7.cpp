@@ -72,46 +72,20 @@ void ownNormCorr_AMRWB_16s_W7(const Zpp16s* excitation, const Zpp16s* target, co
 
 void ownPredLt_AMRWB_16s_I_W7(Zpp16s* excitation, int lag, int quarters) {
   constexpr int taps = 32, lanes = 8, vectors = taps / 8;
-  // The magnitudes of a filter's taps add up to 35692 at the most.
-  constexpr int largest = ((1 << 30) - 1) / 35692;
   const Zpp16s* past = excitation - lag - 15;
   if (quarters > 0) --past;
   const Zpp16s* const filter = excitationTaps[(4 - quarters) & 3];
   V t[vectors];
   unrolled<vectors>([&](auto i) { t[i] = load(filter + 8 * i); });
-  const V half = _mm_set1_epi32(1 << 13);
   // Eight samples at a time need nothing that they write themselves when the newest tap lies eight samples back.
-  const int reach = static_cast<int>(excitation - past) - taps;
-  if (reach < lanes - 1) return ownPredLt_AMRWB_16s_I_PX(excitation, lag, quarters);
-  const int known = reach + taps < kSubframe + taps ? reach + taps : kSubframe + taps;
-  bool loud = ownMaxAbs_16s(past, known) > largest;
-  for (int n = 0; n < kSubframe; n += lanes) {
-    const Zpp16s* const x = past + n;
-    if (loud) {
-      V most = _mm_setzero_si128();
-      for (int i = 0; i < lanes; i += 4) {
-        const V sums = sumsOfLanes32(windowMagnitudes<vectors>(x + i, t), windowMagnitudes<vectors>(x + i + 1, t),
-                                     windowMagnitudes<vectors>(x + i + 2, t), windowMagnitudes<vectors>(x + i + 3, t));
-        most = _mm_or_si128(most, _mm_cmpgt_epi32(sums, _mm_set1_epi32((1 << 30) - 1)));
-      }
-      if (_mm_movemask_epi8(most) != 0) {
-        for (int i = 0; i < lanes; ++i)
-          excitation[n + i] = roundHigh16(shlSat32(dotProductStepwise(x + i, filter, taps, 0), 1));
-        continue;  // and stays loud
-      }
-    }
-    const V low = _mm_add_epi32(sumsOfLanes32(windowSums<vectors>(x, t), windowSums<vectors>(x + 1, t),
-                                              windowSums<vectors>(x + 2, t), windowSums<vectors>(x + 3, t)),
-                                half);
-    const V high = _mm_add_epi32(sumsOfLanes32(windowSums<vectors>(x + 4, t), windowSums<vectors>(x + 5, t),
-                                               windowSums<vectors>(x + 6, t), windowSums<vectors>(x + 7, t)),
-                                 half);
-    const V vector = _mm_packs_epi32(_mm_srai_epi32(low, 14), _mm_srai_epi32(high, 14));
-    store(excitation + n, vector);
-    const V sign = _mm_srai_epi16(vector, 15);
-    loud = loud || _mm_movemask_epi8(_mm_cmpgt_epi16(_mm_xor_si128(vector, sign), _mm_set1_epi16(largest - 1))) != 0;
-  }
-  excitation[kSubframe] = roundHigh16(shlSat32(dotProductStepwise(past + kSubframe, filter, taps, 0), 1));
+  if (excitation - past - taps < lanes - 1) return ownPredLt_AMRWB_16s_I_PX(excitation, lag, quarters);
+  const auto four = [&](const Zpp16s* x) {
+    const V sums = sumsOfLanes32(windowSums<vectors>(x, t), windowSums<vectors>(x + 1, t), windowSums<vectors>(x + 2, t),
+                                 windowSums<vectors>(x + 3, t));
+    return _mm_srai_epi32(_mm_add_epi32(sums, _mm_set1_epi32(1 << 13)), 14);
+  };
+  for (int n = 0; n < kSubframe; n += lanes) store(excitation + n, _mm_packs_epi32(four(past + n), four(past + n + 4)));
+  excitation[kSubframe] = roundedSum(sumLanes32(windowSums<vectors>(past + kSubframe, t)), 1);
 }
 
 void ownAdaptiveCodebookLowPass_AMRWB_16s_W7(const Zpp16s* src, Zpp16s* dst, int len) {
