@@ -17,13 +17,11 @@ class BitWriter {
 
   // The lowest `width` bits of value, width 0..32
   void put(std::uint32_t value, int width) {
-    while (width > 0 && left() > 0) {
-      const int room = 8 - position_ % 8, part = std::min(room, width);
-      const std::uint32_t bits = value >> (width - part) & ((1u << part) - 1);
-      octets_[position_ / 8] |= static_cast<std::uint8_t>(bits << (room - part));
-      position_ += part;
-      width -= part;
-    }
+    // From the first bit of the octet that they begin in
+    auto at = static_cast<std::size_t>(position_ / 8);
+    std::uint64_t window = (std::uint64_t{value} << (64 - width - 1) << 1) >> position_ % 8;
+    position_ += width;
+    for (; window != 0 && at < octets_.size(); ++at, window <<= 8) octets_[at] |= static_cast<std::uint8_t>(window >> 56);
   }
 
  private:

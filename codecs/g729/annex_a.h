@@ -23,7 +23,7 @@ class AnnexAEncoder : public FrameEncoder<AnnexAEncoder> {
   PitchDelay searchAdaptiveCodebook(int subframe, Zpp16s centre, const SearchTarget& search);
   Zpp16s filterAdaptiveVector(int subframe, const SearchTarget& search, Subframe& filtered);
   static FixedVector searchFixedCodebook(int, const FixedTarget& target, SpeechParameters::Subframe& parameters) {
-    return searchFourPulses(target, parameters, zppsFixedCodebookSearch_G729A_32s16s);
+    return searchFourPulses(target, parameters, zppsFixedCodebookSearch_G729A_16s);
   }
   void coded(int, const SearchTarget& search, const Result& result) { weightedErrorMemory_ = remainder(search, result); }
 

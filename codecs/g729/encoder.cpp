@@ -9,13 +9,15 @@
 
 namespace codecs::g729 {
 
-// A copy of the response for each pulse
+// A copy of the response for each pulse, all of the same length: silence stands before it
 FixedVector filterFourPulses(const Subframe& code, const std::array<Zpp16s, 2>& codeword, const Subframe& impulse) {
+  std::array<Zpp16s, 2 * kSubframeSize> delayed{};
+  const auto response = std::ranges::copy(impulse, delayed.begin() + kSubframeSize).out - kSubframeSize;
   FixedVector vector = {code, {}};
   int signs = codeword[0];
   for (const int position : pulsePositions(codeword[1])) {
     const auto accumulate = signs & 1 ? zppsAdd_16s_I : zppsSub_16s_I;
-    require(accumulate(impulse.data(), vector.filtered.data() + position, kSubframeSize - position));
+    require(accumulate(&*(response - position), vector.filtered.data(), kSubframeSize));
     signs >>= 1;
   }
   return vector;

@@ -41,9 +41,9 @@ FixedVector filterFourPulses(const Subframe& code, const std::array<Zpp16s, 2>& 
 template <class Search>
 FixedVector searchFourPulses(const FixedTarget& target, SpeechParameters::Subframe& parameters, Search search) {
   Subframe correlation, code;
-  alignas(16) std::array<Zpp32s, 616> matrix;
+  alignas(16) std::array<Zpp16s, 616> matrix;
   std::array<Zpp16s, 2> codeword;
-  require(zppsToeplizMatrix_G729_16s32s(target.impulse.data(), matrix.data()));
+  require(zppsToeplizMatrix_G729_16s(target.impulse.data(), matrix.data()));
   require(zppsCrossCorr_NormM_16s(target.rest.data(), target.impulse.data(), kSubframeSize, correlation.data()));
   require(search(correlation.data(), matrix.data(), code.data(), codeword.data()));
   parameters.signs = codeword[0];
@@ -56,8 +56,8 @@ template <int order = kOrder>
 FilterMemory<order> remainder(const SearchTarget& search, const Result& result) {
   FilterMemory<order> left;
   for (int i = 0, n = kSubframeSize - order; i < order; ++i, ++n) {
-    const Zpp16s adaptive = high16(shlSat32(mulDbl(result.adaptive[n], result.pitchGain), 1));
-    const Zpp16s fixed = high16(shlSat32(mulDbl(result.fixed[n], result.codeGain), 2));
+    const Zpp16s adaptive = sat16((result.adaptive[n] * result.pitchGain) >> 14);
+    const Zpp16s fixed = sat16((result.fixed[n] * result.codeGain) >> 13);
     left[i] = subSat16(search.target[n], addSat16(adaptive, fixed));
   }
   return left;

@@ -245,9 +245,8 @@ FixedVector MainBodyEncoder::searchFixedCodebook(int subframe, const FixedTarget
                                               vector.code.data(), vector.filtered.data(), parameters.pulses.data()));
     return vector;
   }
-  return searchFourPulses(target, parameters, [&](const Zpp16s* correlation, Zpp32s* matrix, Zpp16s* code, Zpp16s* codeword) {
-    return zppsFixedCodebookSearch_G729_32s16s(correlation, matrix, code, codeword, &searchBudget_,
-                                               static_cast<Zpp16s>(subframe));
+  return searchFourPulses(target, parameters, [&](const Zpp16s* correlation, Zpp16s* matrix, Zpp16s* code, Zpp16s* codeword) {
+    return zppsFixedCodebookSearch_G729_16s(correlation, matrix, code, codeword, &searchBudget_, static_cast<Zpp16s>(subframe));
   });
 }
 

@@ -20,6 +20,17 @@ inline void store(void* p, V v) { _mm_storeu_si128(static_cast<V*>(p), v); }
 inline V load4(const void* p) { return _mm_loadl_epi64(static_cast<const V*>(p)); }
 inline void store4(void* p, V v) { _mm_storel_epi64(static_cast<V*>(p), v); }
 
+// The lower 64-bit lane
+inline Zpp64s lowLane64(V v) {
+#if defined(__x86_64__) || defined(__aarch64__)
+  return _mm_cvtsi128_si64(v);
+#else
+  Zpp64s lane;
+  store4(&lane, v);
+  return lane;
+#endif
+}
+
 // The first n (0..7) of eight 16-bit lanes; the others are zero. Nothing beyond the n elements is touched.
 inline V loadFirst(const Zpp16s* p, int n) {
   alignas(16) Zpp16s lanes[8] = {};
@@ -108,15 +119,7 @@ inline V addWide64(V acc, V v) {
   return _mm_add_epi64(acc, _mm_add_epi64(_mm_unpacklo_epi32(v, sign), _mm_unpackhi_epi32(v, sign)));
 }
 // Sum of the two 64-bit lanes
-inline Zpp64s sumLanes64(V v) {
-#if defined(__x86_64__)
-  return _mm_cvtsi128_si64(_mm_add_epi64(v, _mm_unpackhi_epi64(v, v)));
-#else
-  Zpp64s lane[2];
-  store(lane, v);
-  return lane[0] + lane[1];
-#endif
-}
+inline Zpp64s sumLanes64(V v) { return lowLane64(_mm_add_epi64(v, _mm_unpackhi_epi64(v, v))); }
 
 // mask ? a : b, lane by lane, for masks of all ones or all zeros
 inline V select(V mask, V a, V b) { return _mm_or_si128(_mm_and_si128(mask, a), _mm_andnot_si128(mask, b)); }

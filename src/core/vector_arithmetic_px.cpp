@@ -51,6 +51,7 @@ void ownMulPowerC_NR_16s_Sfs(const Zpp16s* src, Zpp16s value, Zpp16s* dst, int l
   };
   // Products of 16-bit values leave room for half of a divisor up to 2^30; larger divisors leave nothing but 2^30 itself.
   if (scaleFactor == 0) return multiply([](Zpp32s product) { return product; });
+  if (scaleFactor == 15) return multiply([](Zpp32s product) { return (product + (1 << 14)) >> 15; });
   if (scaleFactor > 30) return multiply([=](Zpp32s product) { return shrRoundHalfUp(product, scaleFactor); });
   multiply([=, half = 1 << (scaleFactor - 1)](Zpp32s product) { return (product + half) >> scaleFactor; });
 }

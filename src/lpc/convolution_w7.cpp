@@ -6,6 +6,7 @@
 #include "lpc/kernels.h"
 #include "lpc/simd_convolution_w7.h"
 #include "lpc/simd_correlation_w7.h"
+#include "lpc/simd_filter_w7.h"
 
 using namespace zpp;
 
@@ -31,14 +32,8 @@ void ownConvPartial_16s_Sfs_W7(const Zpp16s* src1, const Zpp16s* src2, Zpp16s* d
 }
 
 void ownResidualFilter_G729_16s_W7(const Zpp16s* coef, const Zpp16s* src, Zpp16s* dst, int len) {
-  // With the magnitudes of the coefficients adding up to less than 16.0 no sum reaches 2^31 - 2^15, so 32 bits hold it and the
-  // rounding exactly. A magnitude of 32768 counts 32767 here.
-  const auto magnitudes = [](V x) {
-    return _mm_madd_epi16(_mm_max_epi16(x, _mm_subs_epi16(_mm_setzero_si128(), x)), _mm_set1_epi16(1));
-  };
+  if (len < 8 || !harmlessSums(coef)) return ownResidualFilter_G729_16s_PX(coef, src, dst, len);
   const V first = load(coef + 1), last = load(coef + kLpcOrder - 7);
-  if (len < 8 || sumLanes32(_mm_add_epi32(magnitudes(first), magnitudes(keepLast(last, 2)))) + std::abs(coef[0]) > 65523)
-    return ownResidualFilter_G729_16s_PX(coef, src, dst, len);
   // Two taps a product, coefficient i + 1 (low) and i: what lies an even number of samples back counts for outputs 0, 2, 4 and
   // 6 of eight, an odd number back for the others.
   const V swapped = swappedPairs(first);

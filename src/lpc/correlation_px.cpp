@@ -9,9 +9,15 @@ namespace {
 
 // Sum of the products, modulo 2^32
 Zpp32s dotProdWrap32(const Zpp16s* src1, const Zpp16s* src2, int len) {
-  Zpp32s sum = 0;
-  for (int n = 0; n < len; ++n) sum = addWrap32(sum, Zpp32s{src1[n]} * src2[n]);
-  return sum;
+  constexpr int kBlock = 40;  // a length that compilers know and make vectors of
+  Zpp32u sum = 0;
+  int n = 0;
+  for (; n + kBlock <= len; n += kBlock)
+    for (int i = 0; i < kBlock; ++i) sum += static_cast<Zpp32u>(src1[n + i] * src2[n + i]);
+  for (; n + 8 <= len; n += 8)
+    for (int i = 0; i < 8; ++i) sum += static_cast<Zpp32u>(src1[n + i] * src2[n + i]);
+  for (; n < len; ++n) sum += static_cast<Zpp32u>(src1[n] * src2[n]);
+  return static_cast<Zpp32s>(sum);
 }
 
 // The largest of correlation(lag) over a range; the smallest lag wins a tie.

@@ -116,6 +116,49 @@ TEST_F(Lsp, NormalisedFrequenciesOfReversedLspsSaturate) {
   EXPECT_EQ(lsf, expected);
 }
 
+// Targets around those from which on the sums of the searches leave 32 bits, and far beyond
+TEST_F(Lsp, SearchesOfTheCodebooksTakeEveryTarget) {
+  const auto nearest = [](int count, auto distance) {
+    int found = 0;
+    Zpp64s least = Zpp64s{1} << 30;
+    for (int entry = 0; entry < count; ++entry)
+      if (const Zpp64s d = distance(entry); d < least) least = d, found = entry;
+    return found;
+  };
+  for (int trial = 0; trial < 4000; ++trial) {
+    const bool far = trial % 4 == 3;
+    std::array<Zpp16s, 10> target, residual, weight;
+    for (std::size_t j = 0; j < 10; ++j) {
+      const int beyond = 20724 + trial % 3 - static_cast<int>(random() % 5);
+      const bool up = trial % 8 < 4;
+      target[j] = zpp::sat16(up ? LSPCode1_range.least[j] + beyond : LSPCode1_range.largest[j] - beyond);
+      residual[j] = static_cast<Zpp16s>((random() % 2 != 0 ? 1 : -1) * (26000 + trial % 3 - static_cast<int>(random() % 3)));
+      if (far) target[j] = residual[j] = static_cast<Zpp16s>(random());
+      if (trial % 16 >= 14) target[j] = zpp::sat16(LSPCode1[trial % 128][j] + static_cast<int>(random() % 20000) - 10000);
+      weight[j] = static_cast<Zpp16s>(trial % 5 == 0 ? 32767 : trial % 5 == 1 ? random() % 300 : random() % 32768);
+    }
+    EXPECT_EQ(ownLspPreSelect(target.data()), nearest(128, [&](int entry) {
+                Zpp64s sum = 0;
+                for (std::size_t j = 0; j < 10; ++j) {
+                  const Zpp64s error = zpp::subSat16(target[j], LSPCode1[entry][j]);
+                  sum += error * error;
+                }
+                return sum;
+              }));
+    Zpp16s index[2];
+    ownLspSelect2(residual.data(), weight.data(), index);
+    for (std::size_t half = 0; half < 2; ++half)
+      EXPECT_EQ(index[half], nearest(32, [&](int entry) {
+                  Zpp64s sum = 0;
+                  for (std::size_t j = 5 * half; j < 5 * half + 5; ++j) {
+                    const Zpp16s error = zpp::subSat16(residual[j], LSPCode2[entry][j]);
+                    sum += zpp::mulQ15(weight[j], error) * error;
+                  }
+                  return sum;
+                }));
+  }
+}
+
 TEST_F(Lsp, RefusedModesLeaveTheMemoryAlone) {
   for (const Zpp16s mode : {-32768, -1, 4, 32767}) {
     const std::array<Zpp16s, 4> idx = {mode, 0, 0, 0};

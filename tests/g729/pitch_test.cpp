@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/fixed_point.h"
+#include "g729/pitch/tables.h"
 #include "zppsc.h"
 
 namespace {
@@ -43,6 +44,39 @@ struct Subframe {
     return delay;
   }
 };
+
+// Samples of 14 bits and of more, with the signs of the taps or against them: from some level on, sums saturate on their way.
+TEST(AdaptiveVector, SaturatesAtEveryStep) {
+  int saturated = 0;
+  for (const int level : {16382, 16383, 16384, 18003, 18020, 20000, 25000, 32767})
+    for (const int lag : {20, 45, 80, 143})
+      for (const int fraction : {-1, 0, 1})
+        for (const bool against : {false, true}) {
+          const int phase = fraction > 0 ? 3 - fraction : -fraction;
+          std::array<Zpp16s, kPast + 40> exc{};
+          Zpp16s* const now = exc.data() + kPast;
+          for (int n = -kPast; n < 0; ++n) {
+            const int k = n + lag + (fraction > 0 ? 1 : 0) - 17;  // of output 17: -9..10
+            const bool negative = k > -10 && k < 11 && inter_3l[k > 0 ? 3 * k - phase : phase - 3 * k] < 0;
+            now[n] = static_cast<Zpp16s>(negative == against ? level : ~level);
+          }
+          auto wanted = exc;
+          const Zpp16s* x = wanted.data() + kPast - lag - (fraction > 0 ? 1 : 0);
+          for (std::size_t n = 0; n < 40; ++n, ++x) {
+            Zpp32s acc = 0;
+            for (int i = 0; i < 10; ++i) {
+              acc = zpp::macDbl(acc, x[-i], inter_3l[3 * i + phase]);
+              acc = zpp::macDbl(acc, x[i + 1], inter_3l[3 * i + 3 - phase]);
+            }
+            saturated += acc == zpp::kMax32 || acc == zpp::kMin32 ? 1 : 0;
+            wanted[kPast + n] = zpp::roundHigh16(acc);
+          }
+          const Delay delay{static_cast<Zpp16s>(lag), static_cast<Zpp16s>(fraction)};
+          ASSERT_EQ(zppsDecodeAdaptiveVector_G729_16s_I(delay.data(), exc.data()), zppStsOk);
+          ASSERT_EQ(exc, wanted) << level << ' ' << lag << ' ' << fraction;
+        }
+  EXPECT_GT(saturated, 50);
+}
 
 TEST(AdaptiveCodebookSearch, FindsTheDelayOfItsTarget) {
   for (const Search search : {zppsAdaptiveCodebookSearch_G729_16s, zppsAdaptiveCodebookSearch_G729A_16s})

@@ -54,9 +54,12 @@ DRIVE(ownAutoCorrLagMax_Inv_16s, upTo(100, {80})) {
   rig.run(full(rig, n, maxLag > 0 ? maxLag : 0), n, minLag, maxLag);
 }
 DRIVE(ownDotProd_G729A_16s32s, upTo(300, {80, 223})) { rig.run(samples(rig, n), samples(rig, n), n, rig.out<Zpp32s>(1)); }
-DRIVE(ownSynthesisFilter_NR_16s, upTo(100, {40, 240})) {
-  const Zpp16s* coef = rig.keep ? rig.in<Zpp16s>(11, -300, 300) : coefficients(rig);
-  rig.run(coef, samples(rig, n), rig.out<Zpp16s>(n), n, rig.scalar(12, 13), rig.scalar(0, 3) == 0 ? nullptr : samples(rig, 10));
+DRIVE(ownSynthesisFilter_NR_16s, upTo(170, {40, 240})) {
+  // A quiet signal's outputs are hardly ever clamped, or in the last block alone.
+  const bool quiet = rig.keep || rig.scalar(0, 2) == 0;
+  const Zpp16s* coef = quiet ? rig.in<Zpp16s>(11, -300, 300) : coefficients(rig);
+  const Zpp16s* src = quiet ? rig.in<Zpp16s>(n, -2000, 2000) : samples(rig, n);
+  rig.run(coef, src, rig.out<Zpp16s>(n), n, rig.scalar(12, 13), rig.scalar(0, 3) == 0 ? nullptr : samples(rig, 10));
 }
 DRIVE(ownSynthesisFilter_G729E_16s, upTo(150, {40})) {
   const int order = rig.keep ? 30 : rig.scalar(1, 34);

@@ -91,6 +91,44 @@ TEST(SynthesisFilter, DoesNotReportWhatRoundsIntoTheRange) {
   EXPECT_EQ(zppsSynthesisFilter_NR_16s_Sfs(coef.data(), x.data(), out.data(), 16, 12, nullptr), zppStsOverflowWarn);
 }
 
+// Coefficients up to magnitudes of 16.0 together and beyond, whose sums wrap: four loud outputs of the past take the sum of
+// output 1 as far as it goes, while output 0 lies a unit below or above the next. The input brings all outputs back to silence.
+TEST(SynthesisFilter, WrapsItsSumsAndNoOther) {
+  constexpr int len = 24;
+  int unclamped = 0;
+  for (const int magnitude : {4092, 4093, 4094, 24700, 25500, 28000, 32767})
+    for (int signs = 0; signs < 64; ++signs) {
+      const bool rising = signs & 1;
+      V16 coef(11), hist(10), x(len), wanted(len), out(len);
+      coef[0] = 32767, coef[1] = static_cast<Zpp16s>(signs & 2 ? 16384 : -16384), coef[10] = 1;
+      for (std::size_t i = 2; i <= 5; ++i) {
+        const bool negative = signs >> i & 1;
+        coef[i] = static_cast<Zpp16s>(negative ? -magnitude : magnitude);
+        hist[11 - i] = static_cast<Zpp16s>(negative == rising ? 32767 : -32767);
+      }
+      bool clamped = false;
+      for (int n = 0; n < len; ++n) {
+        Zpp64s sum = 2048;
+        for (int i = 1; i <= 10; ++i) sum -= Zpp64s{coef[i]} * (n < i ? hist[10 + n - i] : wanted[n - i]);
+        const Zpp32s input = std::clamp(-(static_cast<Zpp32s>(sum) / 32767), -32767, 32767);
+        sum += Zpp64s{32767} * input;
+        if (n == 0) {
+          hist[0] = static_cast<Zpp16s>((sum - (rising ? 4095 : 0)) & 4095);
+          sum -= hist[0];
+        }
+        x[n] = static_cast<Zpp16s>(input);
+        const Zpp32s y = static_cast<Zpp32s>(sum) >> 12;
+        wanted[n] = static_cast<Zpp16s>(std::clamp(y, -32768, 32767));
+        clamped |= y != wanted[n];
+      }
+      unclamped += clamped ? 0 : 1;
+      EXPECT_EQ(zppsSynthesisFilter_NR_16s_Sfs(coef.data(), x.data(), out.data(), len, 12, hist.data()),
+                clamped ? zppStsOverflowWarn : zppStsOk);
+      EXPECT_EQ(out, wanted) << magnitude << ' ' << signs;
+    }
+  EXPECT_GT(unclamped, 100);
+}
+
 // Where the magnitudes of the coefficients reach 16.0, sums leave 32 bits: full-scale input of the coefficients' signs, or of
 // the opposite ones, or with all coefficients negative.
 TEST(ResidualFilter, SaturatesAroundTheBoundOf32Bits) {

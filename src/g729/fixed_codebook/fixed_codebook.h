@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "core/fixed_point.h"
+#include "core/kernels.h"
 
 namespace zpp {
 
@@ -69,11 +70,9 @@ struct SignedTarget {
 
   explicit SignedTarget(const Zpp16s* target) {
     for (int t = 0; t < kTracks; ++t)
-      for (int i = 0; i < kPositions; ++i) {
-        const Zpp16s d = target[kTracks * i + t];
-        magnitude[kPositions * t + i] = absSat16(d);
-        sign[kPositions * t + i] = static_cast<Zpp16s>(d >= 0 ? kMax16 : kMin16);
-      }
+      for (int i = 0; i < kPositions; ++i) magnitude[kPositions * t + i] = target[kTracks * i + t];
+    for (int n = 0; n < kSubframe; ++n) sign[n] = static_cast<Zpp16s>(magnitude[n] >= 0 ? kMax16 : kMin16);
+    ownAbs_16s(magnitude, magnitude, kSubframe);
   }
   bool positive(int track, int position) const { return sign[kPositions * track + position] > 0; }
   // Of a pulse, Q13: the Q15 sign factor shifted right by 2

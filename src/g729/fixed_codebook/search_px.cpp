@@ -10,8 +10,9 @@ struct Row {
   static int improve(Best& best, Zpp16s sum, const Zpp16s* d, Zpp32s offset, const Zpp16s* r, const Zpp32s* energy) {
     int found = -1;
     for (int j = 0; j < length; ++j) {
-      const Zpp16s correlation = addSat16(sum, d[j]);
-      if (best.improve(mulQ15(correlation, correlation), (offset + 2 * r[j] + energy[j]) >> shift)) found = j;
+      const Zpp32s correlation = std::min(sum + d[j], kMax16);  // of magnitudes
+      if (best.improve(static_cast<Zpp16s>((correlation * correlation) >> 15), (offset + 2 * r[j] + energy[j]) >> shift))
+        found = j;
     }
     return found;
   }

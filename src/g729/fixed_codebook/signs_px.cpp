@@ -1,6 +1,6 @@
 // Folding of the target's signs into the correlation matrix: portable kernels.
-#include "g729/fixed_codebook/kernels.h"
 #include "g729/fixed_codebook/fixed_codebook.h"
+#include "g729/fixed_codebook/kernels.h"
 
 using namespace zpp;
 
@@ -10,7 +10,10 @@ void ownFixedCodebookCorrSign_PX(Zpp16s* cross, const TrackPair* tracks, int blo
     for (int i = 0; i < kPositions; ++i, cross += kPositions) {
       const bool positive = sign[kPositions * tracks[block].row + i] > 0;
       const Zpp16s* factor = (positive ? besidePositive : besideNegative) + kPositions * tracks[block].column;
-      for (int j = 0; j < kPositions; ++j) cross[j] = mulQ15(cross[j], factor[j]);
+      for (int j = 0; j < kPositions; ++j) {
+        const auto product = static_cast<Zpp16s>((cross[j] * factor[j]) >> 15);
+        cross[j] = static_cast<Zpp16s>(product ^ -(product == kMin16));  // -32768 times itself wraps
+      }
     }
 }
 

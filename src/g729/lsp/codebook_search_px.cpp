@@ -10,15 +10,13 @@ using namespace zpp;
 
 namespace {
 
-constexpr Zpp64s kSaturated = Zpp64s{1} << 30;
-
 // Index of the first of `count` entries with the least distance; 0 when all of them saturate
 template <class Distance>
 int nearest(int count, Distance distance) {
   int found = 0;
-  Zpp64s least = kSaturated;
+  auto least = decltype(distance(0)){1} << 30;
   for (int entry = 0; entry < count; ++entry) {
-    const Zpp64s d = distance(entry);
+    const auto d = distance(entry);
     if (d >= least) continue;
     least = d;
     found = entry;
@@ -29,6 +27,19 @@ int nearest(int count, Distance distance) {
 }  // namespace
 
 int ownLspPreSelect_PX(const Zpp16s* target) {
+  // Ten squares of differences within +-20724 stay below 2^32.
+  bool near = true;
+  for (int j = 0; j < 10; ++j)
+    near = near && target[j] >= LSPCode1_range.largest[j] - 20724 && target[j] <= LSPCode1_range.least[j] + 20724;
+  if (near) [[likely]]
+    return nearest(128, [target](int entry) {
+      Zpp32u sum = 0;
+      for (int j = 0; j < 10; ++j) {
+        const Zpp32s error = target[j] - LSPCode1[entry][j];
+        sum += static_cast<Zpp32u>(error * error);
+      }
+      return sum;
+    });
   return nearest(128, [target](int entry) {
     Zpp64s sum = 0;
     for (int j = 0; j < 10; ++j) {
@@ -40,6 +51,21 @@ int ownLspPreSelect_PX(const Zpp16s* target) {
 }
 
 void ownLspSelect2_PX(const Zpp16s* residual, const Zpp16s* weight, Zpp16s* index) {
+  // Elements of LSPCode2 are within +-2400, and five products of at most 28400^2 stay below 2^32.
+  bool small = true;
+  for (int j = 0; j < 10; ++j) small = small && residual[j] >= -26000 && residual[j] <= 26000;
+  if (small) [[likely]] {
+    for (int half = 0; half < 2; ++half)
+      index[half] = static_cast<Zpp16s>(nearest(32, [=](int entry) {
+        Zpp32u sum = 0;
+        for (int j = 5 * half; j < 5 * half + 5; ++j) {
+          const Zpp32s error = residual[j] - LSPCode2[entry][j];
+          sum += static_cast<Zpp32u>(((weight[j] * error) >> 15) * error);
+        }
+        return sum;
+      }));
+    return;
+  }
   for (int half = 0; half < 2; ++half)
     index[half] = static_cast<Zpp16s>(nearest(32, [=](int entry) {
       Zpp64s sum = 0;

@@ -61,8 +61,23 @@ int ownBestFraction_G729_16s_PX(const Zpp16s* corr, int first, int last) {
 }
 
 void ownDecodeAdaptiveVector_G729_16s_I_PX(int lag, int fraction, Zpp16s* exc) {
+  constexpr int kRead = 64;  // from the tenth sample before the first centre on, behind whose last tap there are zeros
   const int phase = fraction > 0 ? 3 - fraction : -fraction;
-  const Zpp16s* x = fraction > 0 ? exc - lag - 1 : exc - lag;
+  const Zpp16s* const centre = fraction > 0 ? exc - lag - 1 : exc - lag;
+  const Zpp16s* const first = centre - (kTapsPerSide - 1);
+  const Zpp16s(&taps)[24] = inter_3l_taps.at[phase];
+  for (int n = 0; n < kSubframe; ++n) {
+    Zpp32u sum = 1 << 14;
+    for (int k = 0; k < 24; ++k) sum += static_cast<Zpp32u>(first[n + k] * taps[k]);
+    exc[n] = sat16(static_cast<Zpp32s>(sum) >> 15);
+  }
+  // The taps of a phase sum up to less than 1.82: samples of 14 bits stay clear of saturation. Otherwise all is done again,
+  // from the past alone.
+  int bits = 0;
+  for (int n = 0; n < kRead; ++n) bits |= first[n] < 0 ? ~first[n] : first[n];
+  if (bits < 1 << 14) [[likely]]
+    return;
+  const Zpp16s* x = centre;
   for (int n = 0; n < kSubframe; ++n, ++x) {
     Zpp32s acc = 0;
     for (int i = 0; i < kTapsPerSide; ++i) {

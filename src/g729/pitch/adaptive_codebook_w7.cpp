@@ -129,22 +129,26 @@ void ownDecodeAdaptiveVector_G729_16s_I_W7(int lag, int fraction, Zpp16s* exc) {
   const int phase = fraction > 0 ? 3 - fraction : -fraction;
   const Zpp16s(*taps)[8] = inter_3l_pairs.at[phase];
   const V half = _mm_set1_epi32(1 << 14);
-  // From a delay of 18 on, the ten samples behind the centre of eight outputs lie before the first of them.
+  V magnitudes = _mm_setzero_si128();
+  // From a delay of 18 on, the ten samples behind the centre of eight outputs lie before the first of them. Two taps a product:
+  // from one place on they count for outputs 0, 2, 4 and 6, from the next for the others.
   for (int n = 0; n < kSubframe; n += 8) {
-    const Zpp16s* x = exc + n - lag - (fraction > 0 ? 1 : 0);
-    const V magnitudes = _mm_or_si128(_mm_or_si128(magnitudeBits(load(x - 9)), magnitudeBits(load(x - 1))),
-                                      _mm_or_si128(magnitudeBits(load(x + 7)), magnitudeBits(load(x + 10))));
-    // The taps of a phase sum up to less than 1.82: samples of 14 bits stay clear of saturation.
-    if (!allWithin(magnitudes, 14)) [[unlikely]]
-      return ownDecodeAdaptiveVector_G729_16s_I_PX(lag, fraction, exc);
-    V low = half, high = half;
-    for (int pair = 0; pair < 10; ++pair) {
-      const V first = load(x + 2 * pair - 9), second = load(x + 2 * pair - 8), factors = load(taps[pair]);
-      low = _mm_add_epi32(low, _mm_madd_epi16(_mm_unpacklo_epi16(first, second), factors));
-      high = _mm_add_epi32(high, _mm_madd_epi16(_mm_unpackhi_epi16(first, second), factors));
-    }
-    store(exc + n, _mm_packs_epi32(_mm_srai_epi32(low, 15), _mm_srai_epi32(high, 15)));
+    const Zpp16s* x = exc + n - lag - (fraction > 0 ? 1 : 0) - 9;
+    V even = half, odd = half;
+    unrolled<10>([&](auto pair) {
+      const V first = load(x + 2 * pair), second = load(x + 2 * pair + 1), factors = load(taps[pair]);
+      even = _mm_add_epi32(even, _mm_madd_epi16(first, factors));
+      odd = _mm_add_epi32(odd, _mm_madd_epi16(second, factors));
+      if constexpr (pair % 4 == 0) magnitudes = _mm_or_si128(magnitudes, magnitudeBits(first));
+      if constexpr (pair == 9) magnitudes = _mm_or_si128(magnitudes, magnitudeBits(second));
+    });
+    const V packed = _mm_packs_epi32(_mm_srai_epi32(even, 15), _mm_srai_epi32(odd, 15));
+    store(exc + n, _mm_unpacklo_epi16(packed, _mm_srli_si128(packed, 8)));
   }
+  // The taps of a phase sum up to less than 1.82: samples of 14 bits stay clear of saturation. Otherwise all is done again,
+  // from the past alone.
+  if (!allWithin(magnitudes, 14)) [[unlikely]]
+    ownDecodeAdaptiveVector_G729_16s_I_PX(lag, fraction, exc);
 }
 
 void ownAdaptiveCodebookContribution_G729_16s_W7(Zpp16s gain, const Zpp16s* filtered, const Zpp16s* target, Zpp16s* dst) {

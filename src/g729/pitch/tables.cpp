@@ -30,6 +30,13 @@ constexpr ExcitationTapPairs excitationTapPairs() {
   return pairs;
 }
 
+constexpr ExcitationTaps excitationTaps() {
+  ExcitationTaps taps{};
+  for (int phase = 0; phase < 3; ++phase)
+    for (int k = 0; k < 20; ++k) taps.at[phase][k] = inter_3l[tap(k - 9, phase)];
+  return taps;
+}
+
 constexpr CorrelationTaps correlationTaps() {
   CorrelationTaps taps{};
   for (int phase = 0; phase < 3; ++phase)
@@ -39,5 +46,6 @@ constexpr CorrelationTaps correlationTaps() {
 
 }  // namespace
 
+constexpr ExcitationTaps inter_3l_taps = excitationTaps();
 constexpr ExcitationTapPairs inter_3l_pairs = excitationTapPairs();
 constexpr CorrelationTaps inter_3_taps = correlationTaps();

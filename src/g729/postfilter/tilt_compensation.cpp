@@ -27,9 +27,9 @@ void ownTiltCompensation_G729_16s(Zpp16s tilt, Zpp16s* srcDst, Zpp16s* memory) {
 
 // Annex A: 1 - k z^-1 with 0.8 of the first correlation coefficient of the response, when that is positive
 void ownTiltCompensation_G729A_16s(const Zpp16s* coef, Zpp16s* srcDst) {
-  Zpp16s response[kResponse] = {};
+  Zpp16s response[kResponse + 2] = {};  // two more than count: filters like multiples of four
   std::memcpy(response, coef, (kLpcOrder + 1) * sizeof *response);
-  ownSynthesisFilter_NR_16s(coef + kLpcOrder + 1, response, response, kResponse, 12, nullptr);
+  ownSynthesisFilter_NR_16s(coef + kLpcOrder + 1, response, response, kResponse + 2, 12, nullptr);
   const Zpp64s energy = 2 * ownDotProd_16s(response, response, kResponse);
   Zpp32s correlation = 0;
   if (energy <= kMax32)  // which bounds every partial sum of the correlation as well
