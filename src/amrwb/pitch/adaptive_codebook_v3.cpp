@@ -45,7 +45,8 @@ void ownNormCorr_AMRWB_16s_V3(const Zpp16s* excitation, const Zpp16s* target, co
     const Zpp64s energyFiltered = sumLanes64(energies);
     if (!productsFit(energyTarget, energyFiltered)) break;
     const Zpp32s product = sumLanes32(_mm_add_epi32(lowHalf(products), highHalf(products)));
-    *corr++ = normalisedCorrelation(2 * product + 1, energyFiltered, targetScale);
+    // Beyond the limit the energy may be too small and the sum too large: it is not used then.
+    *corr++ = normalisedCorrelation(addWrap32(shlWrap32(product, 1), 1), energyFiltered, targetScale);
     if (lag == maxLag) {
       const W beyond = _mm256_or_si256(_mm256_cmpgt_epi16(largest, _mm256_set1_epi16(kLargest)),
                                        _mm256_cmpgt_epi16(_mm256_set1_epi16(-kLargest), smallest));
