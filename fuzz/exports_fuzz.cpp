@@ -213,7 +213,7 @@ bool callBoth(const Row& row, FuzzedDataProvider& data, bool plain, std::unique_
       for (const Argument& other : arguments)
         if (!a.lengthOf.empty() && other.name == a.lengthOf) accepted = static_cast<Number>(other.count / other.perItem);
       const Number value = std::clamp<Number>(draw.scalar(a, accepted, plain || fallBack), INT32_MIN, INT32_MAX);
-      level[i].number = a.unsignedType ? static_cast<double>(static_cast<std::uint32_t>(value)) : static_cast<double>(value);
+      level[i].number = static_cast<double>(a.received(value));
       values.set(a.name, static_cast<Number>(level[i].number));
     }
     if (row.condition(values) != 0) break;

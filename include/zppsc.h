@@ -11,7 +11,7 @@
  * - Source and destination must not overlap unless they are the very same buffer or the function says otherwise. Filter
  *   coefficients and impulse responses must not overlap what is written.
  * - Checks run in a fixed order: null pointers, lengths, enumerated values, scale factors and shifts, ranges of coded
- *   parameters. The first that fails decides the status. On an error (a negative status) nothing has been written.
+ *   parameters. The first that fails decides the status. On an error (a negative status) nothing has been written, unless a function says otherwise.
  *   A positive status is a warning: the function says what it has written.
  * - Names starting with an underscore are internal steps that codecs share: exported, but they trust their arguments unless
  *   their comment lists a status.

@@ -107,9 +107,9 @@ TEST(LagCoding, RoundTrip) {
   for (const int resolution : {3, 6}) {
     const int first = resolution == 3 ? -1 : -2, last = resolution == 3 ? 1 : 3, minLag = resolution == 3 ? 20 : 18;
     const int maxFractional = resolution == 3 ? 84 : 94;
-    const auto check = [&](PitchLag lag, LagCoding coding, LagRange range, int previous, int indices) {
-      const int index = resolution == 3 ? ownEncLag3(lag, coding, range, previous) : ownEncLag6(lag, coding, range);
-      const PitchLag back = resolution == 3 ? ownDecLag3(index, coding, range, previous) : ownDecLag6(index, coding, range);
+    const auto check = [&](PitchLag lag, LagCoding coding, LagRange range, int indices) {
+      const int index = resolution == 3 ? ownEncLag3(lag, coding, range) : ownEncLag6(lag, coding, range);
+      const PitchLag back = resolution == 3 ? ownDecLag3(index, coding, range) : ownDecLag6(index, coding, range);
       ASSERT_GE(index, 0);
       ASSERT_LT(index, indices);
       ASSERT_EQ(back.samples, lag.samples) << index;
@@ -120,23 +120,23 @@ TEST(LagCoding, RoundTrip) {
         if (samples == minLag - 1 && !isLast(resolution, fraction)) continue;
         if (samples > maxFractional && fraction != 0 && !(samples == maxFractional + 1 && fraction < 0 && resolution == 3))
           continue;
-        check({samples, fraction}, LagCoding::absolute, {}, 0, resolution == 3 ? 256 : 512);
+        check({samples, fraction}, LagCoding::absolute, {}, resolution == 3 ? 256 : 512);
       }
     for (int previous = minLag; previous <= kMaxLag; ++previous) {
       const LagRange near = getRange(previous, 5, 9, minLag), wide = getRange(previous, 10, 19, minLag);
       ASSERT_EQ(near.max - near.min, 9);
       for (int samples = near.min; samples <= near.max; ++samples)
         for (int fraction = first; fraction <= last; ++fraction)
-          check({samples, fraction}, LagCoding::delta, near, previous, resolution == 3 ? 32 : 61);
+          check({samples, fraction}, LagCoding::delta, near, resolution == 3 ? 32 : 61);
       if (resolution == 6) continue;
       for (int samples = wide.min; samples <= wide.max; ++samples)
         for (int fraction = first; fraction <= last; ++fraction)
-          check({samples, fraction}, LagCoding::delta, wide, previous, 64);
-      const int centre = centreOf(near, previous);
+          check({samples, fraction}, LagCoding::delta, wide, 64);
+      const int centre = centreOf(near);
       for (int samples = near.min; samples <= near.max; ++samples)
         for (int fraction = first; fraction <= last; ++fraction) {
           const int thirds = 3 * (samples - centre) + fraction;
-          if (fraction == 0 || (thirds > -6 && thirds < 3)) check({samples, fraction}, LagCoding::delta4, near, previous, 16);
+          if (fraction == 0 || (thirds > -6 && thirds < 3)) check({samples, fraction}, LagCoding::delta4, near, 16);
         }
     }
   }

@@ -55,21 +55,21 @@ struct Part {
 struct Argument {
   enum class Role { in, out, inOut, scalar } role = Role::scalar;
   std::string name;
-  std::size_t count = 0;               // buffers: elements from the pointer on, in the contract run
-  std::size_t history = 0;             // buffers: elements before the pointer
-  std::string historyFrom;             // golden runs: history = elements of the buffer - value of this scalar
-  std::string historyIs;               // golden runs: history = value of this scalar
-  std::vector<Part> parts;             // golden runs: expected outputs by other names
-  bool optional = false;               // buffers: null is allowed
-  std::function<void(void*)> prepare;  // buffers: content for the contract run, after the default fill
-  double value = 0;                    // scalars: accepted value
-  std::string lengthOf;                // scalars: golden runs take the size of this buffer
-  std::vector<Refused> refused;        // scalars
-  Element element = Element::u8;       // from the prototype; bytes for state blocks
-  bool real = false;                   // scalars: of a floating-point type
-  bool unsignedType = false;           // scalars: of a type without negative values
-  bool untyped = false;                // the prototype has void*, and the golden vectors give `element`s
-  std::size_t perItem = 1;             // elements of the golden vectors in one element of the prototype (2 for complex)
+  std::size_t count = 0;                             // buffers: elements from the pointer on, in the contract run
+  std::size_t history = 0;                           // buffers: elements before the pointer
+  std::string historyFrom;                           // golden runs: history = elements of the buffer - value of this scalar
+  std::string historyIs;                             // golden runs: history = value of this scalar
+  std::vector<Part> parts;                           // golden runs: expected outputs by other names
+  bool optional = false;                             // buffers: null is allowed
+  std::function<void(void*)> prepare;                // buffers: content for the contract run, after the default fill
+  double value = 0;                                  // scalars: accepted value
+  std::string lengthOf;                              // scalars: golden runs take the size of this buffer
+  std::vector<Refused> refused;                      // scalars
+  Element element = Element::u8;                     // from the prototype; bytes for state blocks
+  bool real = false;                                 // scalars: of a floating-point type
+  std::int64_t (*received)(std::int64_t) = nullptr;  // integer scalars: what the function sees of a value
+  bool untyped = false;                              // the prototype has void*, and the golden vectors give `element`s
+  std::size_t perItem = 1;  // elements of the golden vectors in one element of the prototype (2 for complex)
 
   Argument before(std::size_t elements) const {
     return with([&](Argument& a) { a.history = elements; });
@@ -227,7 +227,8 @@ Export row(const char* name, Return (*function)(Types...), Arguments... argument
       a.perItem = std::is_same_v<Item, Zpp16sc> ? 2 : 1;
     } else {
       a.real = std::is_floating_point_v<T>;
-      a.unsignedType = std::is_unsigned_v<T>;
+      if constexpr (!std::is_floating_point_v<T>)
+        a.received = [](std::int64_t given) { return static_cast<std::int64_t>(static_cast<T>(given)); };
     }
   };
   (complete(std::type_identity<Types>{}), ...);

@@ -136,10 +136,9 @@ void ownAdaptiveCodebookSearch_GSMAMR_16s(const Zpp16s* target, const Zpp16s* im
   constexpr int kTaps = 4, kMostLags = 20 + 2 * kTaps;
   const PitchSearch& search = searchOf(rate);
   const LagCoding coding = codingOf(rate, subframe);
-  const int previous = *lag;
   const LagRange range = coding == LagCoding::absolute
                              ? getRange(openLoopLag, search.below, search.length, search.minLag)
-                             : getRange(previous, search.deltaBelow, search.deltaLength, search.minLag);
+                             : getRange(*lag, search.deltaBelow, search.deltaLength, search.minLag);
   Zpp16s correlations[kMostLags];
   Zpp16s* const corr = correlations + kTaps;
   ownNormCorr_GSMAMR_16s(excitation + kPast, target, impulse, range.min - kTaps, range.max + kTaps, correlations);
@@ -152,7 +151,7 @@ void ownAdaptiveCodebookSearch_GSMAMR_16s(const Zpp16s* target, const Zpp16s* im
   if (coding == LagCoding::absolute) {
     if (best > search.maxFractionalLag) first = last = 0;
   } else if (coding == LagCoding::delta4) {
-    const int fromCentre = best - centreOf(range, previous);
+    const int fromCentre = best - centreOf(range);
     if (fromCentre < -2 || fromCentre > 1) first = last = 0;
     if (fromCentre == -2) first = 0;
     if (fromCentre == 1) last = 0;
@@ -160,8 +159,7 @@ void ownAdaptiveCodebookSearch_GSMAMR_16s(const Zpp16s* target, const Zpp16s* im
   PitchLag found{best, 0};
   if (first != last) found = ownSearchFrac(&corr[best - range.min], best, first, last, search.thirds);
 
-  *lagIndex =
-      static_cast<Zpp16s>(search.thirds ? ownEncLag3(found, coding, range, previous) : ownEncLag6(found, coding, range));
+  *lagIndex = static_cast<Zpp16s>(search.thirds ? ownEncLag3(found, coding, range) : ownEncLag6(found, coding, range));
   *lag = static_cast<Zpp16s>(found.samples);
   *fraction = static_cast<Zpp16s>(found.fraction);
   adaptiveVector(excitation, found, search.thirds, vector);
@@ -174,7 +172,7 @@ void ownAdaptiveCodebookDecode_GSMAMR_16s(int lagIndex, Zpp16s* lastGoodLag, Zpp
   const LagCoding coding = codingOf(rate, subframe);
   const int previous = search.thirds ? *lastGoodLag : *lag;
   const LagRange range = getRange(previous, search.deltaBelow, search.deltaLength, search.minLag);
-  PitchLag decoded = search.thirds ? ownDecLag3(lagIndex, coding, range, previous) : ownDecLag6(lagIndex, coding, range);
+  PitchLag decoded = search.thirds ? ownDecLag3(lagIndex, coding, range) : ownDecLag6(lagIndex, coding, range);
   const auto coded = static_cast<Zpp16s>(decoded.samples);
   bool repeated = badFrame;
   if (!search.thirds) {

@@ -8,7 +8,7 @@ constexpr int sixthOf(int x) { return (x * 5462) >> 15; }
 
 }  // namespace
 
-int ownEncLag3(PitchLag lag, LagCoding coding, LagRange range, int previousLag) {
+int ownEncLag3(PitchLag lag, LagCoding coding, LagRange range) {
   const int thirds = 3 * lag.samples + lag.fraction;
   switch (coding) {
     case LagCoding::absolute:
@@ -17,7 +17,7 @@ int ownEncLag3(PitchLag lag, LagCoding coding, LagRange range, int previousLag) 
       return thirds - 3 * range.min + 2;
     default: {
       // Thirds from centre - 2 to centre + 1, whole samples below and above
-      const int centre = centreOf(range, previousLag), lowest = 3 * (centre - 2);
+      const int centre = centreOf(range), lowest = 3 * (centre - 2);
       if (thirds <= lowest) return lag.samples - centre + 5;
       if (thirds >= 3 * (centre + 1)) return lag.samples - centre + 11;
       return thirds - lowest + 3;
@@ -31,7 +31,7 @@ int ownEncLag6(PitchLag lag, LagCoding coding, LagRange range) {
   return lag.samples <= 94 ? sixths - 105 : lag.samples + 368;
 }
 
-PitchLag ownDecLag3(int index, LagCoding coding, LagRange range, int previousLag) {
+PitchLag ownDecLag3(int index, LagCoding coding, LagRange range) {
   switch (coding) {
     case LagCoding::absolute: {
       if (index >= 197) return {index - 112, 0};
@@ -43,7 +43,7 @@ PitchLag ownDecLag3(int index, LagCoding coding, LagRange range, int previousLag
       return {range.min + offset, index - 3 * offset - 2};
     }
     default: {
-      const int centre = centreOf(range, previousLag);
+      const int centre = centreOf(range);
       if (index < 4) return {centre + index - 5, 0};
       if (index >= 12) return {centre + index - 11, 0};
       const int offset = thirdOf(index - 5) - 1;

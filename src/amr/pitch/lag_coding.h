@@ -20,17 +20,13 @@ constexpr LagRange getRange(int centre, int below, int length, int minLag) {
   const int min = centre - below < minLag ? minLag : centre - below;
   return min + length > kMaxLag ? LagRange{kMaxLag - length, kMaxLag} : LagRange{min, min + length};
 }
-// The lag around which 4 bits code a range of 9: the previous subframe's, moved so that the range surrounds it
-constexpr int centreOf(LagRange range, int previousLag) {
-  if (previousLag - range.min > 5) previousLag = range.min + 5;
-  if (range.max - previousLag > 4) previousLag = range.max - 4;
-  return previousLag;
-}
+// The lag around which 4 bits code a range of 9
+constexpr int centreOf(LagRange range) { return range.min + 5; }
 
 // How an index stands for a lag: by itself, relative to a range, or in 4 bits around the centre of a range
 enum class LagCoding { absolute, delta, delta4 };
 
-int ownEncLag3(PitchLag lag, LagCoding coding, LagRange range, int previousLag);
+int ownEncLag3(PitchLag lag, LagCoding coding, LagRange range);
 int ownEncLag6(PitchLag lag, LagCoding coding, LagRange range);
-PitchLag ownDecLag3(int index, LagCoding coding, LagRange range, int previousLag);
+PitchLag ownDecLag3(int index, LagCoding coding, LagRange range);
 PitchLag ownDecLag6(int index, LagCoding coding, LagRange range);

@@ -38,12 +38,22 @@ int nextState(Past& past, Zpp16s gainCode, Zpp16s gainPitch) {
   return state;
 }
 
+// The circular convolution, added up with saturation pulse by pulse
 void disperse(Zpp16s* code, const Zpp16s* response) {
   Zpp16s spread[2 * kSubframe] = {};
-  for (int i = 0; i < kSubframe; ++i)
-    if (code[i] != 0)
-      for (int j = 0; j < kSubframe; ++j) spread[i + j] = addSat16(spread[i + j], mulRoundQ15(code[i], response[j]));
-  for (int n = 0; n < kSubframe; ++n) code[n] = addSat16(spread[n], spread[n + kSubframe]);  // circular
+  int magnitudes = 0;
+  for (int i = 0; i < kSubframe; ++i) magnitudes += absSat16(code[i]);
+  const bool saturates = magnitudes >= kMax16;  // A pulse spread is nowhere larger than before.
+  for (int i = 0; i < kSubframe; ++i) {
+    const Zpp16s pulse = code[i];
+    if (pulse == 0) continue;
+    Zpp16s* const from = spread + i;
+    if (saturates)
+      for (int j = 0; j < kSubframe; ++j) from[j] = addSat16(from[j], mulRoundQ15(pulse, response[j]));
+    else
+      for (int j = 0; j < kSubframe; ++j) from[j] = static_cast<Zpp16s>(from[j] + ((pulse * response[j] + 16384) >> 15));
+  }
+  for (int n = 0; n < kSubframe; ++n) code[n] = addSat16(spread[n], spread[n + kSubframe]);
 }
 
 }  // namespace

@@ -229,7 +229,7 @@ struct PairContest {
   BestRatio ratio;
   V factors = pairOf(ratio.energy, -ratio.square), least = _mm_set1_epi16(1);
 
-  // Calls take(lane, energy) for each that is better than all before.
+  // Calls take(lane) for each that is better than all before.
   template <class Take>
   [[gnu::always_inline]] void enter(V square, V energy, Take take) {
     least = _mm_min_epi16(least, energy);
@@ -242,12 +242,7 @@ struct PairContest {
     alignas(16) Zpp16s squares[kLanes], energies[kLanes];
     store(squares, square);
     store(energies, energy);
-    for (; passing != 0; passing &= passing - 1) {
-      const int lane = std::countr_zero(passing) / 2;
-      if (!ratio.isBelow(squares[lane], energies[lane])) continue;
-      ratio = {squares[lane], energies[lane]};
-      take(lane, energies[lane]);
-    }
+    ratio.play(passing, squares, energies, take);
     factors = pairOf(ratio.energy, -ratio.square);
   }
   // With energies above 0 ratios can be put in order, so that what fails against a candidate fails against better ones too.
@@ -283,8 +278,8 @@ PulsePair ownSearchPulsePair_AMRWB_16s_W7(const PulseTarget* target, int track, 
       const V high =
           _mm_add_epi32(_mm_add_epi32(partEnergy, gain2High[side]), _mm_srai_epi32(_mm_unpackhi_epi16(zero, crossLanes), 2));
       const V alp = _mm_packs_epi32(_mm_srai_epi32(low, 16), _mm_srai_epi32(high, 16));
-      contest.enter(mulQ15(sum, sum), alp, [&](int lane, Zpp16s ofPair) {
-        best = {static_cast<Zpp16s>(i), static_cast<Zpp16s>(8 * side + lane), ofPair};
+      contest.enter(mulQ15(sum, sum), alp, [&](int lane) {
+        best = {static_cast<Zpp16s>(i), static_cast<Zpp16s>(8 * side + lane), contest.ratio.energy};
       });
     });
   }
@@ -329,8 +324,8 @@ PulsePair ownSearchTwoPulses_AMRWB_16s_W7(const PulseTarget* target, const Zpp16
       unrolled<2>([&](int half) __attribute__((always_inline)) {
         const int k = 2 * side + half;
         const V sum = _mm_adds_epi16(corr1, corr2[k]), alp = _mm_adds_epi16(energy1, _mm_adds_epi16(energy2[k], cross[half]));
-        contest.enter(mulQ15(sum, sum), alp, [&](int lane, Zpp16s ofPair) {
-          best = {static_cast<Zpp16s>(even), static_cast<Zpp16s>(16 * k + 2 * lane + 1), ofPair};
+        contest.enter(mulQ15(sum, sum), alp, [&](int lane) {
+          best = {static_cast<Zpp16s>(even), static_cast<Zpp16s>(16 * k + 2 * lane + 1), contest.ratio.energy};
         });
       });
     });

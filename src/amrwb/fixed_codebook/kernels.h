@@ -42,10 +42,10 @@ struct PulsePair {
   KERNEL(ownChooseSigns_AMRWB_16s, W7,                                                                                         \
          void(const Zpp32s* sums, const Zpp16s* residualTarget, Zpp16s weight, zpp::amrwb::PulseTarget* target, Zpp16s* rank)) \
   KERNEL(ownPulseCorrelations_AMRWB_16s, W7, void(const Zpp16s* impulse, zpp::amrwb::PulseTarget* target))                     \
-  KERNEL(ownPulseGains_AMRWB_16s, W7,                                                                                          \
+  KERNEL(ownPulseGains_AMRWB_16s, W7_V3,                                                                                       \
          void(const Zpp16s* impulse, const Zpp16s* filteredCode, const zpp::amrwb::PulseTarget* target, int track,             \
               Zpp16s* gain, bool exact))                                                                                       \
-  KERNEL(ownSearchPulsePair_AMRWB_16s, W7,                                                                                     \
+  KERNEL(ownSearchPulsePair_AMRWB_16s, W7_V3,                                                                                  \
          zpp::amrwb::PulsePair(const zpp::amrwb::PulseTarget* target, int track, Zpp16s corr, Zpp16s energy,                   \
                                const Zpp16s* gain, const Zpp16s* candidate))                                                   \
   KERNEL(ownSearchTwoPulses_AMRWB_16s, W7, zpp::amrwb::PulsePair(const zpp::amrwb::PulseTarget* target, const Zpp16s* energy))

@@ -1,6 +1,8 @@
 // What the kernels of the codebook search share.
 #pragma once
 
+#include <bit>
+
 #include "amrwb/arithmetic.h"
 #include "amrwb/fixed_codebook/kernels.h"
 
@@ -32,6 +34,18 @@ struct BestRatio {
   Zpp16s square = -1, energy = 1;
 
   constexpr bool isBelow(Zpp16s otherSquare, Zpp16s otherEnergy) const { return energy * otherSquare > square * otherEnergy; }
+
+  // Plays candidates in turn, of which those that pass against this ratio have their bit set, every second one counting; calls
+  // take(candidate) for each that is better than all before.
+  template <class Take>
+  void play(unsigned passing, const Zpp16s* squares, const Zpp16s* energies, Take take) {
+    for (; passing != 0; passing &= passing - 1) {
+      const int i = std::countr_zero(passing) / 2;
+      if (!isBelow(squares[i], energies[i])) continue;
+      square = squares[i], energy = energies[i];
+      take(i);
+    }
+  }
 };
 
 }  // namespace zpp::amrwb

@@ -52,7 +52,8 @@ void ownNormCorr_AMRWB_16s_W7(const Zpp16s* excitation, const Zpp16s* target, co
     });
     const Zpp64s energyFiltered = sumLanes64(addWide64(_mm_setzero_si128(), squares));
     if (!productsFit(energyTarget, energyFiltered)) break;
-    *corr++ = normalisedCorrelation(2 * sumLanes32(products) + 1, energyFiltered, targetScale);
+    // Beyond the limit the energy may be too small and the sum too large: it is not used then.
+    *corr++ = normalisedCorrelation(addWrap32(shlWrap32(sumLanes32(products), 1), 1), energyFiltered, targetScale);
     if (lag == maxLag) {
       const V beyond = _mm_or_si128(_mm_cmpgt_epi16(largest, _mm_set1_epi16(kLargest)),
                                     _mm_cmpgt_epi16(_mm_set1_epi16(-kLargest), smallest));

@@ -20,9 +20,9 @@ inline constexpr int kOpenLoopMinLag = 18, kOpenLoopMaxLag = 115;  // at 6.4 kHz
 #define ZPP_AMRWB_PITCH_KERNELS(KERNEL)                                                                                     \
   KERNEL(ownConvolution_AMRWB_16s, W7, void(const Zpp16s* src, const Zpp16s* impulse, Zpp16s* dst))                         \
   KERNEL(ownRemove_AMRWB_16s, W7, void(const Zpp16s* x, const Zpp16s* y, Zpp16s gain, Zpp16s* dst))                         \
-  KERNEL(ownNormCorr_AMRWB_16s, W7,                                                                                         \
+  KERNEL(ownNormCorr_AMRWB_16s, W7_V3,                                                                                      \
          void(const Zpp16s* excitation, const Zpp16s* target, const Zpp16s* impulse, int minLag, int maxLag, Zpp16s* corr)) \
-  KERNEL(ownPredLt_AMRWB_16s_I, W7, void(Zpp16s * excitation, int lag, int quarters))                                       \
+  KERNEL(ownPredLt_AMRWB_16s_I, W7_V3, void(Zpp16s * excitation, int lag, int quarters))                                    \
   KERNEL(ownAdaptiveCodebookLowPass_AMRWB_16s, W7, void(const Zpp16s* src, Zpp16s* dst, int len))
 
 ZPP_AMRWB_PITCH_KERNELS(ZPP_DECLARE_KERNEL)

@@ -73,7 +73,7 @@ int ownOpenLoopPitchSearch_G723_16s(const Zpp16s* src) {
   Score best{30, 16384, 32767};
   for (int lag = kMinLag; lag <= kMaxLag; ++lag) {
     const Zpp16s oldest = src[-lag], left = src[kHalfFrame - lag];
-    exactEnergy += 2 * (Zpp32s{oldest} * oldest - Zpp32s{left} * left);
+    exactEnergy += 2 * (Zpp64s{oldest} * oldest - left * left);
     energy = macDbl(msuDbl(energy, left, left), oldest, oldest);
     // No partial sum of x y exceeds half the sum of the energies of x and y.
     const Zpp32s correlation = ownEnergy + exactEnergy <= 2 * Zpp64s{kMax32}
