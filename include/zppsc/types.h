@@ -51,11 +51,11 @@ enum {
 
 /* Codec rates, by ascending bit rate. A function accepts those of its own codec and refuses all other values; that any may come
  * is said to C++ by naming the type that C chooses. */
+typedef enum
 #ifdef __cplusplus
-typedef enum : unsigned int {
-#else
-typedef enum {
+    : unsigned int
 #endif
+{
   ZPP_RATE_4750 = 0,   /* GSM-AMR */
   ZPP_RATE_5150 = 1,   /* GSM-AMR */
   ZPP_RATE_5300 = 2,   /* G.723.1 */
@@ -85,12 +85,13 @@ typedef enum {
 } ZppSpeechRate;
 
 typedef struct {
-  Zpp32s major;          /* 4 */
-  Zpp32s minor;          /* 1 */
-  Zpp32s majorBuild;     /* 12 */
-  Zpp32s build;          /* 5 */
-  char targetCpu[4];     /* processor level: "px", "a6" (SSE), "w7" (SSE2), "t7" (SSE3), "v3" (AVX2) or "n8" (NEON), two zero bytes */
-  const char* Name;      /* file name of the shared object */
+  Zpp32s major;      /* 4 */
+  Zpp32s minor;      /* 1 */
+  Zpp32s majorBuild; /* 12 */
+  Zpp32s build;      /* 5 */
+  char targetCpu[4]; /* processor level: "px", "a6" (SSE), "w7" (SSE2), "t7" (SSE3), "v3" (AVX2) or "n8" (NEON), two zero bytes
+                      */
+  const char* Name;  /* file name of the shared object */
   const char* Version;   /* "v4.1" */
   const char* BuildDate; /* "Jul 22 2004" */
 } ZppLibraryVersion;
