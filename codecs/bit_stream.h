@@ -40,7 +40,10 @@ class BitReader {
   unsigned peek16() const {
     const auto at = static_cast<std::size_t>(position_ / 8);
     unsigned window = 0;
-    for (std::size_t n = at; n < at + 3; ++n) window = window << 8 | (n < octets_.size() ? octets_[n] : 0u);
+    if (at + 3 <= octets_.size()) [[likely]]
+      window = octets_[at] * 65536u + octets_[at + 1] * 256u + octets_[at + 2];
+    else
+      for (std::size_t n = at; n < at + 3; ++n) window = window << 8 | (n < octets_.size() ? octets_[n] : 0u);
     return window >> (8 - position_ % 8) & 0xffff;
   }
   void skip(int bits) { position_ += bits; }

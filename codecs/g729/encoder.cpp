@@ -12,12 +12,13 @@ namespace codecs::g729 {
 // A copy of the response for each pulse, all of the same length: silence stands before it
 FixedVector filterFourPulses(const Subframe& code, const std::array<Zpp16s, 2>& codeword, const Subframe& impulse) {
   std::array<Zpp16s, 2 * kSubframeSize> delayed{};
-  const auto response = std::ranges::copy(impulse, delayed.begin() + kSubframeSize).out - kSubframeSize;
+  Zpp16s* const response = delayed.data() + kSubframeSize;
+  std::ranges::copy(impulse, response);
   FixedVector vector = {code, {}};
   int signs = codeword[0];
   for (const int position : pulsePositions(codeword[1])) {
     const auto accumulate = signs & 1 ? zppsAdd_16s_I : zppsSub_16s_I;
-    require(accumulate(&*(response - position), vector.filtered.data(), kSubframeSize));
+    require(accumulate(response - position, vector.filtered.data(), kSubframeSize));
     signs >>= 1;
   }
   return vector;

@@ -69,6 +69,7 @@ struct SignedTarget {
   alignas(16) Zpp16s sign[kSubframe];
 
   explicit SignedTarget(const Zpp16s* target) {
+    // The values first, by track: signs and magnitudes then come eight at a time.
     for (int t = 0; t < kTracks; ++t)
       for (int i = 0; i < kPositions; ++i) magnitude[kPositions * t + i] = target[kTracks * i + t];
     for (int n = 0; n < kSubframe; ++n) sign[n] = static_cast<Zpp16s>(magnitude[n] >= 0 ? kMax16 : kMin16);
