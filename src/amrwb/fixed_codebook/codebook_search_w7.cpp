@@ -3,6 +3,7 @@
 
 #include "amrwb/arithmetic.h"
 #include "amrwb/fixed_codebook/kernels.h"
+#include "amrwb/fixed_codebook/lead_w7.h"
 #include "amrwb/fixed_codebook/search.h"
 #include "core/simd_w7.h"
 
@@ -222,6 +223,69 @@ void ownPulseGains_AMRWB_16s_W7(const Zpp16s* impulse, const Zpp16s* filteredCod
   }
 }
 
+PulsePair ownSearchPulsePair_AMRWB_16s_W7(const PulseTarget* target, int track, Zpp16s corr, Zpp16s energy, const Zpp16s* gain,
+                                          const Zpp16s* candidate) {
+  // The three terms that are added to the energy stay below 2^30 together.
+  if (energy >= 16383 || energy <= -16383) return ownSearchPulsePair_AMRWB_16s_PX(target, track, corr, energy, gain, candidate);
+  const Zpp16s *corr1 = target->corr + 16 * track, *corr2 = target->corr + 16 * ((track + 1) % 4);
+  const V zero = _mm_setzero_si128(), weights = pairOf(16384, 8192);  // of a cross term and of a gain
+  alignas(16) Zpp16s partCorr[16];
+  Zpp32s partEnergy[16];
+  V taken[2];
+  for (int half = 0; half < 2; ++half) {
+    store(partCorr + 8 * half, _mm_adds_epi16(_mm_set1_epi16(corr), load(corr1 + 8 * half)));
+    taken[half] = _mm_cmpeq_epi16(load(candidate + 8 * half), zero);
+  }
+  for (int i = 0; i < 16; ++i) partEnergy[i] = energy * 65536 + 0x8000 + gain[i] * 8192;
+
+  // The lanes are the second pulse's positions. Each keeps its best ratio as (energy, -square), and the row that it lies in.
+  struct {
+    V corr, gain, low, high, row;
+  } sides[2];
+  unrolled<2>([&](int side) __attribute__((always_inline)) {
+    sides[side] = {load(corr2 + 8 * side), load(gain + 16 + 8 * side), _mm_set1_epi16(1), _mm_set1_epi16(1), zero};
+  });
+  V least = _mm_set1_epi16(1);
+  auto rows = ~static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(taken[0], taken[1]))) & 0xffff;
+  for (; rows != 0; rows &= rows - 1) {
+    const int i = std::countr_zero(rows);
+    const V first = _mm_set1_epi16(partCorr[i]), part = _mm_set1_epi32(partEnergy[i]);
+    const V number = _mm_set1_epi16(static_cast<Zpp16s>(i));
+    const Zpp16s* const crossTerms = target->cross[track] + 16 * i;
+    unrolled<2>([&](int side) __attribute__((always_inline)) {
+      auto& s = sides[side];
+      const V sum = _mm_adds_epi16(first, s.corr), cross = load(crossTerms + 8 * side);
+      const V alpLow = _mm_add_epi32(part, _mm_madd_epi16(_mm_unpacklo_epi16(cross, s.gain), weights));
+      const V alpHigh = _mm_add_epi32(part, _mm_madd_epi16(_mm_unpackhi_epi16(cross, s.gain), weights));
+      const V alp = _mm_packs_epi32(_mm_srai_epi32(alpLow, 16), _mm_srai_epi32(alpHigh, 16));
+      least = _mm_min_epi16(least, alp);
+      const V square = mulQ15(sum, sum), minus = _mm_sub_epi16(zero, square);
+      const auto replace = [&](V & best, V ratio, V replacement) __attribute__((always_inline)) {
+        const V better = _mm_cmpgt_epi32(_mm_madd_epi16(ratio, best), zero);
+        best = _mm_xor_si128(best, _mm_and_si128(better, _mm_xor_si128(best, replacement)));
+        return better;
+      };
+      const V betterLow = replace(s.low, _mm_unpacklo_epi16(square, alp), _mm_unpacklo_epi16(alp, minus));
+      const V betterHigh = replace(s.high, _mm_unpackhi_epi16(square, alp), _mm_unpackhi_epi16(alp, minus));
+      s.row = _mm_max_epi16(s.row, _mm_and_si128(_mm_packs_epi32(betterLow, betterHigh), number));
+    });
+  }
+  // With energies above 0 ratios can be put in order, so that lanes may be compared in any.
+  if (_mm_movemask_epi8(_mm_cmpgt_epi16(_mm_set1_epi16(1), least)) != 0)
+    return ownSearchPulsePair_AMRWB_16s_PX(target, track, corr, energy, gain, candidate);
+
+  Lead leads[2][2];
+  unrolled<2>([&](int side) __attribute__((always_inline)) {
+    const V lanes = _mm_add_epi16(_mm_setr_epi16(0, 1, 2, 3, 4, 5, 6, 7), _mm_set1_epi16(static_cast<Zpp16s>(8 * side)));
+    const V place = _mm_or_si128(_mm_slli_epi16(sides[side].row, 4), lanes);
+    leads[side][0] = {sides[side].low, _mm_unpacklo_epi16(place, zero)};
+    leads[side][1] = {sides[side].high, _mm_unpackhi_epi16(place, zero)};
+    leads[side][0].meet(leads[side][1]);
+  });
+  leads[0][0].meet(leads[1][0]);
+  return leads[0][0].found();
+}
+
 namespace {
 
 // Candidates in the lanes of two registers, eight at a time in the order of the search, against the best one so far
@@ -250,41 +314,6 @@ struct PairContest {
 };
 
 }  // namespace
-
-PulsePair ownSearchPulsePair_AMRWB_16s_W7(const PulseTarget* target, int track, Zpp16s corr, Zpp16s energy, const Zpp16s* gain,
-                                          const Zpp16s* candidate) {
-  // The three terms that are added to the energy stay below 2^30 together.
-  if (energy >= 16383 || energy <= -16383) return ownSearchPulsePair_AMRWB_16s_PX(target, track, corr, energy, gain, candidate);
-  const Zpp16s *corr1 = target->corr + 16 * track, *corr2 = target->corr + 16 * ((track + 1) % 4);
-  const V zero = _mm_setzero_si128();
-  V corr2Lanes[2], gain2Low[2], gain2High[2];  // gains times 2^13
-  for (int side = 0; side < 2; ++side) {
-    corr2Lanes[side] = load(corr2 + 8 * side);
-    const V gain2 = load(gain + 16 + 8 * side);
-    gain2Low[side] = _mm_srai_epi32(_mm_unpacklo_epi16(zero, gain2), 3);
-    gain2High[side] = _mm_srai_epi32(_mm_unpackhi_epi16(zero, gain2), 3);
-  }
-  PulsePair best = {0, 0, 1};
-  PairContest contest;
-  for (int i = 0; i < 16; ++i) {
-    if (!candidate[i]) continue;
-    const V partCorr = _mm_set1_epi16(addSat16(corr, corr1[i]));
-    const V partEnergy = _mm_set1_epi32(energy * 65536 + 0x8000 + gain[i] * 8192);
-    const Zpp16s* cross = target->cross[track] + 16 * i;
-    unrolled<2>([&](int side) __attribute__((always_inline)) {
-      const V sum = _mm_adds_epi16(partCorr, corr2Lanes[side]), crossLanes = load(cross + 8 * side);
-      const V low =
-          _mm_add_epi32(_mm_add_epi32(partEnergy, gain2Low[side]), _mm_srai_epi32(_mm_unpacklo_epi16(zero, crossLanes), 2));
-      const V high =
-          _mm_add_epi32(_mm_add_epi32(partEnergy, gain2High[side]), _mm_srai_epi32(_mm_unpackhi_epi16(zero, crossLanes), 2));
-      const V alp = _mm_packs_epi32(_mm_srai_epi32(low, 16), _mm_srai_epi32(high, 16));
-      contest.enter(mulQ15(sum, sum), alp, [&](int lane) {
-        best = {static_cast<Zpp16s>(i), static_cast<Zpp16s>(8 * side + lane), contest.ratio.energy};
-      });
-    });
-  }
-  return contest.isOrdered() ? best : ownSearchPulsePair_AMRWB_16s_PX(target, track, corr, energy, gain, candidate);
-}
 
 PulsePair ownSearchTwoPulses_AMRWB_16s_W7(const PulseTarget* target, const Zpp16s* energy) {
   // Odd positions in their order: those of tracks 1 and 3 by turns
