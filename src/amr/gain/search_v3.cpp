@@ -1,8 +1,9 @@
 // Search of the gain codebooks: AVX2 kernel, sixteen rows at a time.
 #include "amr/gain/search.h"
-#include "core/simd_v3.h"
+#include "amr/least_v3.h"
 
 using namespace zpp;
+using namespace zpp::amr;
 
 namespace {
 
@@ -76,7 +77,8 @@ int search(const GainCriterion* criteria, const Zpp16s* table, int size, int sub
   constexpr int kRows = 16;
   const Weights first(criteria[0]), second(criteria[subframes - 1]);
   const W worst = _mm256_set1_epi32(INT32_MAX), most = _mm256_set1_epi16(limit), four = _mm256_set1_epi32(4);
-  W least = worst, best = _mm256_setzero_si256(), indices = _mm256_setr_epi32(0, 1, 2, 3, 8, 9, 10, 11);
+  LeastError least;
+  W numbers = _mm256_setr_epi32(0, 1, 2, 3, 8, 9, 10, 11);
   for (int n = 0; n < size; n += kRows) {
     const Zpp16s* rows = table + 4 * n;
     const Columns columns = transposed(rows);
@@ -94,23 +96,11 @@ int search(const GainCriterion* criteria, const Zpp16s* table, int size, int sub
       sums[0] = joined(load(exact), load(exact + 8)), sums[1] = joined(load(exact + 4), load(exact + 12));
     }
     const W masks[2] = {_mm256_unpacklo_epi16(excluded, excluded), _mm256_unpackhi_epi16(excluded, excluded)};
-    unrolled<2>([&](int half) __attribute__((always_inline)) {
-      const W sum = _mm256_blendv_epi8(sums[half], worst, masks[half]);
-      best = _mm256_blendv_epi8(best, half == 0 ? indices : _mm256_add_epi32(indices, four), _mm256_cmpgt_epi32(least, sum));
-      least = _mm256_min_epi32(least, sum);
-    });
-    indices = _mm256_add_epi32(indices, _mm256_set1_epi32(kRows));
+    least.take(_mm256_blendv_epi8(sums[0], worst, masks[0]), numbers);
+    least.take(_mm256_blendv_epi8(sums[1], worst, masks[1]), _mm256_add_epi32(numbers, four));
+    numbers = _mm256_add_epi32(numbers, _mm256_set1_epi32(kRows));
   }
-  // The first row of all that have the least error
-  W all = _mm256_min_epi32(least, _mm256_permute4x64_epi64(least, _MM_SHUFFLE(1, 0, 3, 2)));
-  all = _mm256_min_epi32(all, _mm256_shuffle_epi32(all, _MM_SHUFFLE(1, 0, 3, 2)));
-  all = _mm256_min_epi32(all, _mm256_shuffle_epi32(all, _MM_SHUFFLE(2, 3, 0, 1)));
-  const W others = _mm256_andnot_si256(_mm256_cmpeq_epi32(least, all), _mm256_set1_epi32(INT32_MAX));
-  const W rows = _mm256_or_si256(best, others);
-  V row = _mm_min_epi32(lowHalf(rows), highHalf(rows));
-  row = _mm_min_epi32(row, _mm_shuffle_epi32(row, _MM_SHUFFLE(1, 0, 3, 2)));
-  row = _mm_min_epi32(row, _mm_shuffle_epi32(row, _MM_SHUFFLE(2, 3, 0, 1)));
-  return _mm_cvtsi128_si32(row);
+  return least.found();
 }
 
 }  // namespace
