@@ -78,8 +78,9 @@ void ownToeplizMatrix_GSMAMR_16s_PX(const Zpp16s* impulse, const Zpp16s* sign, Z
       for (int i = 0; i < kSubframe; ++i) row[i] = static_cast<Zpp16s>((row[i] * factor[i]) >> 15);
       continue;
     }
+    const TrackPairs ofTrack = pairs >> kFiveTracks.trackOf(slot) * 5;
     for (int first = 0; first < kSubframe; first += 8) {
-      if ((pairs >> (grid.trackOf(slot) * 5 + first / 8) & 1) == 0) continue;
+      if ((ofTrack >> first / 8 & 1) == 0) continue;
       for (int i = first; i < first + 8; ++i) row[i] = static_cast<Zpp16s>((row[i] * factor[i]) >> 15);
     }
   }
