@@ -55,14 +55,18 @@ Zpp16s limited(Output output) {
   return static_cast<Zpp16s>(output);
 }
 
-// x / 2 + gamma * y in Q15, y the output before: of magnitude 2^29 and 2^30 at the most
+// x / 2 + gamma * y in Q15, y the output before: of magnitude 2^29 and 2^30 at the most. Two factors of -32768 saturate.
 constexpr Zpp32s deemphasised(Zpp16s x, Zpp16s gamma, Zpp16s y) { return (x * 16384 + gamma * y + 0x4000) >> 15; }
 
 }  // namespace
 
 void ownDeemphasize_AMRWB_16s_I(Zpp16s* srcDst, int len, Zpp16s gamma, Zpp16s* mem) {
   Zpp16s y = *mem;
-  for (int n = 0; n < len; ++n) srcDst[n] = y = limited(deemphasised(srcDst[n], gamma, y));
+  if (gamma == kMin16) [[unlikely]] {
+    for (int n = 0; n < len; ++n) srcDst[n] = y = roundHigh16(macDbl(mulDbl(srcDst[n], 16384), y, gamma));
+  } else {
+    for (int n = 0; n < len; ++n) srcDst[n] = y = limited(deemphasised(srcDst[n], gamma, y));
+  }
   *mem = y;
 }
 

@@ -41,7 +41,7 @@ void ownHighPassFilterInit_AMRWB_16s(const Zpp16s* coef, int order, void* state)
 void ownHighPassFilter_AMRWB_16s_I(Zpp16s* srcDst, int len, int shift, void* state);
 void ownHighPassFilterScale_AMRWB_16s(int shift, void* state);
 void ownDeemphasize_AMRWB_16s_I(Zpp16s* srcDst, int len, Zpp16s gamma, Zpp16s* mem);
-// Two signals side by side: neither waits for the other.
+// Two signals side by side: neither waits for the other. gamma above -32768.
 void ownDeemphasizeTwo_AMRWB_16s_I(Zpp16s* srcDst1, Zpp16s* srcDst2, int len, Zpp16s gamma, Zpp16s mem1, Zpp16s mem2);
 void ownDeemphasize_AMRWB_32s16s(const Zpp32s* src, Zpp16s* dst, int len, Zpp16s gamma, Zpp16s* mem);
 void ownHarmonicFilter_AMRWB_16s_I(Zpp16s gain, int lag, Zpp16s* srcDst, int len);
