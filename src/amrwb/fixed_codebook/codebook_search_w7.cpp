@@ -194,7 +194,8 @@ void ownPulseCorrelations_AMRWB_16s_W7(const Zpp16s* impulse, PulseTarget* targe
           transpose(upper);
         }
         const V columnSigns = load(sign2 + 8 * side);
-        unrolled<8>([&](int k) __attribute__((always_inline)) {
+        unrolled<8>([&](auto row) __attribute__((always_inline)) {
+          constexpr int k = decltype(row)::value;
           V value = load(rows + 16 * k);
           if (block < side) value = upper[k];
           if (block == side) value = select(load(kept - k), value, upper[k]);
