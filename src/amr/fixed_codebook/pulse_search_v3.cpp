@@ -15,7 +15,6 @@ W loadTwo(const Zpp16s* first, const Zpp16s* second) { return joined(load(first)
 W both(Zpp16s x) { return _mm256_set1_epi16(x); }
 W both(Zpp16s low, Zpp16s high) { return _mm256_broadcastsi128_si256(weights(low, high)); }
 W isAbove(W x, Zpp16s limit) { return _mm256_cmpgt_epi16(x, both(limit)); }
-bool any(W mask) { return _mm256_testz_si256(mask, mask) == 0; }
 W magnitudes(W x) { return _mm256_max_epi16(x, _mm256_subs_epi16(_mm256_setzero_si256(), x)); }
 template <int Lanes>
 W pick(W a, W b) {
@@ -64,7 +63,10 @@ W prepare(const PairSearch& search, const Zpp16s* diagonal, const TwoTasks& two,
   W outerHigh = _mm256_add_epi32(before, _mm256_madd_epi16(_mm256_unpackhi_epi16(ofOuter, ones), outerOwn));
   W innerLow = _mm256_madd_epi16(_mm256_unpacklo_epi16(ofInner, ones), innerOwn);
   W innerHigh = _mm256_madd_epi16(_mm256_unpackhi_epi16(ofInner, ones), innerOwn);
-  W highest = _mm256_setzero_si256(), lowest = highest;
+  const auto weighted = [](W entries, Zpp16s weight) {  // in magnitude, truncated
+    return _mm256_mulhi_epu16(_mm256_abs_epi16(entries), both(static_cast<Zpp16s>(2 * weight)));
+  };
+  W innerMagnitudes = weighted(ofInner, step.inner.own);
   unrolled<kCount / 2>([&](int pair) {
     const int j = 2 * pair;
     const W outer0 = loadTwo(rowsA[j] + a->outerTrack, rowsB[j] + b->outerTrack);
@@ -76,21 +78,13 @@ W prepare(const PairSearch& search, const Zpp16s* diagonal, const TwoTasks& two,
     innerLow = _mm256_add_epi32(innerLow, _mm256_madd_epi16(_mm256_unpacklo_epi16(inner0, inner1), innerEach));
     innerHigh = _mm256_add_epi32(innerHigh, _mm256_madd_epi16(_mm256_unpackhi_epi16(inner0, inner1), innerEach));
     if constexpr (step.innerMayExceed) {
-      highest = _mm256_max_epi16(highest, _mm256_max_epi16(inner0, inner1));
-      lowest = _mm256_min_epi16(lowest, _mm256_min_epi16(inner0, inner1));
+      innerMagnitudes = _mm256_adds_epi16(innerMagnitudes, weighted(inner0, step.inner.each));
+      innerMagnitudes = _mm256_adds_epi16(innerMagnitudes, weighted(inner1, step.inner.each));
     }
   });
   const W inner = _mm256_packs_epi32(_mm256_srai_epi32(innerLow, 15), _mm256_srai_epi32(innerHigh, 15));
   W wrong = _mm256_setzero_si256();
-  if constexpr (step.innerMayExceed) {
-    constexpr int kHarmless = harmlessEntry<Level>;
-    if (any(_mm256_or_si256(isAbove(highest, kHarmless), _mm256_cmpgt_epi16(both(-kHarmless), lowest)))) {
-      const auto mask = [&](const Zpp16s* const* rows, int slot) {
-        return reachesFullScale<kCount>(diagonal + slot, rows, slot, step.inner) ? _mm_set1_epi16(-1) : _mm_setzero_si128();
-      };
-      wrong = joined(mask(rowsA, a->innerTrack), mask(rowsB, b->innerTrack));
-    }
-  }
+  if constexpr (step.innerMayExceed) wrong = isAbove(innerMagnitudes, kMostMagnitudes);
   if constexpr (step.energyMayExceed) {
     const W outer = _mm256_packs_epi32(_mm256_srai_epi32(outerLow, 15), _mm256_srai_epi32(outerHigh, 15));
     wrong = _mm256_or_si256(

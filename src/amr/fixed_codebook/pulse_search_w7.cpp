@@ -160,7 +160,10 @@ bool prepare(const PairSearch& search, const Zpp16s* diagonal, const PairTask& t
     V outerHigh = _mm_add_epi32(before, _mm_madd_epi16(_mm_unpackhi_epi16(ofOuter, ones), outerOwn));
     V innerLow = _mm_madd_epi16(_mm_unpacklo_epi16(ofInner, ones), innerOwn);
     V innerHigh = _mm_madd_epi16(_mm_unpackhi_epi16(ofInner, ones), innerOwn);
-    V highest = _mm_setzero_si128(), lowest = highest;
+    const auto weighted = [](V entries, Zpp16s weight) {  // in magnitude, truncated
+      return _mm_mulhi_epi16(magnitudes(entries), _mm_set1_epi16(static_cast<Zpp16s>(2 * weight)));
+    };
+    V innerMagnitudes = weighted(ofInner, step.inner.own);
     unrolled<kCount / 2>([&](int pair) {
       const Zpp16s *const row0 = rows[2 * pair], *const row1 = rows[2 * pair + 1];
       const V outer0 = load(row0 + outerSlot), outer1 = load(row1 + outerSlot);
@@ -170,16 +173,12 @@ bool prepare(const PairSearch& search, const Zpp16s* diagonal, const PairTask& t
       innerLow = _mm_add_epi32(innerLow, _mm_madd_epi16(_mm_unpacklo_epi16(inner0, inner1), innerEach));
       innerHigh = _mm_add_epi32(innerHigh, _mm_madd_epi16(_mm_unpackhi_epi16(inner0, inner1), innerEach));
       if constexpr (step.innerMayExceed) {
-        highest = _mm_max_epi16(highest, _mm_max_epi16(inner0, inner1));
-        lowest = _mm_min_epi16(lowest, _mm_min_epi16(inner0, inner1));
+        innerMagnitudes = _mm_adds_epi16(innerMagnitudes, weighted(inner0, step.inner.each));
+        innerMagnitudes = _mm_adds_epi16(innerMagnitudes, weighted(inner1, step.inner.each));
       }
     });
     const V inner = _mm_packs_epi32(_mm_srai_epi32(innerLow, 15), _mm_srai_epi32(innerHigh, 15));
-    if constexpr (step.innerMayExceed) {
-      constexpr Zpp16s kHarmless = harmlessEntry<Level>;
-      const V beyond = _mm_or_si128(isAbove(highest, kHarmless), _mm_cmpgt_epi16(_mm_set1_epi16(-kHarmless), lowest));
-      if (any(beyond) && reachesFullScale<kCount>(diagonal + innerSlot, rows, innerSlot, step.inner)) return false;
-    }
+    if (step.innerMayExceed && any(isAbove(innerMagnitudes, kMostMagnitudes))) return false;
     if constexpr (step.energyMayExceed) {
       const V outer = _mm_packs_epi32(_mm_srai_epi32(outerLow, 15), _mm_srai_epi32(outerHigh, 15));
       if (any(_mm_or_si128(isAbove(magnitudes(outer), kMostOuterEnergy), isAbove(magnitudes(inner), kMostInnerSum))))

@@ -26,21 +26,9 @@ inline V magnitudes(V x) { return _mm_max_epi16(x, _mm_subs_epi16(_mm_setzero_si
 inline V isAbove(V x, Zpp16s limit) { return _mm_cmpgt_epi16(x, _mm_set1_epi16(limit)); }
 inline bool any(V mask) { return _mm_movemask_epi8(mask) != 0; }
 
-// Whether a sum of the magnitudes of the weighted entries of one more pulse with those placed before may reach full scale
-template <int Count>
-bool reachesFullScale(const Zpp16s* own, const Zpp16s* const* rows, int slot, PairStep::Weights weight) {
-  const auto weighted = [](const Zpp16s* p, Zpp16s w) {
-    return _mm_mulhi_epi16(magnitudes(load(p)), _mm_set1_epi16(static_cast<Zpp16s>(2 * w)));
-  };
-  V sum = weighted(own, weight.own);
-  for (int j = 0; j < Count; ++j) sum = _mm_adds_epi16(sum, weighted(rows[j] + slot, weight.each));
-  return any(isAbove(sum, kMax16 - 16));  // each term was truncated
-}
-
-// Entries of this magnitude, and a diagonal entry of any, add up to less than full scale.
-template <int Level>
-inline constexpr Zpp16s harmlessEntry = static_cast<Zpp16s>((32767 * (32768 - kPairSteps[Level].inner.own) - 0x4000) /
-                                                            ((2 * Level + 2) * kPairSteps[Level].inner.each));
+// The weighted entries of one more pulse with up to eight placed before and itself, in magnitude: no partial sum reaches full
+// scale. Each is truncated.
+inline constexpr Zpp16s kMostMagnitudes = kMax16 - 16;
 // Energies of 0.7, a quarter of an inner sum of 0.9 and a sixteenth of an entry stay below 1.
 inline constexpr Zpp16s kMostOuterEnergy = 22937, kMostInnerSum = 29491;
 
