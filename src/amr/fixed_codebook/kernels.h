@@ -27,7 +27,7 @@
   KERNEL(ownSearchOptimalPulsePos_M102M122_GSMAMR_16s, W7_V3,                                                             \
          void(const Zpp16s* corr, const Zpp16s* matrix, const Zpp16s* trackBest, const Zpp16s* trackOrder, Zpp16s* slots, \
               int pulses, int tracks))                                                                                    \
-  KERNEL(ownFilteredCode_GSMAMR_16s, W7,                                                                                  \
+  KERNEL(ownFilteredCode_GSMAMR_16s, W7_V3,                                                                               \
          void(const Zpp16s* impulse, const Zpp16s* positions, const Zpp16s* weights, int pulses, Zpp16s* filtered))       \
   KERNEL(ownTargetSignalCorr_X2_GSMAMR_16s, W7,                                                                           \
          void(const Zpp16s* target, const Zpp16s* impulse, Zpp16s* corr, int guardBits, const Grid& grid))                \
