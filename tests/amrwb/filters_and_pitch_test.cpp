@@ -101,7 +101,7 @@ TEST(AdaptiveCodebookDecoding, OrdersTheLagsOfAllIndices) {
     for (int index = 0; index < indices; ++index) {
       State state(24);
       zppsAdaptiveCodebookDecodeInit_AMRWB_16s(state.get());
-      const auto decode = [&](int coded, int subframe) {
+      const auto decode = [&, rate = rate](int coded, int subframe) {  // Clang does not capture it by itself
         Zpp16s lag = 0, fraction = 0;
         zppsAdaptiveCodebookDecode_AMRWB_16s(static_cast<Zpp16s>(coded), gains.data(), excitation.data() + 248, &lag, &fraction,
                                              subframe, 0, 0, state.get(), rate);
