@@ -8,9 +8,10 @@
 #include <cmath>
 #include <functional>
 #include <limits>
-#include <map>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "exports/export_table.h"
 #include "fuzz.h"
@@ -24,22 +25,25 @@ namespace {
 
 using Number = std::int64_t;
 
-// The scalars of a call by their names
+// The scalars of a call by their names; few, and no map, whose library code the memory sanitizer does not know
 class Values {
  public:
-  void set(const std::string& name, Number value) { values_[name] = value; }
+  void set(const std::string& name, Number value) {
+    std::erase_if(values_, [&](const auto& known) { return known.first == name; });
+    values_.emplace_back(name, value);
+  }
   Number operator[](const char* name) const {
-    const auto found = values_.find(name);
+    const auto found = std::ranges::find(values_, name, &std::pair<std::string, Number>::first);
     expect(found != values_.end(), name);
     return found->second;
   }
   // Those of the call that started a state, as state.<name>
   void addAsState(const Values& started) {
-    for (const auto& [name, value] : started.values_) values_["state." + name] = value;
+    for (const auto& [name, value] : started.values_) set("state." + name, value);
   }
 
  private:
-  std::map<std::string, Number, std::less<>> values_;
+  std::vector<std::pair<std::string, Number>> values_;
 };
 
 Number floorDiv(Number a, Number b) { return a / b - (a % b != 0 && (a < 0) != (b < 0) ? 1 : 0); }
