@@ -6,6 +6,13 @@ function(zppsc_libraries name)
 
   # Loops of few and fixed steps are written out, as other compilers do by themselves: a third more code, a twentieth faster.
   target_compile_options(${name}_objects PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fpeel-loops>)
+  # GCC copies and clears states and buffers of more than some 100 octets by instructions that take longer to start than stores
+  # of 16 octets take for all of it: one to four hundredths of a codec's time.
+  if(ZPPSC_PROCESSOR STREQUAL "x86")
+    set(stores "vector_loop:1024:noalign,libcall:-1:noalign")
+    target_compile_options(${name}_objects PRIVATE
+      $<$<CXX_COMPILER_ID:GNU>:-mmemcpy-strategy=${stores}> $<$<CXX_COMPILER_ID:GNU>:-mmemset-strategy=${stores}>)
+  endif()
 
   # Neither the C++ runtime nor start-up files: a library has no constructors, no writable data and needs libc and libm alone.
   add_library(${name} SHARED)

@@ -79,14 +79,15 @@ class Signal {
   int second_, left_ = 0, kind_ = 0, level_ = 0, period_ = 1, pole_ = 0, n_ = 0, first_ = 0, second1_ = 0;
 };
 
-// Losses of 5 in a hundred frames, at times in bursts
+// One loss in 25 frames, at times in bursts, or for so long that comfort noise is muted
 class Line {
  public:
   explicit Line(std::uint64_t seed) : random_(seed) {}
   bool loses() {
     if (burst_ > 0) return --burst_, true;
     if (random_.below(25) != 0) return false;
-    burst_ = random_.below(8) == 0 ? random_.below(12) : 0;
+    const int kind = random_.below(32);
+    burst_ = kind < 4 ? random_.below(12) : kind == 4 ? 60 + random_.below(60) : 0;
     return true;
   }
 
@@ -116,7 +117,7 @@ Result soak(const ZppcCodec& codec, const ZppcOptions& options, long frames) {
   const int size = codecs::framing::packetSamples(codec);
   const int room = codec.maxPayload * (size / codec.frameSamples);
   Signal signal(codec.sampleRate, static_cast<std::uint64_t>(options.bitRate) + 1);
-  Line line(7);
+  Line line(static_cast<std::uint64_t>(options.bitRate) + 7);
   Random rates(3);
   std::vector<std::int16_t> pcm(static_cast<std::size_t>(size)), heard(pcm.size());
   std::vector<unsigned char> payload(static_cast<std::size_t>(room));

@@ -13,7 +13,7 @@ struct SidGain {
 // The energy of a frame's LP residual, energy * 2^-exponent
 struct ResidualEnergy {
   Zpp16s energy = 0;
-  int exponent = 40;
+  Zpp16s exponent = 40;
 };
 // Over the last one or two frames
 SidGain quantiseSidGain(std::span<const ResidualEnergy> energies);

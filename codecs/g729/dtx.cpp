@@ -31,7 +31,7 @@ Dtx::Autocorrelation Dtx::sum(std::span<const Autocorrelation> terms) {
   for (const auto& term : terms)
     for (int i = 0; i <= kOrder; ++i) sums[i] = addSat32(sums[i], shlSat32(term.lags[i], exponent - term.exponent));
   const int norm = norm32(sums[0]);
-  Autocorrelation result{.exponent = exponent + norm - 16};
+  Autocorrelation result{.exponent = static_cast<Zpp16s>(exponent + norm - 16)};
   std::ranges::transform(sums, result.lags.begin(), [norm](Zpp32s sum) { return high16(shlSat32(sum, norm)); });
   return result;
 }
@@ -65,7 +65,7 @@ void Dtx::accept(const Correlations& correlations, bool speech) {
   if (speech_) noise_.restart();
 
   frames_[1] = frames_[0];
-  frames_[0] = {correlations.original, -(16 + correlations.exponent)};
+  frames_[0] = {correlations.original, static_cast<Zpp16s>(-(16 + correlations.exponent))};
   secondOfPair_ = !secondOfPair_;
   if (secondOfPair_ && speech_) pushSum();
 }
@@ -129,7 +129,7 @@ Dtx::Reference::Reference(const Filter& a) {
     return sum;
   };
   const Zpp32s energy = correlation(0);
-  exponent_ = norm32(energy);
+  exponent_ = static_cast<Zpp16s>(norm32(energy));
   for (int lag = 0; lag <= kOrder; ++lag) correlations_[lag] = roundHigh16(shlSat32(correlation(lag), exponent_));
 }
 

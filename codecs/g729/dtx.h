@@ -37,7 +37,7 @@ class Dtx {
   // Values with a common scale, value * 2^-exponent
   struct Autocorrelation {
     std::array<Zpp16s, kOrder + 1> lags{};
-    int exponent = 40;
+    Zpp16s exponent = 40;
   };
   static Autocorrelation sum(std::span<const Autocorrelation> terms);
   static Filter solve(const Autocorrelation& autocorrelation, Coder& coder, Zpp16s& energy);
@@ -61,7 +61,7 @@ class Dtx {
 
    private:
     std::array<Zpp16s, kOrder + 1> correlations_{};
-    int exponent_ = 0;
+    Zpp16s exponent_ = 0;
   };
 
   VoiceActivityDetector vad_;

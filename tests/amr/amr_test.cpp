@@ -2,14 +2,18 @@
 // lag, the rule of erased frames, and the parts of the correlation matrix.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
+#include <functional>
 #include <numeric>
 #include <random>
 
 #include "amr/fixed_codebook/kernels.h"
+#include "amr/lsp/kernels.h"
 #include "amr/pitch/kernels.h"
 #include "amr/pitch/lag_coding.h"
 #include "core/fixed_point.h"
+#include "lpc/tables.h"
 #include "support/golden.h"
 #include "support/guarded.h"
 #include "zppsc.h"
@@ -130,8 +134,7 @@ TEST(LagCoding, RoundTrip) {
           check({samples, fraction}, LagCoding::delta, near, resolution == 3 ? 32 : 61);
       if (resolution == 6) continue;
       for (int samples = wide.min; samples <= wide.max; ++samples)
-        for (int fraction = first; fraction <= last; ++fraction)
-          check({samples, fraction}, LagCoding::delta, wide, 64);
+        for (int fraction = first; fraction <= last; ++fraction) check({samples, fraction}, LagCoding::delta, wide, 64);
       const int centre = centreOf(near);
       for (int samples = near.min; samples <= near.max; ++samples)
         for (int fraction = first; fraction <= last; ++fraction) {
@@ -279,6 +282,26 @@ TEST(PulseSearch, GoesOnWithTheFirstOfEqualQuotients) {
     ownSearchOptimalPulsePos_M102M122_GSMAMR_16s(corr.data(), matrix.data(), trackBest.data(), trackOrder.data(), slots.data(),
                                                  pulses, tracks);
     ASSERT_EQ(slots, expected) << "run " << run;
+  }
+}
+
+// The standard walks down from the interval of the LSP before, and so never back up where LSPs are out of order.
+TEST(Lsf, ComesOfTheIntervalThatAWalkFinds) {
+  std::mt19937 random(7);
+  const auto number = [&](int least, int most) { return std::uniform_int_distribution<int>(least, most)(random); };
+  for (int run = 0; run < 20000; ++run) {
+    Zpp16s lsp[10], lsf[10];
+    for (Zpp16s& x : lsp)
+      x = static_cast<Zpp16s>(run % 3 == 0 ? std::clamp(cos15[number(0, 64)] + number(-1, 1), -32768, 32767)
+                                           : number(-32768, 32767));
+    if (run % 2 == 0) std::sort(lsp, lsp + 10, std::greater<>());
+    ownLSPToLSF_GSMAMR_16s(lsp, lsf);
+    for (int i = 9, interval = 63; i >= 0; --i) {
+      while (cos15[interval] < lsp[i]) --interval;
+      const Zpp16s offset = zpp::subSat16(lsp[i], cos15[interval]);
+      const Zpp32s steps = zpp::shlSat32(zpp::mulDbl(offset, acos12[interval]), 3);
+      ASSERT_EQ(lsf[i], zpp::addSat16(zpp::roundHigh16(steps), interval * 256)) << i;
+    }
   }
 }
 

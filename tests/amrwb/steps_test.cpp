@@ -156,4 +156,27 @@ TEST(Steps, FineSynthesisIsThatOfTheStepsOnBothSidesOfTheBound) {
   }
 }
 
+// Extremes of sample, factor and memory, a signal by itself and beside another
+TEST(Steps, DeemphasisIsThatOfTheSteps) {
+  for (int run = 0; run < 2000; ++run) {
+    constexpr int kLen = 64;
+    const Zpp16s gamma = run % 2 == 0 ? Zpp16s{22282} : extreme(number(-1, 0));
+    const Zpp16s past[2] = {extreme(number(-1, 0)), extreme(number(-1, 0))};
+    V16 signals[2], alone[2], expected[2];
+    for (int k = 0; k < 2; ++k) {
+      for (int n = 0; n < kLen; ++n) signals[k].push_back(extreme(run % 3 == 0 ? number(-1, 0) : past[k]));
+      alone[k] = signals[k];
+      Zpp16s y = past[k], mem = past[k];
+      for (const Zpp16s x : signals[k]) expected[k].push_back(y = roundHigh16(macDbl(mulDbl(x, 16384), y, gamma)));
+      ownDeemphasize_AMRWB_16s_I(alone[k].data(), kLen, gamma, &mem);
+      ASSERT_EQ(alone[k], expected[k]);
+      ASSERT_EQ(mem, y);
+    }
+    if (gamma == -32768) continue;
+    ownDeemphasizeTwo_AMRWB_16s_I(signals[0].data(), signals[1].data(), kLen, gamma, past[0], past[1]);
+    ASSERT_EQ(signals[0], expected[0]);
+    ASSERT_EQ(signals[1], expected[1]);
+  }
+}
+
 }  // namespace

@@ -106,6 +106,12 @@ DRIVE(ownPreemphasize_AMRWB_16s_I, {{1, 7, 8, 9, 64, 268}, {64, 268}}) {
   // Where the product of two of -32768 saturates, it is seen in the last bit of a sample that is shifted up to the top.
   rig.run(rig.inOut<Zpp16s>(n), n, gamma, rig.scalar(0, 1) == 0 ? 15 : rig.scalar(0, 14), mem);
 }
+DRIVE(ownPreemphasisScale_AMRWB_16s, {{1, 7, 8, 9, 64, 320}, {320}}) {
+  const auto gamma = static_cast<Zpp16s>(rig.scalar(0, 3) == 0 ? -32768 + rig.scalar(0, 1) : rig.scalar(-32768, 32767));
+  const auto most = static_cast<Zpp16s>(32767 >> rig.scalar(0, 15));
+  const auto* src = rig.template in<Zpp16s>(n, static_cast<Zpp16s>(-most - 1), most);
+  rig.run(src, n, gamma, static_cast<Zpp16s>(rig.scalar(-most - 1, most)));
+}
 DRIVE(ownResidualFilter_AMRWB_16s, {{1, 7, 8, 9, 16, 31, 64, 256}, {64, 256}}) {
   rig.run(filter(rig, 16), within(rig, n, level(rig), 16), rig.out<Zpp16s>(n), n);
 }

@@ -192,7 +192,8 @@ constexpr DenseMode kMode122 = {kFiveTracks, 4096, 8192, -8192, pack122};
 
 // Orders the two pulses of each track so that their order tells the second sign: equal signs by ascending position, others by
 // descending position.
-void orderTrackPulses(const Grid& grid, const Zpp16s* slots, const Zpp16s* sign, int* numbers, bool* negative) {
+template <const Grid& grid>
+void orderTrackPulses(const Zpp16s* slots, const Zpp16s* sign, int* numbers, bool* negative) {
   int pairs[5][2] = {}, count[5] = {};
   for (int k = 0; k < 2 * grid.tracks; ++k) {
     const int track = grid.trackOf(slots[k]);
@@ -208,10 +209,11 @@ void orderTrackPulses(const Grid& grid, const Zpp16s* slots, const Zpp16s* sign,
   }
 }
 
-void searchDense(const DenseMode& mode, const Zpp16s* target, const Zpp16s* ltpResidual, const Zpp16s* impulse, Zpp16s* code,
-                 Zpp16s* filteredCode, Zpp16s* codeword) {
-  const Grid& grid = mode.grid;
-  const int pulses = 2 * grid.tracks;
+template <const DenseMode& mode>
+void searchDense(const Zpp16s* target, const Zpp16s* ltpResidual, const Zpp16s* impulse, Zpp16s* code, Zpp16s* filteredCode,
+                 Zpp16s* codeword) {
+  constexpr const Grid& grid = mode.grid;
+  constexpr int pulses = 2 * grid.tracks;
   Zpp16s corr[kSubframe], sign[kSubframe], trackBest[5], trackOrder[10], slots[10], positions[10], weights[10];
   alignas(16) Zpp16s matrix[kSubframe * kSubframe];
   ownTargetSignalCorr_X2_GSMAMR_16s(target, impulse, corr, 2, grid);
@@ -229,7 +231,7 @@ void searchDense(const DenseMode& mode, const Zpp16s* target, const Zpp16s* ltpR
   }
   int numbers[10] = {};
   bool negative[5] = {};
-  orderTrackPulses(grid, slots, sign, numbers, negative);
+  orderTrackPulses<grid>(slots, sign, numbers, negative);
   mode.pack(numbers, negative, codeword);
   ownFilteredCode_GSMAMR_16s(impulse, positions, weights, pulses, filteredCode);
 }
@@ -259,10 +261,10 @@ void ownAlgebraicCodebookSearch_GSMAMR_16s(int lag, Zpp16s gain, const Zpp16s* t
       searchSparse(kMode74, target, impulse, code, filteredCode, codeword);
       break;
     case ZPP_RATE_10200:
-      searchDense(kMode102, target, ltpResidual, impulse, code, filteredCode, codeword);
+      searchDense<kMode102>(target, ltpResidual, impulse, code, filteredCode, codeword);
       break;
     default:
-      searchDense(kMode122, target, ltpResidual, impulse, code, filteredCode, codeword);
+      searchDense<kMode122>(target, ltpResidual, impulse, code, filteredCode, codeword);
       break;
   }
   if (sharpened) ownHarmonicFilter_16s(sharpening, lag, code + lag, kSubframe - lag);

@@ -13,7 +13,9 @@ bool ownScaleResponse_GSMAMR_16s(const Zpp16s* impulse, Zpp16s* scaled) {
     ownRShiftC_16s(impulse, scaled, kSubframe, 1);
   } else {
     const Zpp16s k = mulQ15(high16(shlSat32(ownInvSqrt(energy >> 1), 7)), 32440);  // 0.99 in Q15
-    for (int n = 0; n < kSubframe; ++n) scaled[n] = sat16((impulse[n] * k + 32) >> 6);
+    Zpp32s products[kSubframe];
+    for (int n = 0; n < kSubframe; ++n) products[n] = (impulse[n] * k + 32) >> 6;
+    for (int n = 0; n < kSubframe; ++n) scaled[n] = sat16(products[n]);
   }
   // By Cauchy and Schwarz no partial sum of products exceeds the energy.
   return ownDotProd_16s(scaled, scaled, kSubframe) >= (1 << 30) - 1;
@@ -76,8 +78,9 @@ void ownToeplizMatrix_GSMAMR_16s_PX(const Zpp16s* impulse, const Zpp16s* sign, Z
       for (int i = 0; i < kSubframe; ++i) row[i] = static_cast<Zpp16s>((row[i] * factor[i]) >> 15);
       continue;
     }
+    const TrackPairs ofTrack = pairs >> kFiveTracks.trackOf(slot) * 5;
     for (int first = 0; first < kSubframe; first += 8) {
-      if ((pairs >> (grid.trackOf(slot) * 5 + first / 8) & 1) == 0) continue;
+      if ((ofTrack >> first / 8 & 1) == 0) continue;
       for (int i = first; i < first + 8; ++i) row[i] = static_cast<Zpp16s>((row[i] * factor[i]) >> 15);
     }
   }

@@ -12,14 +12,13 @@ struct Grid {
       const int slot = n % tracks * perTrack + n / tracks;
       slotOf[n] = static_cast<Zpp8u>(slot);
       positionOf[slot] = static_cast<Zpp8u>(n);
-      track[n] = static_cast<Zpp8u>(n % tracks);
     }
   }
-  constexpr int trackOf(int slot) const { return track[positionOf[slot]]; }
-  constexpr int numberOf(int slot) const { return slot - trackOf(slot) * perTrack; }
+  constexpr int trackOf(int slot) const { return slot / perTrack; }
+  constexpr int numberOf(int slot) const { return slot % perTrack; }
 
   int tracks, perTrack;
-  Zpp8u slotOf[kSubframe] = {}, positionOf[kSubframe] = {}, track[kSubframe] = {};  // the track is that of a position
+  Zpp8u slotOf[kSubframe] = {}, positionOf[kSubframe] = {};
 };
 
 inline constexpr Grid kFiveTracks(5), kFourTracks(4);

@@ -19,15 +19,15 @@
 // ownSetSign_M102M122: signs from correlation and LTP residual together (set_sign12k2); trackBest and trackOrder as the search
 //   takes them.
 #define ZPP_AMR_FIXED_CODEBOOK_KERNELS(KERNEL)                                                                            \
-  KERNEL(ownToeplizMatrix_GSMAMR_16s, W7,                                                                                 \
+  KERNEL(ownToeplizMatrix_GSMAMR_16s, W7_V3,                                                                              \
          void(const Zpp16s* impulse, const Zpp16s* sign, Zpp16s* matrix, int tracks, TrackPairs pairs))                   \
   KERNEL(ownSearchOptimalPulsePos_GSMAMR_16s, W7,                                                                         \
          void(const Zpp16s* corr, const Zpp16s* candidate, const Zpp16s* matrix, const Zpp8u* sequences, int count,       \
               int pulses, Zpp16s* slots))                                                                                 \
-  KERNEL(ownSearchOptimalPulsePos_M102M122_GSMAMR_16s, W7,                                                                \
+  KERNEL(ownSearchOptimalPulsePos_M102M122_GSMAMR_16s, W7_V3,                                                             \
          void(const Zpp16s* corr, const Zpp16s* matrix, const Zpp16s* trackBest, const Zpp16s* trackOrder, Zpp16s* slots, \
               int pulses, int tracks))                                                                                    \
-  KERNEL(ownFilteredCode_GSMAMR_16s, W7,                                                                                  \
+  KERNEL(ownFilteredCode_GSMAMR_16s, W7_V3,                                                                               \
          void(const Zpp16s* impulse, const Zpp16s* positions, const Zpp16s* weights, int pulses, Zpp16s* filtered))       \
   KERNEL(ownTargetSignalCorr_X2_GSMAMR_16s, W7,                                                                           \
          void(const Zpp16s* target, const Zpp16s* impulse, Zpp16s* corr, int guardBits, const Grid& grid))                \

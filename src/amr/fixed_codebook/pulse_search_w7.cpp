@@ -4,36 +4,22 @@
 #include <bit>
 
 #include "amr/fixed_codebook/kernels.h"
-#include "amr/fixed_codebook/pulse_search.h"
-#include "core/simd_w7.h"
+#include "amr/fixed_codebook/pulse_search_w7.h"
 
 using namespace zpp;
+using namespace zpp::amr;
 
 namespace {
 
 // Criteria as square (low) and energy (high) of 32-bit lanes
 V pairsLow(V square, V energy) { return _mm_unpacklo_epi16(square, energy); }
 V pairsHigh(V square, V energy) { return _mm_unpackhi_epi16(square, energy); }
-// Energy (low) and negated square (high)
-V swapNegated(V pairs) {
-  const V swapped = swappedPairs(pairs);
-  const V highHalves = _mm_set1_epi32(static_cast<int>(0xffff0000));
-  return _mm_sub_epi16(_mm_xor_si128(swapped, highHalves), highHalves);
-}
-template <int Lanes>
-V pick(V a, V b) {
-  return _mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(a), _mm_castsi128_ps(b), Lanes));
-}
 // Plays lanes 0 and 1, 2 and 3 of a, then of b, against each other; the later one must be better to win.
 V winners(V a, V b) {
   const V earlier = pick<_MM_SHUFFLE(2, 0, 2, 0)>(a, b), later = pick<_MM_SHUFFLE(3, 1, 3, 1)>(a, b);
   const V beaten = _mm_cmpgt_epi32(_mm_madd_epi16(swapNegated(earlier), later), _mm_setzero_si128());
   return _mm_xor_si128(earlier, _mm_and_si128(_mm_xor_si128(earlier, later), beaten));
 }
-V weights(int low, int high) {
-  return _mm_set1_epi32(static_cast<int>(static_cast<Zpp32u>(high) << 16 | static_cast<Zpp32u>(low)));
-}
-
 // Four outermost pulses whose searches run side by side
 struct Candidates {
   Zpp16s chosen[4][4];  // by pulse and candidate
@@ -141,10 +127,6 @@ void ownSearchOptimalPulsePos_GSMAMR_16s_W7(const Zpp16s* corr, const Zpp16s* ca
 
 namespace {
 
-V magnitudes(V x) { return _mm_max_epi16(x, _mm_subs_epi16(_mm_setzero_si128(), x)); }
-V isAbove(V x, Zpp16s limit) { return _mm_cmpgt_epi16(x, _mm_set1_epi16(limit)); }
-bool any(V mask) { return _mm_movemask_epi8(mask) != 0; }
-
 // What the candidates of one pair of tracks are made of. The energy of a pair is
 //   ((cross + outerRest + innerRest) >> restBits) + outerEnergy + innerEnergy,
 // its parts split where the weight of the cross term begins: 16 bits suffice for all of it.
@@ -155,17 +137,6 @@ struct PairTerms {
   V outerEnergy[kVectors], outerRest[kVectors], innerEnergy[kVectors], innerRest[kVectors];
   V restBits;
 };
-
-// Whether a sum of the magnitudes of the weighted entries of one more pulse with those placed before may reach full scale
-template <int Count>
-bool reachesFullScale(const Zpp16s* own, const Zpp16s* const* rows, int slot, PairStep::Weights weight) {
-  const auto weighted = [](const Zpp16s* p, Zpp16s w) {
-    return _mm_mulhi_epi16(magnitudes(load(p)), _mm_set1_epi16(static_cast<Zpp16s>(2 * w)));
-  };
-  V sum = weighted(own, weight.own);
-  for (int j = 0; j < Count; ++j) sum = _mm_adds_epi16(sum, weighted(rows[j] + slot, weight.each));
-  return any(isAbove(sum, kMax16 - 16));  // each term was truncated
-}
 
 // False when a sum may saturate
 template <int PerTrack, int Level>
@@ -189,7 +160,10 @@ bool prepare(const PairSearch& search, const Zpp16s* diagonal, const PairTask& t
     V outerHigh = _mm_add_epi32(before, _mm_madd_epi16(_mm_unpackhi_epi16(ofOuter, ones), outerOwn));
     V innerLow = _mm_madd_epi16(_mm_unpacklo_epi16(ofInner, ones), innerOwn);
     V innerHigh = _mm_madd_epi16(_mm_unpackhi_epi16(ofInner, ones), innerOwn);
-    V highest = _mm_setzero_si128(), lowest = highest;
+    const auto weighted = [](V entries, Zpp16s weight) {  // in magnitude, truncated
+      return _mm_mulhi_epi16(magnitudes(entries), _mm_set1_epi16(static_cast<Zpp16s>(2 * weight)));
+    };
+    V innerMagnitudes = weighted(ofInner, step.inner.own);
     unrolled<kCount / 2>([&](int pair) {
       const Zpp16s *const row0 = rows[2 * pair], *const row1 = rows[2 * pair + 1];
       const V outer0 = load(row0 + outerSlot), outer1 = load(row1 + outerSlot);
@@ -199,21 +173,16 @@ bool prepare(const PairSearch& search, const Zpp16s* diagonal, const PairTask& t
       innerLow = _mm_add_epi32(innerLow, _mm_madd_epi16(_mm_unpacklo_epi16(inner0, inner1), innerEach));
       innerHigh = _mm_add_epi32(innerHigh, _mm_madd_epi16(_mm_unpackhi_epi16(inner0, inner1), innerEach));
       if constexpr (step.innerMayExceed) {
-        highest = _mm_max_epi16(highest, _mm_max_epi16(inner0, inner1));
-        lowest = _mm_min_epi16(lowest, _mm_min_epi16(inner0, inner1));
+        innerMagnitudes = _mm_adds_epi16(innerMagnitudes, weighted(inner0, step.inner.each));
+        innerMagnitudes = _mm_adds_epi16(innerMagnitudes, weighted(inner1, step.inner.each));
       }
     });
     const V inner = _mm_packs_epi32(_mm_srai_epi32(innerLow, 15), _mm_srai_epi32(innerHigh, 15));
-    if constexpr (step.innerMayExceed) {
-      // Entries of this magnitude, and a diagonal entry of any, add up to less than full scale.
-      constexpr int kHarmless = (32767 * (32768 - step.inner.own) - kHalf) / (kCount * step.inner.each);
-      const V beyond = _mm_or_si128(isAbove(highest, kHarmless), _mm_cmpgt_epi16(_mm_set1_epi16(-kHarmless), lowest));
-      if (any(beyond) && reachesFullScale<kCount>(diagonal + innerSlot, rows, innerSlot, step.inner)) return false;
-    }
+    if (step.innerMayExceed && any(isAbove(innerMagnitudes, kMostMagnitudes))) return false;
     if constexpr (step.energyMayExceed) {
-      // Energies of 0.7, a quarter of an inner sum of 0.9 and a sixteenth of an entry stay below 1.
       const V outer = _mm_packs_epi32(_mm_srai_epi32(outerLow, 15), _mm_srai_epi32(outerHigh, 15));
-      if (any(_mm_or_si128(isAbove(magnitudes(outer), 22937), isAbove(magnitudes(inner), 29491)))) return false;
+      if (any(_mm_or_si128(isAbove(magnitudes(outer), kMostOuterEnergy), isAbove(magnitudes(inner), kMostInnerSum))))
+        return false;
     }
     const V rest = _mm_set1_epi32((1 << (15 - crossBits)) - 1);
     const auto above15 = [](V x) { return _mm_srai_epi32(_mm_slli_epi32(x, 1), 16); };  // modulo 2^16
@@ -243,19 +212,6 @@ struct Spread {
   }
 
   V twice[(PerTrack + 3) / 4];
-};
-
-// Of eight inner slots the best with all outer ones: its energy and negated square (low and high half of the slots), and the
-// number of the outer slot
-struct BestOfSlots {
-  V low, high, outer;
-
-  // Of an inner slot: it differs from that of an equal quotient elsewhere.
-  Criterion criterion(int slot) const {
-    Criterion kept;  // energy, and the square negated, in each other's place
-    std::memcpy(&kept, reinterpret_cast<const char*>(this) + sizeof kept * static_cast<unsigned>(slot), sizeof kept);
-    return {static_cast<Zpp16s>(-kept.energy), kept.square};
-  }
 };
 
 // Where four searches have their best, the first in the order of the loops: 8 times the outer slot plus the inner one, in the

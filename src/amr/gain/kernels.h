@@ -16,10 +16,10 @@ struct GainCriterion {
 // ownGainSearch: the row with the least error, the first of equals, 0 if all errors saturate; rows with a pitch gain above the
 // limit
 //   do not count. table: `size` rows of pitch gain, factor, and two other words, or of the next subframe's pitch gain and
-//   factor; subframes: 1 or 2, and as many criteria; size: a multiple of 8. Gains are
+//   factor; subframes: 1 or 2, and as many criteria; size: a multiple of 16. Gains are
 //   0 to 22016 (1.34), factors not negative.
-#define ZPP_AMR_GAIN_KERNELS(KERNEL)   \
-  KERNEL(ownGainSearch_GSMAMR_16s, W7, \
+#define ZPP_AMR_GAIN_KERNELS(KERNEL)      \
+  KERNEL(ownGainSearch_GSMAMR_16s, W7_V3, \
          int(const GainCriterion* criteria, const Zpp16s* table, int size, int subframes, Zpp16s limit))
 
 ZPP_AMR_GAIN_KERNELS(ZPP_DECLARE_KERNEL)

@@ -104,19 +104,28 @@ Zpp16s bestCodeGain(const Zpp16s* codeTarget, const Zpp16s* filteredCode) {
   return shlSat16(shiftRight16(quotient, product.shift + 5 - own.shift), 1);
 }
 
+// The entry of 32 whose product with the predicted gain is nearest, the first of equals. Without a gain above 0 the products do
+// not ascend, and none is nearer than the first.
+int nearestFactor(Zpp16s gain, Zpp16s predicted) {
+  if (predicted <= 0) return 0;
+  const auto product = [predicted](int n) { return mulQ15(predicted, quaGainCode[n][0]); };
+  int below = -1;  // the last product below the gain
+  for (int step = 16; step > 0; step /= 2) below += product(below + step) < gain ? step : 0;
+  below += below == 30 && product(31) < gain;
+  if (below < 0) return 0;
+  if (below < 31 && product(below + 1) - gain < gain - product(below)) return below + 1;
+  int best = below;
+  while (best > 0 && product(best - 1) == product(below)) --best;
+  return best;
+}
+
 }  // namespace
 
 void ownGainQuantMR122_GSMAMR_16s(const GainTask& task, Zpp16s* gainMem, Zpp16s* codeGain, Zpp16s* idx) {
   const PredictedGain predicted = predictGain(task.code, gainMem, k122);
   const auto halved = static_cast<Zpp16s>(bestCodeGain(task.codeTarget, task.filteredCode) >> 1);
   const Zpp16s gain = shlSat16(low16(ownPow2(predicted.log.hi, predicted.log.lo)), 4);
-  Zpp16s least = absSat16(subSat16(halved, mulQ15(gain, quaGainCode[0][0])));
-  int best = 0;
-  for (int n = 1; n < 32; ++n) {
-    const Zpp16s error = absSat16(subSat16(halved, mulQ15(gain, quaGainCode[n][0])));
-    if (error > least) break;
-    if (error < least) least = error, best = n;
-  }
+  const int best = nearestFactor(halved, gain);
   const Zpp16s* entry = quaGainCode[best];
   *codeGain = shlSat16(mulQ15(gain, entry[0]), 1);
   pushEnergy(gainMem, entry[1], entry[2]);

@@ -1,4 +1,6 @@
 // LSPs from LP coefficients, to LSFs and back, and their interpolation (3GPP TS 26.090 clauses 5.2.3 to 5.2.6).
+#include <algorithm>
+
 #include "amr/lsp/kernels.h"
 #include "core/checks.h"
 #include "core/fixed_point.h"
@@ -48,7 +50,10 @@ void ownInterpolateLSP_GSMAMR_16s(const Zpp16s* prevLsp, const Zpp16s* lsp, Zpp1
 void ownLSPToLSF_GSMAMR_16s(const Zpp16s* lsp, Zpp16s* lsf) {
   int index = 63;
   for (int i = kLpcOrder - 1; i >= 0; --i) {
-    while (cos15[index] < lsp[i]) --index;
+    // The last interval that begins at this cosine or above it, no later than that of the LSP before; entry 0 is above all.
+    int interval = 0;
+    for (int step = 32; step > 0; step /= 2) interval += cos15[interval + step] >= lsp[i] ? step : 0;
+    index = std::min(index, interval);
     const Zpp16s offset = subSat16(lsp[i], cos15[index]);
     lsf[i] = addSat16(roundHigh16(shlSat32(mulDbl(offset, acos12[index]), 3)), index * 256);
   }

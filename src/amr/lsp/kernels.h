@@ -10,8 +10,8 @@
 // ownLsfSearch: the index of the entry, of `size`, a multiple of 8, with the least squared error of the weighted difference
 //   from the residual, both of 4 elements; the first of equals; 0 when all errors saturate. bothSigns: entries and their
 //   opposites by turns.
-#define ZPP_AMR_LSP_KERNELS(KERNEL)   \
-  KERNEL(ownLsfSearch_GSMAMR_16s, W7, \
+#define ZPP_AMR_LSP_KERNELS(KERNEL)      \
+  KERNEL(ownLsfSearch_GSMAMR_16s, W7_V3, \
          int(const Zpp16s* residual, const Zpp16s* weight, const LsfQuad* codebook, int size, bool bothSigns))
 
 ZPP_AMR_LSP_KERNELS(ZPP_DECLARE_KERNEL)

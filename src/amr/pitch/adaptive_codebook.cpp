@@ -136,9 +136,8 @@ void ownAdaptiveCodebookSearch_GSMAMR_16s(const Zpp16s* target, const Zpp16s* im
   constexpr int kTaps = 4, kMostLags = 20 + 2 * kTaps;
   const PitchSearch& search = searchOf(rate);
   const LagCoding coding = codingOf(rate, subframe);
-  const LagRange range = coding == LagCoding::absolute
-                             ? getRange(openLoopLag, search.below, search.length, search.minLag)
-                             : getRange(*lag, search.deltaBelow, search.deltaLength, search.minLag);
+  const LagRange range = coding == LagCoding::absolute ? getRange(openLoopLag, search.below, search.length, search.minLag)
+                                                       : getRange(*lag, search.deltaBelow, search.deltaLength, search.minLag);
   Zpp16s correlations[kMostLags];
   Zpp16s* const corr = correlations + kTaps;
   ownNormCorr_GSMAMR_16s(excitation + kPast, target, impulse, range.min - kTaps, range.max + kTaps, correlations);

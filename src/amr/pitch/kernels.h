@@ -13,7 +13,7 @@
 // ownImpulseResponseTarget: target of the subframe's closed-loop searches, residual and impulse response (3GPP TS 26.090 clause
 //   5.5); speech: 10 samples, then the subframe.
 #define ZPP_AMR_PITCH_KERNELS(KERNEL)                                                                                       \
-  KERNEL(ownNormCorr_GSMAMR_16s, W7,                                                                                        \
+  KERNEL(ownNormCorr_GSMAMR_16s, W7_V3,                                                                                     \
          void(const Zpp16s* excitation, const Zpp16s* target, const Zpp16s* impulse, int minLag, int maxLag, Zpp16s* corr)) \
   KERNEL(ownPredLt_GSMAMR_16s_I, W7, void(Zpp16s * excitation, int lag, int sixths))                                        \
   KERNEL(ownImpulseResponseTarget_GSMAMR_16s, W7,                                                                           \

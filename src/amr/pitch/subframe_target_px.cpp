@@ -3,8 +3,8 @@
 #include "lpc/kernels.h"
 
 void ownImpulseResponseTarget_GSMAMR_16s_PX(const Zpp16s* speech, const Zpp16s* weight1, const Zpp16s* weight2,
-                                         const Zpp16s* quantLpc, const Zpp16s* errorMem, const Zpp16s* weightMem,
-                                         Zpp16s* impulse, Zpp16s* residual, Zpp16s* target) {
+                                            const Zpp16s* quantLpc, const Zpp16s* errorMem, const Zpp16s* weightMem,
+                                            Zpp16s* impulse, Zpp16s* residual, Zpp16s* target) {
   constexpr int kScale = 12;  // coefficients are Q12
   const auto synthesise = [](const Zpp16s* coef, const Zpp16s* src, Zpp16s* dst, const Zpp16s* history) {
     ownSynthesisFilter_NR_16s(coef, src, dst, kSubframe, kScale, history);

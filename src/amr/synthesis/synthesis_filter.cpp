@@ -19,6 +19,14 @@ ZppStatus zppsSynthesisFilter_GSMAMR_16s(const Zpp16s* a, const Zpp16s* src, Zpp
 
 namespace {
 
+// At most a subframe of outputs; the size of a whole one is known to the compiler.
+void copyOutputs(const Zpp16s* result, Zpp16s* dst, int len) {
+  if (len == kSubframe)
+    std::memcpy(dst, result, kSubframe * sizeof *dst);
+  else
+    std::memcpy(dst, result, static_cast<unsigned>(len) * sizeof *dst);
+}
+
 // Step by step, as the standard does it
 bool filterSaturating(const Zpp16s* a, const Zpp16s* src, Zpp16s* dst, int len, const Zpp16s* hist) {
   Zpp16s past[kLpcOrder + kSubframe];
@@ -49,7 +57,7 @@ bool filterTame(const Zpp16s* a, const Zpp16s* src, Zpp16s* dst, int len, const 
   Zpp16s result[kSubframe];
   const bool overflow = ownSynthesisFilter_NR_16s(a, src, result, len, 12, hist);
   if (!overflow && ownMin_16s(result, len) == kMin16) return filterSaturating(a, src, dst, len, hist);
-  std::memcpy(dst, result, static_cast<unsigned>(len) * sizeof *dst);
+  copyOutputs(result, dst, len);
   return overflow;
 }
 
@@ -63,7 +71,7 @@ bool filterBlock(const Zpp16s* a, int magnitudes, const Zpp16s* src, Zpp16s* dst
   const Zpp16s ofOutputs = ownMaxAbs_16s(outputs, kLpcOrder + len), ofInputs = ownMaxAbs_16s(src, len);
   const Zpp64s largest = std::max(ofOutputs, ofInputs) + 1;  // -32768 counts as 32767
   if (ofOutputs == kMax16 || magnitudes * largest >= 1 << 30) return filterSaturating(a, src, dst, len, hist);
-  std::memcpy(dst, result, static_cast<unsigned>(len) * sizeof *dst);
+  copyOutputs(result, dst, len);
   return false;
 }
 

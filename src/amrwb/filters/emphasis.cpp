@@ -45,35 +45,36 @@ ZppStatus zppsHarmonicFilter_AMRWB_16s_I(Zpp16s gain, int lag, Zpp16s* srcDst, i
   return zppStsOk;
 }
 
-int ownPreemphasisScale_AMRWB_16s(const Zpp16s* src, int len, Zpp16s gamma, Zpp16s prev) {
-  Zpp32s largest = 0;
-  for (int n = 0; n < len; ++n) {
-    const Zpp32s magnitude = absSat32(preemphasised(src[n], prev, gamma));
-    if (magnitude > largest) largest = magnitude;
-    prev = src[n];
-  }
-  const Zpp16s upper = high16(largest);
-  if (upper == 0) return 8;
-  const int shift = norm16(upper) - 1;
-  return shift < 0 ? 0 : shift > 8 ? 8 : shift;
-}
-
 namespace {
 
-// The exact sum in, the output in 16 bits out: saturated once, which no order of saturation before could change, since the sum
-// has two terms. The branch is hardly ever taken, and keeps saturation off the way from one output to the next.
-Zpp16s limited(Zpp64s output) {
+// Off the way from one output to the next, as it hardly ever saturates
+template <class Output>
+Zpp16s limited(Output output) {
   if (output != static_cast<Zpp16s>(output)) [[unlikely]]
     return sat16(sat32(output));
   return static_cast<Zpp16s>(output);
 }
 
+// x / 2 + gamma * y in Q15, y the output before: of magnitude 2^29 and 2^30 at the most. Two factors of -32768 saturate.
+constexpr Zpp32s deemphasised(Zpp16s x, Zpp16s gamma, Zpp16s y) { return (x * 16384 + gamma * y + 0x4000) >> 15; }
+
 }  // namespace
 
 void ownDeemphasize_AMRWB_16s_I(Zpp16s* srcDst, int len, Zpp16s gamma, Zpp16s* mem) {
   Zpp16s y = *mem;
-  for (int n = 0; n < len; ++n) srcDst[n] = y = limited((Zpp64s{srcDst[n]} * 16384 + Zpp32s{y} * gamma + 0x4000) >> 15);
+  if (gamma == kMin16) [[unlikely]] {
+    for (int n = 0; n < len; ++n) srcDst[n] = y = roundHigh16(macDbl(mulDbl(srcDst[n], 16384), y, gamma));
+  } else {
+    for (int n = 0; n < len; ++n) srcDst[n] = y = limited(deemphasised(srcDst[n], gamma, y));
+  }
   *mem = y;
+}
+
+void ownDeemphasizeTwo_AMRWB_16s_I(Zpp16s* srcDst1, Zpp16s* srcDst2, int len, Zpp16s gamma, Zpp16s mem1, Zpp16s mem2) {
+  for (int n = 0; n < len; ++n) {
+    srcDst1[n] = mem1 = limited(deemphasised(srcDst1[n], gamma, mem1));
+    srcDst2[n] = mem2 = limited(deemphasised(srcDst2[n], gamma, mem2));
+  }
 }
 
 void ownDeemphasize_AMRWB_32s16s(const Zpp32s* src, Zpp16s* dst, int len, Zpp16s gamma, Zpp16s* mem) {
@@ -81,6 +82,7 @@ void ownDeemphasize_AMRWB_32s16s(const Zpp32s* src, Zpp16s* dst, int len, Zpp16s
   Zpp16s y = *mem;
   for (int n = 0; n < len; ++n) {
     const Zpp32s x = shlSat32(src[n], 7);  // the 28 bits of the synthesis
+    // Saturated once, which no order of saturation before could change, since the sum has two terms.
     dst[n] = y = limited((Zpp64s{x} + 2 * y * halfGamma + 0x4000) >> 15);
   }
   *mem = y;

@@ -1,8 +1,32 @@
 // Pre-emphasis: SSE2 kernel.
+#include "amrwb/filters/emphasis.h"
 #include "amrwb/filters/kernels.h"
 #include "core/simd_w7.h"
 
 using namespace zpp;
+using namespace zpp::amrwb;
+
+int ownPreemphasisScale_AMRWB_16s_W7(const Zpp16s* src, int len, Zpp16s gamma, Zpp16s prev) {
+  constexpr int lanes = 8;
+  if (len < lanes || gamma == kMin16) return ownPreemphasisScale_AMRWB_16s_PX(src, len, gamma, prev);
+  const V factors = pairOf(gamma, kMin16);  // of the sample before and of a sample: the negative difference
+  V magnitudes = _mm_setzero_si128();
+  const auto take = [&](V negative) {
+    const V sign = _mm_srai_epi32(negative, 31);
+    magnitudes = _mm_or_si128(magnitudes, _mm_sub_epi32(_mm_xor_si128(negative, sign), sign));
+  };
+  V before = _mm_insert_epi16(_mm_slli_si128(load(src), 2), prev, 0);
+  for (int n = 0; n < len; n += lanes) {
+    if (n > len - lanes) n = len - lanes;
+    const V x = load(src + n);
+    if (n > 0) before = load(src + n - 1);
+    take(_mm_madd_epi16(_mm_unpacklo_epi16(before, x), factors));
+    take(_mm_madd_epi16(_mm_unpackhi_epi16(before, x), factors));
+  }
+  magnitudes = _mm_or_si128(magnitudes, _mm_srli_si128(magnitudes, 8));
+  magnitudes = _mm_or_si128(magnitudes, _mm_srli_si128(magnitudes, 4));
+  return preemphasisShift(_mm_cvtsi128_si32(magnitudes));
+}
 
 void ownPreemphasize_AMRWB_16s_I_W7(Zpp16s* srcDst, int len, Zpp16s gamma, int shift, Zpp16s* mem) {
   constexpr int lanes = 8;

@@ -22,6 +22,7 @@ inline constexpr int kHighPassStateSize = 40;
   KERNEL(ownDecimateBy2_AMRWB_16s_I, W7, void(Zpp16s * srcDst, int len, Zpp16s* mem))                                       \
   KERNEL(ownHighBandFilter_AMRWB_16s_I, W7, void(const Zpp16s* coef, Zpp16s* srcDst, int len, int inputShift, Zpp16s* mem)) \
   KERNEL(ownPreemphasize_AMRWB_16s_I, W7, void(Zpp16s * srcDst, int len, Zpp16s gamma, int shift, Zpp16s* mem))             \
+  KERNEL(ownPreemphasisScale_AMRWB_16s, W7, int(const Zpp16s* src, int len, Zpp16s gamma, Zpp16s prev))                     \
   KERNEL(ownResidualFilter_AMRWB_16s, W7, void(const Zpp16s* lpc, const Zpp16s* src, Zpp16s* dst, int len))                 \
   KERNEL(ownSynthesisFilter_AMRWB_16s_I, W7,                                                                                \
          void(const Zpp16s* lpc, int order, Zpp16s inputFactor, int shift, Zpp16s* srcDst, int len, Zpp16s* mem))           \
@@ -37,7 +38,8 @@ inline void synthesise(const Zpp16s* lpc, Zpp16s* srcDst, int len, int order, Zp
 void ownHighPassFilterInit_AMRWB_16s(const Zpp16s* coef, int order, void* state);
 void ownHighPassFilter_AMRWB_16s_I(Zpp16s* srcDst, int len, int shift, void* state);
 void ownHighPassFilterScale_AMRWB_16s(int shift, void* state);
-int ownPreemphasisScale_AMRWB_16s(const Zpp16s* src, int len, Zpp16s gamma, Zpp16s prev);
 void ownDeemphasize_AMRWB_16s_I(Zpp16s* srcDst, int len, Zpp16s gamma, Zpp16s* mem);
+// Two signals side by side: neither waits for the other. gamma above -32768.
+void ownDeemphasizeTwo_AMRWB_16s_I(Zpp16s* srcDst1, Zpp16s* srcDst2, int len, Zpp16s gamma, Zpp16s mem1, Zpp16s mem2);
 void ownDeemphasize_AMRWB_32s16s(const Zpp32s* src, Zpp16s* dst, int len, Zpp16s gamma, Zpp16s* mem);
 void ownHarmonicFilter_AMRWB_16s_I(Zpp16s gain, int lag, Zpp16s* srcDst, int len);

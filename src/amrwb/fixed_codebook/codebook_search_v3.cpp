@@ -1,7 +1,9 @@
 // Search of the algebraic codebook: AVX2 kernels.
+#include <bit>
+
 #include "amrwb/arithmetic.h"
 #include "amrwb/fixed_codebook/kernels.h"
-#include "amrwb/fixed_codebook/search.h"
+#include "amrwb/fixed_codebook/lead_w7.h"
 #include "core/simd_v3.h"
 
 using namespace zpp;
@@ -42,52 +44,51 @@ void ownPulseGains_AMRWB_16s_V3(const Zpp16s* impulse, const Zpp16s* filteredCod
   }
 }
 
-namespace {
-
-W wideFactors(const BestRatio& ratio) {
-  return _mm256_set1_epi32(static_cast<int>(static_cast<Zpp32u>(-ratio.square) << 16 | (ratio.energy & 0xffff)));
-}
-
-}  // namespace
-
 PulsePair ownSearchPulsePair_AMRWB_16s_V3(const PulseTarget* target, int track, Zpp16s corr, Zpp16s energy, const Zpp16s* gain,
                                           const Zpp16s* candidate) {
   // The three terms that are added to the energy stay below 2^30 together.
   if (energy >= 16383 || energy <= -16383) return ownSearchPulsePair_AMRWB_16s_PX(target, track, corr, energy, gain, candidate);
-  const Zpp16s* const corr1 = target->corr + 16 * track;
-  const W corr2 = loadWide(target->corr + 16 * ((track + 1) % 4)), gain2 = loadWide(gain + 16), zero = _mm256_setzero_si256();
-  // Gains times 2^13
-  const W gain2Low = _mm256_srai_epi32(_mm256_unpacklo_epi16(zero, gain2), 3),
-          gain2High = _mm256_srai_epi32(_mm256_unpackhi_epi16(zero, gain2), 3);
-  PulsePair best = {0, 0, 1};
-  BestRatio ratio;
-  W factors = wideFactors(ratio), least = _mm256_set1_epi16(1);
-  for (int i = 0; i < 16; ++i) {
-    if (!candidate[i]) continue;
-    const W sum = _mm256_adds_epi16(_mm256_set1_epi16(addSat16(corr, corr1[i])), corr2);
-    const W cross = loadWide(target->cross[track] + 16 * i);
-    const W partEnergy = _mm256_set1_epi32(energy * 65536 + 0x8000 + gain[i] * 8192);
-    const W low =
-        _mm256_add_epi32(_mm256_add_epi32(partEnergy, gain2Low), _mm256_srai_epi32(_mm256_unpacklo_epi16(zero, cross), 2));
-    const W high =
-        _mm256_add_epi32(_mm256_add_epi32(partEnergy, gain2High), _mm256_srai_epi32(_mm256_unpackhi_epi16(zero, cross), 2));
-    const W alp = _mm256_packs_epi32(_mm256_srai_epi32(low, 16), _mm256_srai_epi32(high, 16));
-    const W square = mulQ15(sum, sum);
+  const W corr2 = loadWide(target->corr + 16 * ((track + 1) % 4)), gain2 = loadWide(gain + 16);
+  const W zero = _mm256_setzero_si256(), weights = _mm256_set1_epi32(8192 << 16 | 16384);  // of a cross term and of a gain
+  alignas(32) Zpp16s partCorr[16];
+  alignas(32) Zpp32s partEnergy[16];
+  storeWide(partCorr, _mm256_adds_epi16(_mm256_set1_epi16(corr), loadWide(target->corr + 16 * track)));
+  const W base = _mm256_set1_epi32(energy * 65536 + 0x8000);
+  for (int i = 0; i < 16; i += 8)
+    storeWide(partEnergy + i, _mm256_add_epi32(base, _mm256_slli_epi32(_mm256_cvtepi16_epi32(load(gain + i)), 13)));
+
+  // The lanes are the second pulse's positions. Each keeps its best ratio as (energy, -square), and the row that it lies in.
+  W low = _mm256_set1_epi32(0x00010001), high = low, row = zero, least = low;
+  auto rows = ~static_cast<unsigned>(_mm256_movemask_epi8(_mm256_cmpeq_epi16(loadWide(candidate), zero))) & 0x55555555;
+  for (; rows != 0; rows &= rows - 1) {
+    const int i = std::countr_zero(rows) / 2;
+    const W sum = _mm256_adds_epi16(_mm256_set1_epi16(partCorr[i]), corr2), cross = loadWide(target->cross[track] + 16 * i);
+    const W part = _mm256_set1_epi32(partEnergy[i]);
+    const W alpLow = _mm256_add_epi32(part, _mm256_madd_epi16(_mm256_unpacklo_epi16(cross, gain2), weights));
+    const W alpHigh = _mm256_add_epi32(part, _mm256_madd_epi16(_mm256_unpackhi_epi16(cross, gain2), weights));
+    const W alp = _mm256_packs_epi32(_mm256_srai_epi32(alpLow, 16), _mm256_srai_epi32(alpHigh, 16));
     least = _mm256_min_epi16(least, alp);
-    // Sixteen candidates against the best so far, and those that pass in turn against better ones
-    const W better = _mm256_cmpgt_epi16(_mm256_packs_epi32(_mm256_madd_epi16(_mm256_unpacklo_epi16(square, alp), factors),
-                                                           _mm256_madd_epi16(_mm256_unpackhi_epi16(square, alp), factors)),
-                                        zero);
-    const auto passing = static_cast<unsigned>(_mm256_movemask_epi8(better)) & 0x55555555;
-    if (passing == 0) continue;
-    alignas(32) Zpp16s squares[16], alps[16];
-    storeWide(squares, square);
-    storeWide(alps, alp);
-    ratio.play(passing, squares, alps, [&](int j) { best = {static_cast<Zpp16s>(i), static_cast<Zpp16s>(j), ratio.energy}; });
-    factors = wideFactors(ratio);
+    const W square = mulQ15(sum, sum), minus = _mm256_sub_epi16(zero, square);
+    const auto replace = [&](W & best, W ratio, W replacement) __attribute__((always_inline)) {
+      const W better = _mm256_cmpgt_epi32(_mm256_madd_epi16(ratio, best), zero);
+      best = _mm256_xor_si256(best, _mm256_and_si256(better, _mm256_xor_si256(best, replacement)));
+      return better;
+    };
+    const W betterLow = replace(low, _mm256_unpacklo_epi16(square, alp), _mm256_unpacklo_epi16(alp, minus));
+    const W betterHigh = replace(high, _mm256_unpackhi_epi16(square, alp), _mm256_unpackhi_epi16(alp, minus));
+    const W better = _mm256_packs_epi32(betterLow, betterHigh);
+    row = _mm256_max_epi16(row, _mm256_and_si256(better, _mm256_set1_epi16(static_cast<Zpp16s>(i))));
   }
-  // With energies above 0 ratios can be put in order, so that what fails against a candidate fails against better ones too.
+  // With energies above 0 ratios can be put in order, so that lanes may be compared in any.
   if (_mm256_movemask_epi8(_mm256_cmpgt_epi16(_mm256_set1_epi16(1), least)) != 0)
     return ownSearchPulsePair_AMRWB_16s_PX(target, track, corr, energy, gain, candidate);
-  return best;
+
+  const W place =
+      _mm256_or_si256(_mm256_slli_epi16(row, 4), _mm256_setr_epi16(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15));
+  Lead first = {lowHalf(low), lowHalf(_mm256_unpacklo_epi16(place, zero))};
+  Lead second = {lowHalf(high), lowHalf(_mm256_unpackhi_epi16(place, zero))};
+  first.meet({highHalf(low), highHalf(_mm256_unpacklo_epi16(place, zero))});
+  second.meet({highHalf(high), highHalf(_mm256_unpackhi_epi16(place, zero))});
+  first.meet(second);
+  return first.found();
 }

@@ -3,34 +3,12 @@
 
 #include "amrwb/arithmetic.h"
 #include "amrwb/fixed_codebook/kernels.h"
+#include "amrwb/fixed_codebook/lead_w7.h"
 #include "amrwb/fixed_codebook/search.h"
 #include "core/simd_w7.h"
 
 using namespace zpp;
 using namespace zpp::amrwb;
-
-namespace {
-
-// Sixteen running sums of products
-struct Sums {
-  V lane[4];
-
-  // Adds x times eight samples to the sums of one half and returns the upper words of these, doubled.
-  V add(int half, V x, const Zpp16s* samples) {
-    const V y = load(samples + 8 * half);
-    V &low = lane[2 * half], &high = lane[2 * half + 1];
-    low = _mm_add_epi32(low, mulLow(x, y));
-    high = _mm_add_epi32(high, mulHigh(x, y));
-    return _mm_packs_epi32(_mm_srai_epi32(low, 15), _mm_srai_epi32(high, 15));
-  }
-};
-
-constexpr int kLanes = 8;
-
-// 16 elements that end at `last`, in reverse order, as two vectors
-inline V reversedFrom(const Zpp16s* last, int half) { return reversed(load(last - 8 * half - 7)); }
-
-}  // namespace
 
 namespace {
 
@@ -118,74 +96,115 @@ void ownChooseSigns_AMRWB_16s_W7(const Zpp32s* sums, const Zpp16s* residualTarge
   }
 }
 
+namespace {
+
+// The response's samples of each track from the last to the first, behind as much silence, twice each: those of even places in
+// this order, and those of odd ones
+struct TwiceReversed {
+  alignas(16) Zpp32s samples[4][2][16] = {};
+
+  explicit TwiceReversed(const Zpp16s* impulse) {
+    for (int half = 0; half < 2; ++half) {
+      V inOrder[4], tracks[4];
+      for (int k = 0; k < 4; ++k) inOrder[k] = load(impulse + 32 * half + 8 * k);
+      byTrack(inOrder, tracks);
+      for (int track = 0; track < 4; ++track) {
+        const V v = reversed(tracks[track]);
+        const V even = _mm_shufflehi_epi16(_mm_shufflelo_epi16(v, _MM_SHUFFLE(2, 2, 0, 0)), _MM_SHUFFLE(2, 2, 0, 0));
+        const V odd = _mm_shufflehi_epi16(_mm_shufflelo_epi16(v, _MM_SHUFFLE(3, 3, 1, 1)), _MM_SHUFFLE(3, 3, 1, 1));
+        store(samples[track][0] + 12 - 4 * half, even);
+        store(samples[track][1] + 12 - 4 * half, odd);
+      }
+    }
+  }
+};
+
+// Eight running sums of products, doubled, in the lanes of two registers: those of even and of odd places
+struct Sums {
+  V even = _mm_set1_epi32(0x8000), odd = even;
+
+  // Adds products with a sample, x, that stands in all lanes; returns the upper words in their order.
+  V add(V x, const Zpp32s* evenSamples, const Zpp32s* oddSamples) {
+    even = _mm_add_epi32(even, _mm_madd_epi16(x, load(evenSamples)));
+    odd = _mm_add_epi32(odd, _mm_madd_epi16(x, load(oddSamples)));
+    return _mm_or_si128(_mm_srli_epi32(even, 16), _mm_and_si128(odd, _mm_set1_epi32(static_cast<int>(0xffff0000))));
+  }
+};
+
+// The sums of a pulse and the earlier ones of a track at distances 4 m + 1 or 4 m + 3: m from 15 to 8, and from 7 to 0.
+struct PulseSums {
+  Sums far, near;
+
+  // Of the pulse at `index` in its track. x: the sample that joins the sums; samples: of the track where those lie that it is
+  // multiplied with, past: how many have gone by. to: the matrix row, in which the pulse at distance 1 or 3 has column `last`.
+  template <int past>
+  [[gnu::always_inline]] void add(V x, const Zpp32s (&samples)[2][16], int block, int index, Zpp16s* to, int last) {
+    // Places 16 - past - 2 block and on
+    const Zpp32s* const evenSamples = samples[past % 2] + 8 - block - (past + 1) / 2;
+    const Zpp32s* const oddSamples = samples[(past + 1) % 2] + 8 - block - past / 2;
+    if (index >= 8) store(to + last - 15, far.add(x, evenSamples, oddSamples));
+    const V latest = near.add(x, evenSamples + 4, oddSamples + 4);
+    // What a row has too much lands in the half of the row before that the other matrix fills; before row 0 there is none.
+    if (index > 0)
+      store(to + last - 7, latest);
+    else if (last == 0)
+      *to = static_cast<Zpp16s>(_mm_extract_epi16(latest, 7));
+  }
+};
+
+}  // namespace
+
 void ownPulseCorrelations_AMRWB_16s_W7(const Zpp16s* impulse, PulseTarget* target) {
   // All sums are partial sums of autocorrelation lags: none saturates if the energy does not.
   if (ownDotProd_16s(impulse, impulse, kSubframe) > (kMax32 - 0x8000) / 2)
     return ownPulseCorrelations_AMRWB_16s_PX(impulse, target);
 
-  // Every fourth sample, so that those at distances 1, 5, 9 and 3, 7, 11 from one follow each other; then silence
-  alignas(16) Zpp16s byTrack[4][32] = {};
-  for (int n = 0; n < kSubframe; ++n) byTrack[n % 4][n / 4] = impulse[n];
-
-  // After n samples the sums belong to the pulse at 63 - n and earlier ones. Those at distance 3 + 4 m, which lie in the track
-  // behind, go to the row of the pulse in `cross`, ordered by m; those at 1 + 4 m, in the track before, to `later`.
-  alignas(16) Zpp16s later[16 + 1024];
-  Zpp16s* const laterRows = later + 16;
-  const V start = _mm_set1_epi32(0x4000);
-  Sums near = {{start, start, start, start}}, far = near;
+  // After n samples the sums belong to the pulse at 63 - n and earlier ones. Those at distances 4 m + 3, which lie in the track
+  // behind, go to the row of the pulse in `cross`; those at 4 m + 1, in the track before, to the row of the pulse in `later`.
+  const TwiceReversed twice(impulse);
+  alignas(16) Zpp16s later[4][256];
+  PulseSums behind, before;
   Zpp32s energy = 0x8000;
-  for (int n = 0; n < kSubframe; ++n) {
-    const int position = kSubframe - 1 - n, track = position % 4, i = position / 4;
-    energy += 2 * impulse[n] * impulse[n];
-    target->energy[placeOf(position)] = high16(energy);
-    const V x = _mm_set1_epi16(impulse[n]);
-    const Zpp16s *samples1 = &byTrack[(n + 1) % 4][(n + 1) / 4], *samples3 = &byTrack[(n + 3) % 4][(n + 3) / 4];
-    Zpp16s *row1 = laterRows + 256 * ((track + 3) % 4) + 16 * i, *row3 = target->cross[track] + 16 * i;
-    store(row1, near.add(0, x, samples1));
-    store(row3, far.add(0, x, samples3));
-    if (position >= 32) {
-      store(row1 + 8, near.add(1, x, samples1));
-      store(row3 + 8, far.add(1, x, samples3));
-    }
-  }
+  for (int block = 0; block < 8; ++block)
+    unrolled<8>([&](auto number) __attribute__((always_inline)) {
+      constexpr int n = decltype(number)::value, track = 3 - n % 4;
+      const int i = 15 - 2 * block - n / 4;
+      const Zpp16s sample = impulse[8 * block + n];
+      energy += 2 * sample * sample;
+      target->energy[16 * track + i] = high16(energy);
+      const V x = _mm_set1_epi16(sample);
+      behind.add<(n + 3) / 4>(x, twice.samples[(n + 3) % 4], block, i, target->cross[track] + 16 * i, i - (track < 3));
+      before.add<(n + 1) / 4>(x, twice.samples[(n + 1) % 4], block, i, later[(track + 3) % 4] + 16 * i, i - (track == 0));
+    });
 
-  // The rows of a matrix, from the last on: a row reads what lies before it.
-  alignas(16) static constexpr Zpp16s kFrom[2 * kLanes] = {-1, -1, -1, -1, -1, -1, -1, -1, 0, 0, 0, 0, 0, 0, 0, 0};
-  for (int track = 3; track >= 0; --track) {
-    // In the pair of tracks 3 and 0 the pulses of one index lie the other way round.
-    const int wrapped = track == 3 ? 1 : 0;
-    Zpp16s* const rows = target->cross[track];
-    const Zpp16s* const columns = laterRows + 256 * track;
+  // Below the diagonal the pulse of the first track is the later one. In the pair of tracks 3 and 0 it is on the diagonal, too.
+  alignas(16) static constexpr Zpp16s kFrom[16] = {-1, -1, -1, -1, -1, -1, -1, -1, 0, 0, 0, 0, 0, 0, 0, 0};
+  for (int track = 0; track < 4; ++track) {
+    const Zpp16s* const kept = kFrom + (track == 3 ? 7 : 8);
     const Zpp16s *sign1 = target->sign + 16 * track, *sign2 = target->sign + 16 * ((track + 1) % 4);
-    for (int block = 1; block >= 0; --block) {  // rows 8 block .. 8 block + 7
-      const V negative1 = _mm_srai_epi16(load(sign1 + 8 * block), 15);
-      const V twice[2] = {_mm_unpacklo_epi16(negative1, negative1), _mm_unpackhi_epi16(negative1, negative1)};
-      V result[2][8];
-      for (int side = 1; side >= 0; --side) {
-        V upper[8];  // of these rows, from the columns of `later`
-        const Zpp16s* const from = columns + 17 * 8 * side - wrapped - 8 * block;
-        unrolled<8>([&](int k) __attribute__((always_inline)) { upper[k] = reversedFrom(from + 17 * k, 0); });
-        transpose(upper);
-        const V negative2 = _mm_srai_epi16(load(sign2 + 8 * side), 15);
-        // Row 8 block + k takes from below what lies before lane 8 (block - side) + k + wrapped.
-        const int before = 8 * (block - side) + wrapped;
-        unrolled<8>([&](auto number) __attribute__((always_inline)) {
-          constexpr int k = 7 - decltype(number)::value;
-          Zpp16s* const row = rows + 16 * (8 * block + k);
-          const V lower = reversedFrom(row + 8 * block + k + wrapped - 1, side);
-          const int lanes = before + k;
-          const V isLower = load(kFrom + kLanes - (lanes < 0 ? 0 : lanes > kLanes ? kLanes : lanes));
-          const V value = select(isLower, lower, upper[k]);
-          // No entry is larger than the energies of 32767 and less: only the positive sign rounds, downwards.
-          const V negative = _mm_xor_si128(negative2, _mm_shuffle_epi32(twice[k / 4], k % 4 * 0x55));
-          const V rounding = _mm_mulhi_epi16(value, _mm_andnot_si128(negative, _mm_set1_epi16(-2)));
-          result[side][k] = _mm_add_epi16(_mm_sub_epi16(_mm_xor_si128(value, negative), negative), rounding);
+    for (int block = 0; block < 2; ++block) {  // rows 8 block .. 8 block + 7
+      const V signs = load(sign1 + 8 * block);
+      const V signsTwice[2] = {_mm_unpacklo_epi16(signs, signs), _mm_unpackhi_epi16(signs, signs)};
+      for (int side = 0; side < 2; ++side) {
+        Zpp16s* const rows = target->cross[track] + 128 * block + 8 * side;
+        V upper[8];
+        if (block <= side) {
+          unrolled<8>([&](int k)
+                          __attribute__((always_inline)) { upper[k] = load(later[track] + 128 * side + 16 * k + 8 * block); });
+          transpose(upper);
+        }
+        const V columnSigns = load(sign2 + 8 * side);
+        unrolled<8>([&](auto row) __attribute__((always_inline)) {
+          constexpr int k = decltype(row)::value;
+          V value = load(rows + 16 * k);
+          if (block < side) value = upper[k];
+          if (block == side) value = select(load(kept - k), value, upper[k]);
+          // A product with the sign: no entry is larger than the energies of 32767 and less, and 32767 rounds downwards.
+          const V negative = _mm_xor_si128(columnSigns, _mm_shuffle_epi32(signsTwice[k / 4], k % 4 * 0x55));
+          const V rounding = _mm_cmpgt_epi16(value, _mm_srli_epi16(negative, 1));
+          store(rows + 16 * k, _mm_add_epi16(_mm_sub_epi16(_mm_xor_si128(value, negative), negative), rounding));
         });
       }
-      unrolled<8>([&](int k) __attribute__((always_inline)) {
-        store(rows + 16 * (8 * block + k), result[0][k]);
-        store(rows + 16 * (8 * block + k) + 8, result[1][k]);
-      });
     }
   }
 }
@@ -222,6 +241,69 @@ void ownPulseGains_AMRWB_16s_W7(const Zpp16s* impulse, const Zpp16s* filteredCod
   }
 }
 
+PulsePair ownSearchPulsePair_AMRWB_16s_W7(const PulseTarget* target, int track, Zpp16s corr, Zpp16s energy, const Zpp16s* gain,
+                                          const Zpp16s* candidate) {
+  // The three terms that are added to the energy stay below 2^30 together.
+  if (energy >= 16383 || energy <= -16383) return ownSearchPulsePair_AMRWB_16s_PX(target, track, corr, energy, gain, candidate);
+  const Zpp16s *corr1 = target->corr + 16 * track, *corr2 = target->corr + 16 * ((track + 1) % 4);
+  const V zero = _mm_setzero_si128(), weights = pairOf(16384, 8192);  // of a cross term and of a gain
+  alignas(16) Zpp16s partCorr[16];
+  Zpp32s partEnergy[16];
+  V taken[2];
+  for (int half = 0; half < 2; ++half) {
+    store(partCorr + 8 * half, _mm_adds_epi16(_mm_set1_epi16(corr), load(corr1 + 8 * half)));
+    taken[half] = _mm_cmpeq_epi16(load(candidate + 8 * half), zero);
+  }
+  for (int i = 0; i < 16; ++i) partEnergy[i] = energy * 65536 + 0x8000 + gain[i] * 8192;
+
+  // The lanes are the second pulse's positions. Each keeps its best ratio as (energy, -square), and the row that it lies in.
+  struct {
+    V corr, gain, low, high, row;
+  } sides[2];
+  unrolled<2>([&](int side) __attribute__((always_inline)) {
+    sides[side] = {load(corr2 + 8 * side), load(gain + 16 + 8 * side), _mm_set1_epi16(1), _mm_set1_epi16(1), zero};
+  });
+  V least = _mm_set1_epi16(1);
+  auto rows = ~static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(taken[0], taken[1]))) & 0xffff;
+  for (; rows != 0; rows &= rows - 1) {
+    const int i = std::countr_zero(rows);
+    const V first = _mm_set1_epi16(partCorr[i]), part = _mm_set1_epi32(partEnergy[i]);
+    const V number = _mm_set1_epi16(static_cast<Zpp16s>(i));
+    const Zpp16s* const crossTerms = target->cross[track] + 16 * i;
+    unrolled<2>([&](int side) __attribute__((always_inline)) {
+      auto& s = sides[side];
+      const V sum = _mm_adds_epi16(first, s.corr), cross = load(crossTerms + 8 * side);
+      const V alpLow = _mm_add_epi32(part, _mm_madd_epi16(_mm_unpacklo_epi16(cross, s.gain), weights));
+      const V alpHigh = _mm_add_epi32(part, _mm_madd_epi16(_mm_unpackhi_epi16(cross, s.gain), weights));
+      const V alp = _mm_packs_epi32(_mm_srai_epi32(alpLow, 16), _mm_srai_epi32(alpHigh, 16));
+      least = _mm_min_epi16(least, alp);
+      const V square = mulQ15(sum, sum), minus = _mm_sub_epi16(zero, square);
+      const auto replace = [&](V & best, V ratio, V replacement) __attribute__((always_inline)) {
+        const V better = _mm_cmpgt_epi32(_mm_madd_epi16(ratio, best), zero);
+        best = _mm_xor_si128(best, _mm_and_si128(better, _mm_xor_si128(best, replacement)));
+        return better;
+      };
+      const V betterLow = replace(s.low, _mm_unpacklo_epi16(square, alp), _mm_unpacklo_epi16(alp, minus));
+      const V betterHigh = replace(s.high, _mm_unpackhi_epi16(square, alp), _mm_unpackhi_epi16(alp, minus));
+      s.row = _mm_max_epi16(s.row, _mm_and_si128(_mm_packs_epi32(betterLow, betterHigh), number));
+    });
+  }
+  // With energies above 0 ratios can be put in order, so that lanes may be compared in any.
+  if (_mm_movemask_epi8(_mm_cmpgt_epi16(_mm_set1_epi16(1), least)) != 0)
+    return ownSearchPulsePair_AMRWB_16s_PX(target, track, corr, energy, gain, candidate);
+
+  Lead leads[2][2];
+  unrolled<2>([&](int side) __attribute__((always_inline)) {
+    const V lanes = _mm_add_epi16(_mm_setr_epi16(0, 1, 2, 3, 4, 5, 6, 7), _mm_set1_epi16(static_cast<Zpp16s>(8 * side)));
+    const V place = _mm_or_si128(_mm_slli_epi16(sides[side].row, 4), lanes);
+    leads[side][0] = {sides[side].low, _mm_unpacklo_epi16(place, zero)};
+    leads[side][1] = {sides[side].high, _mm_unpackhi_epi16(place, zero)};
+    leads[side][0].meet(leads[side][1]);
+  });
+  leads[0][0].meet(leads[1][0]);
+  return leads[0][0].found();
+}
+
 namespace {
 
 // Candidates in the lanes of two registers, eight at a time in the order of the search, against the best one so far
@@ -239,7 +321,7 @@ struct PairContest {
                                      _mm_setzero_si128());
     auto passing = static_cast<unsigned>(_mm_movemask_epi8(better)) & 0x5555;  // a bit a lane
     if (passing == 0) return;
-    alignas(16) Zpp16s squares[kLanes], energies[kLanes];
+    alignas(16) Zpp16s squares[8], energies[8];
     store(squares, square);
     store(energies, energy);
     ratio.play(passing, squares, energies, take);
@@ -250,41 +332,6 @@ struct PairContest {
 };
 
 }  // namespace
-
-PulsePair ownSearchPulsePair_AMRWB_16s_W7(const PulseTarget* target, int track, Zpp16s corr, Zpp16s energy, const Zpp16s* gain,
-                                          const Zpp16s* candidate) {
-  // The three terms that are added to the energy stay below 2^30 together.
-  if (energy >= 16383 || energy <= -16383) return ownSearchPulsePair_AMRWB_16s_PX(target, track, corr, energy, gain, candidate);
-  const Zpp16s *corr1 = target->corr + 16 * track, *corr2 = target->corr + 16 * ((track + 1) % 4);
-  const V zero = _mm_setzero_si128();
-  V corr2Lanes[2], gain2Low[2], gain2High[2];  // gains times 2^13
-  for (int side = 0; side < 2; ++side) {
-    corr2Lanes[side] = load(corr2 + 8 * side);
-    const V gain2 = load(gain + 16 + 8 * side);
-    gain2Low[side] = _mm_srai_epi32(_mm_unpacklo_epi16(zero, gain2), 3);
-    gain2High[side] = _mm_srai_epi32(_mm_unpackhi_epi16(zero, gain2), 3);
-  }
-  PulsePair best = {0, 0, 1};
-  PairContest contest;
-  for (int i = 0; i < 16; ++i) {
-    if (!candidate[i]) continue;
-    const V partCorr = _mm_set1_epi16(addSat16(corr, corr1[i]));
-    const V partEnergy = _mm_set1_epi32(energy * 65536 + 0x8000 + gain[i] * 8192);
-    const Zpp16s* cross = target->cross[track] + 16 * i;
-    unrolled<2>([&](int side) __attribute__((always_inline)) {
-      const V sum = _mm_adds_epi16(partCorr, corr2Lanes[side]), crossLanes = load(cross + 8 * side);
-      const V low =
-          _mm_add_epi32(_mm_add_epi32(partEnergy, gain2Low[side]), _mm_srai_epi32(_mm_unpacklo_epi16(zero, crossLanes), 2));
-      const V high =
-          _mm_add_epi32(_mm_add_epi32(partEnergy, gain2High[side]), _mm_srai_epi32(_mm_unpackhi_epi16(zero, crossLanes), 2));
-      const V alp = _mm_packs_epi32(_mm_srai_epi32(low, 16), _mm_srai_epi32(high, 16));
-      contest.enter(mulQ15(sum, sum), alp, [&](int lane) {
-        best = {static_cast<Zpp16s>(i), static_cast<Zpp16s>(8 * side + lane), contest.ratio.energy};
-      });
-    });
-  }
-  return contest.isOrdered() ? best : ownSearchPulsePair_AMRWB_16s_PX(target, track, corr, energy, gain, candidate);
-}
 
 PulsePair ownSearchTwoPulses_AMRWB_16s_W7(const PulseTarget* target, const Zpp16s* energy) {
   // Odd positions in their order: those of tracks 1 and 3 by turns

@@ -12,8 +12,7 @@ struct PulseTarget {
   Zpp16s corr[64];    // backward-filtered target with the pulse's sign
   Zpp16s sign[64];    // 32767 or -32768
   Zpp16s energy[64];  // of the response to a pulse
-  // [track t][16 i + j]: position i of track t with position j of track t + 1, signs included. Kernels read, and ignore, up to
-  // 16 elements before it.
+  // [track t][16 i + j]: position i of track t with position j of track t + 1, signs included
   Zpp16s cross[4][256];
 };
 

@@ -30,7 +30,13 @@ void ownImpulseResponseTarget_AMRWB_16s(const Zpp16s* speech, const Zpp16s* weig
   std::copy_n(residual, kSubframe, error + kOrder);
   synthesise(quantLpc, error + kOrder, kSubframe, kOrder, filterMem);
   ownResidualFilter_AMRWB_16s(weightLpc, error + kOrder, target, kSubframe);
-  ownDeemphasize_AMRWB_16s_I(target, kSubframe, tilt, &weightMem);
+
+  // Response of A(z/g) / A^(z), eightfold, and of the de-emphasis
+  std::fill_n(filterMem, kOrder, Zpp16s{0});
+  std::copy_n(weightLpc, kOrder + 1, impulse);
+  std::fill_n(impulse + kOrder + 1, kSubframe - kOrder - 1, Zpp16s{0});
+  ownSynthesisFilter_AMRWB_16s_I(quantLpc, kOrder, 16384, 3, impulse, kSubframe, filterMem);
+  ownDeemphasizeTwo_AMRWB_16s_I(target, impulse, kSubframe, tilt, weightMem, 0);
 
   // The target in the domain of the residual: the first half filtered back, the second half left as the residual.
   Zpp16s filteredBack[kOrder + half] = {};
@@ -42,12 +48,4 @@ void ownImpulseResponseTarget_AMRWB_16s(const Zpp16s* speech, const Zpp16s* weig
   synthesise(weightLpc, back, half, kOrder, filterMem);
   ownResidualFilter_AMRWB_16s(quantLpc, back, residualTarget, half);
   std::copy_n(residual + half, half, residualTarget + half);
-
-  // Response of A(z/g) / A^(z), eightfold, and of the de-emphasis
-  std::fill_n(filterMem, kOrder, Zpp16s{0});
-  std::copy_n(weightLpc, kOrder + 1, impulse);
-  std::fill_n(impulse + kOrder + 1, kSubframe - kOrder - 1, Zpp16s{0});
-  ownSynthesisFilter_AMRWB_16s_I(quantLpc, kOrder, 16384, 3, impulse, kSubframe, filterMem);
-  zero = 0;
-  ownDeemphasize_AMRWB_16s_I(impulse, kSubframe, tilt, &zero);
 }

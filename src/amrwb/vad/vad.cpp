@@ -33,9 +33,16 @@ static_assert(sizeof(VadState) == kStateSize);
 
 // --- Filter bank (clause 3.3.1) ---------------------------------------------------------------------------------------------
 
+// Saturation behind a branch that is hardly ever taken: off the way from one sample to the next
+constexpr Zpp16s seldomSat16(Zpp32s x) {
+  if (x != static_cast<Zpp16s>(x)) [[unlikely]]
+    return sat16(x);
+  return static_cast<Zpp16s>(x);
+}
+
 // One section of an all-pass filter
 constexpr Zpp16s allPass(Zpp16s x, Zpp16s coefficient, Zpp16s& mem) {
-  const Zpp16s u = subSat16(x, mulQ15(coefficient, mem)), y = addSat16(mem, mulQ15(coefficient, u));
+  const Zpp16s u = seldomSat16(x - mulQ15(coefficient, mem)), y = seldomSat16(mem + mulQ15(coefficient, u));
   mem = u;
   return y;
 }
