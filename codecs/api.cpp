@@ -55,6 +55,9 @@ bool hasBitRate(const ZppcCodec& codec, int bitRate) {
   return false;
 }
 
+// A division would cost as much as some ten samples of G.711.
+bool isWholeFrames(int samples, int frame) { return frame == 1 || samples % frame == 0; }
+
 bool sampleBased(const CodecRow& row) { return (row.codec.features & ZPPC_FEATURE_SAMPLE_BASED) != 0; }
 
 // 0, or an error
@@ -175,7 +178,7 @@ int zppcEncode(ZppcEncoder* encoder, const int16_t* pcm, int samples, uint8_t* p
   if (encoder == nullptr || pcm == nullptr || payload == nullptr) return ZPPC_ERROR_NULL;
   const CodecRow& row = rowIn(encoder);
   const int frame = row.codec.frameSamples;
-  if (sampleBased(row) ? samples < frame || samples % frame != 0 : samples != frame) return ZPPC_ERROR_SIZE;
+  if (sampleBased(row) ? samples < frame || !isWholeFrames(samples, frame) : samples != frame) return ZPPC_ERROR_SIZE;
   void* const object = objectIn(encoder, row.encoder);
   if (capacity < row.encoder.capacityFor(object, samples)) return ZPPC_ERROR_CAPACITY;
   return row.encoder.encode(object, pcm, samples, payload);

@@ -37,16 +37,23 @@ class BitReader {
   int left() const { return static_cast<int>(8 * octets_.size()) - position_; }
 
   // The next 16 bits, which stay unread
-  unsigned peek16() const {
-    const auto at = static_cast<std::size_t>(position_ / 8);
-    unsigned window = 0;
-    if (at + 3 <= octets_.size()) [[likely]]
-      window = octets_[at] * 65536u + octets_[at + 1] * 256u + octets_[at + 2];
-    else
-      for (std::size_t n = at; n < at + 3; ++n) window = window << 8 | (n < octets_.size() ? octets_[n] : 0u);
-    return window >> (8 - position_ % 8) & 0xffff;
+  unsigned peek16() {
+    if (ahead_ < 16) refill();
+    return static_cast<unsigned>(window_ >> 48);
   }
-  void skip(int bits) { position_ += bits; }
+  void skip(int bits) {
+    position_ += bits;
+    const bool seen = bits <= ahead_ && bits < 64;
+    if (!seen) {
+      next_ = static_cast<std::size_t>(position_ / 8);
+      window_ = 0;
+      ahead_ = 0;
+      refill();
+      bits = position_ % 8;
+    }
+    window_ <<= bits;
+    ahead_ -= bits;
+  }
   // The next `width` bits, width 0..16
   int bits(int width) {
     const unsigned window = peek16();
@@ -55,7 +62,15 @@ class BitReader {
   }
 
  private:
+  void refill() {
+    for (; ahead_ <= 56; ahead_ += 8)
+      if (next_ < octets_.size()) window_ |= std::uint64_t{octets_[next_++]} << (56 - ahead_);
+  }
+
   std::span<const std::uint8_t> octets_;
+  std::size_t next_ = 0;      // octet that the window has not
+  std::uint64_t window_ = 0;  // the next bits, from the highest on; zeros behind them
+  int ahead_ = 0;             // of them
   int position_ = 0;
 };
 

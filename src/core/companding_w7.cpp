@@ -31,17 +31,19 @@ struct MuLaw {
     const V biased = _mm_adds_epi16(magnitude(x), _mm_set1_epi16(33 * 4));
     return _mm_sub_epi16(_mm_add_epi16(ofBitLength(8), _mm_set1_epi16(127)), exponentAndMantissa(biased));
   }
+  static V codes(V x0, V x1) { return _mm_packus_epi16(codes(x0), codes(x1)); }
   static V withSigns(V codes, V x) { return _mm_or_si128(codes, _mm_andnot_si128(x, _mm_set1_epi8(-128))); }
   static Zpp8u code(Zpp16s x) { return muLawCode(x); }
 };
 
+// From 256 on the code is logarithmic, bit length 9 beginning segment 1; below it is linear, at most 15, and never less than
+// the logarithm of numbers so small, which is cut off at 0: a maximum chooses.
 struct ALaw {
-  // Below 32 (in units of 8) the code is linear and at most 15; from there on it is logarithmic, at least 16 and never above
-  // the linear one, so that a minimum and a maximum choose. Bit length 9 begins segment 1.
-  static V codes(V x) {
-    const V linear = _mm_srli_epi16(magnitude(x), 4);
-    const V logarithmic = _mm_sub_epi16(exponentAndMantissa(magnitude(x)), ofBitLength(8));
-    return _mm_min_epi16(linear, _mm_max_epi16(logarithmic, _mm_set1_epi16(15)));
+  static V codes(V x0, V x1) {
+    const V m0 = magnitude(x0), m1 = magnitude(x1);
+    const auto logarithm = [](V m) { return _mm_sub_epi16(exponentAndMantissa(m), ofBitLength(8)); };
+    const V linear = _mm_and_si128(_mm_srli_epi16(_mm_packus_epi16(m0, m1), 4), _mm_set1_epi8(15));
+    return _mm_max_epu8(_mm_packus_epi16(logarithm(m0), logarithm(m1)), linear);
   }
   static V withSigns(V codes, V x) {
     return _mm_xor_si128(_mm_xor_si128(codes, _mm_set1_epi8(0x55)), _mm_andnot_si128(x, _mm_set1_epi8(-128)));
@@ -54,7 +56,7 @@ void compress(const Zpp16s* src, Zpp8u* dst, int len) {
   int n = 0;
   for (; n + 16 <= len; n += 16) {
     const V x0 = load(src + n), x1 = load(src + n + 8);
-    store(dst + n, Law::withSigns(_mm_packus_epi16(Law::codes(x0), Law::codes(x1)), _mm_packs_epi16(x0, x1)));
+    store(dst + n, Law::withSigns(Law::codes(x0, x1), _mm_packs_epi16(x0, x1)));
   }
   for (; n < len; ++n) dst[n] = Law::code(src[n]);
 }

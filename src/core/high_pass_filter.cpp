@@ -72,9 +72,9 @@ void filterSaturating(Zpp16s* srcDst, int len, HighPassState& s, Zpp32s harmless
 
 constexpr int kBlock = 80;
 
-// A block of at most kBlock samples in 64-bit registers, while no sum saturates; otherwise false and nothing is changed. All is
-// done with halves of the sums, of which an output is a multiple: the feedback's way from one to the next is a product, a shift
-// and an addition, and all else is kept off it. What has been seen is looked at once.
+// A block of at most kBlock samples in 64-bit registers, while no sum saturates; otherwise false and nothing is
+// changed. All is done with halves of the sums, of which an output is a multiple: the feedback's way from one to the next is a
+// product, a shift and an addition, and all else is kept off it. What has been seen is looked at once.
 template <int scaleFactor>
 bool filterHarmless(Zpp16s* srcDst, int len, HighPassState& s, Zpp32s harmless) {
   constexpr int gain = 15 - scaleFactor;
@@ -88,28 +88,27 @@ bool filterHarmless(Zpp16s* srcDst, int len, HighPassState& s, Zpp32s harmless) 
   };
   const auto extended = [](Zpp32s x) { return static_cast<std::uint64_t>(Zpp64s{x}); };
 
+  Zpp16s x[3 + kBlock] = {0, s.x2, s.x1};
+  std::memcpy(x + 3, srcDst, static_cast<unsigned>(len) * sizeof *x);
+  Zpp32s halves[kBlock + 1];  // first the inputs' share
+  const Zpp16s b[4] = {s.b[0], s.b[1], s.b[2], 0};
+  ownHighPassInputs_16s32s(b, x + 3, halves, len);
+  halves[len] = 0;
+
   const std::uint64_t a1 = extended(s.a[1]), a2 = extended(s.a[2]);
-  const Zpp32s b0 = s.b[0], b1 = s.b[1], b2 = s.b[2];
   std::uint64_t half1 = extended(y1 >> (gain + 1)), half2 = extended(y2 >> (gain + 1)), seen = seenIn(half1) | seenIn(half2);
-  Zpp32s x1 = s.x1, x2 = s.x2, halves[kBlock];
+  std::uint64_t older = extended(halves[0]) + product(half2, a2);  // all of the next half but the latest one's share
   for (int n = 0; n < len; ++n) {
-    const Zpp32s x0 = srcDst[n];
-    const std::uint64_t inputs = extended(addWrap32(addWrap32(x0 * b0, x1 * b1), x2 * b2)) + product(half2, a2);
     half2 = half1;
-    half1 = inputs + product(half1, a1);
+    half1 = older + product(half1, a1);
+    older = extended(halves[n + 1]) + product(half2, a2);
     seen |= seenIn(half1);
     halves[n] = static_cast<Zpp32s>(half1);
-    x2 = x1;
-    x1 = x0;
   }
   if (seen >> (bits + 1) != 0) return false;
-  const auto output = [&](int n) { srcDst[n] = sat16(((halves[n] >> 11) + 1) >> 1); };
-  if (len == kBlock)  // written out for the compiler, which makes vectors of it
-    for (int n = 0; n < kBlock; ++n) output(n);
-  else
-    for (int n = 0; n < len; ++n) output(n);
+  ownConvert_NR_32s16s_Sfs(halves, srcDst, len, 12);
   s.y1 = toDpf(static_cast<Zpp32s>(half1) * (2 << gain)), s.y2 = toDpf(static_cast<Zpp32s>(half2) * (2 << gain));
-  s.x1 = low16(x1), s.x2 = low16(x2);
+  s.x1 = x[len + 2], s.x2 = x[len + 1];
   return true;
 }
 

@@ -5,6 +5,8 @@
 
 // Element-wise kernels accept a destination that is one of their sources. Shift counts and scale factors have been checked.
 // ownLShiftC_16s drops the upper bits, ownLShiftCSat_16s (shift 0..15) saturates.
+//
+// ownHighPassInputs: dst[n] is the sum of b[k] * src[n - k], k = 0..3, modulo 2^32. src[-3..len-1].
 #define ZPP_CORE_KERNELS(KERNEL)                                                                                     \
   KERNEL(ownSet_16s, W7, void(Zpp16s value, Zpp16s * dst, int len))                                                  \
   KERNEL(ownSet_32s, W7, void(Zpp32s value, Zpp32s * dst, int len))                                                  \
@@ -15,6 +17,7 @@
   KERNEL(ownMul_16s32s_Sfs, W7, void(const Zpp16s* src1, const Zpp16s* src2, Zpp32s* dst, int len, int scaleFactor)) \
   KERNEL(ownMul_NR_16s_Sfs, W7, void(const Zpp16s* src1, const Zpp16s* src2, Zpp16s* dst, int len, int scaleFactor)) \
   KERNEL(ownMulC_NR_16s_Sfs, W7, void(const Zpp16s* src, Zpp16s value, Zpp16s* dst, int len, int scaleFactor))       \
+  KERNEL(ownMulPowerC_NR_16s_Sfs, W7, void(const Zpp16s* src, Zpp16s value, Zpp16s* dst, int len, int scaleFactor))  \
   KERNEL(ownLShiftC_16s, W7, void(const Zpp16s* src, Zpp16s* dst, int len, int shift))                               \
   KERNEL(ownLShiftCSat_16s, W7, void(const Zpp16s* src, Zpp16s* dst, int len, int shift))                            \
   KERNEL(ownLShiftC_32s, W7, void(const Zpp32s* src, Zpp32s* dst, int len, int shift))                               \
@@ -34,12 +37,12 @@
   KERNEL(ownMaxAbs_16s, W7, Zpp16s(const Zpp16s* src, int len))                                                      \
   KERNEL(ownMaxIndx_32f, A6, int(const Zpp32f* src, int len))                                                        \
   KERNEL(ownMinIndx_32f, A6, int(const Zpp32f* src, int len))                                                        \
+  KERNEL(ownHighPassInputs_16s32s, W7, void(const Zpp16s* b, const Zpp16s* src, Zpp32s* dst, int len))               \
   KERNEL(ownLinToMuLaw_16s8u, W7_V3, void(const Zpp16s* src, Zpp8u* dst, int len))                                   \
   KERNEL(ownLinToALaw_16s8u, W7_V3, void(const Zpp16s* src, Zpp8u* dst, int len))
 
 ZPP_CORE_KERNELS(ZPP_DECLARE_KERNEL)
 
-void ownMulPowerC_NR_16s_Sfs(const Zpp16s* src, Zpp16s value, Zpp16s* dst, int len, int scaleFactor);
 int ownAutoScale_16s(const Zpp16s* src, Zpp16s* dst, int len);  // returns the shift applied
 void ownInvSqrt_32s(const Zpp32s* src, Zpp32s* dst, int len);
 void ownHighPassFilter_G729_16s(Zpp16s* srcDst, int len, int scaleFactor, void* state);

@@ -40,7 +40,7 @@ void ownMulC_NR_16s_Sfs_PX(const Zpp16s* src, Zpp16s value, Zpp16s* dst, int len
   for (int n = 0; n < len; ++n) dst[n] = sat16(shrRoundHalfUp(Zpp32s{src[n]} * value, scaleFactor));
 }
 
-void ownMulPowerC_NR_16s_Sfs(const Zpp16s* src, Zpp16s value, Zpp16s* dst, int len, int scaleFactor) {
+void ownMulPowerC_NR_16s_Sfs_PX(const Zpp16s* src, Zpp16s value, Zpp16s* dst, int len, int scaleFactor) {
   const auto multiply = [=](auto narrow) {
     dst[0] = src[0];
     Zpp16s power = value;

@@ -142,6 +142,23 @@ void ownMulC_NR_16s_Sfs_W7(const Zpp16s* src, Zpp16s value, Zpp16s* dst, int len
 
 // The machine's vector shifts give zeros, or copies of the sign, for counts beyond the width.
 
+// The coefficients of filters of order 8 to 16
+void ownMulPowerC_NR_16s_Sfs_W7(const Zpp16s* src, Zpp16s value, Zpp16s* dst, int len, int scaleFactor) {
+  constexpr int kMost = 17;
+  if (scaleFactor != 15 || len < 9 || len > kMost) return ownMulPowerC_NR_16s_Sfs_PX(src, value, dst, len, scaleFactor);
+  alignas(16) Zpp16s powers[kMost - 1];
+  Zpp32s power = value;
+  for (int n = 0; n < len - 1; ++n) {
+    powers[n] = low16(power);
+    power = wrap16((power * value + (1 << 14)) >> 15);
+  }
+  const V x = load(src + 1), y = load(src + len - 8), first = load(powers), last = load(powers + len - 9);  // which may overlap
+  const auto round = [](V product) { return _mm_srai_epi32(_mm_add_epi32(product, _mm_set1_epi32(1 << 14)), 15); };
+  dst[0] = src[0];
+  store(dst + 1, _mm_packs_epi32(round(mulLow(x, first)), round(mulHigh(x, first))));
+  store(dst + len - 8, _mm_packs_epi32(round(mulLow(y, last)), round(mulHigh(y, last))));
+}
+
 void ownLShiftC_16s_W7(const Zpp16s* src, Zpp16s* dst, int len, int shift) {
   const int n = blocks<8>(len, [&](int i) { store(dst + i, _mm_sll_epi16(load(src + i), shiftCount(shift))); });
   ownLShiftC_16s_PX(src + n, dst + n, len - n, shift);

@@ -7,21 +7,29 @@ using namespace zpp;
 namespace {
 
 // The polynomial whose roots are five LSPs, every other one from lsp on: coefficients 0..5, Q24. Multiplied out without
-// looking: false when a step left 32 bits, which the standard saturates.
+// looking: false when a step left 32 bits, which the standard saturates. As long as four roots are multiplied none can: the
+// coefficients of (1 + z)^8 bound them, 70 at the most, of which two come to 112 in the last step, where 128 is too large.
 bool expandRootsExactly(const Zpp16s* lsp, Zpp32s* g) {
-  Zpp64s f[6] = {1 << 24, -1024 * lsp[0]}, beyond = 0;  // beyond: from bit 32 on set where something was
-  const auto within = [&beyond](Zpp64s x) {
-    beyond |= x + (Zpp64s{1} << 31);
-    return x;
-  };
+  Zpp64s f[6] = {1 << 24, -1024 * lsp[0]};
+  const auto multiplied = [&f](int m, Zpp64s q) { return (((f[m - 1] >> 1) * q) >> 15) * 4; };
 #pragma GCC unroll 4
-  for (int i = 2; i <= 5; ++i) {
+  for (int i = 2; i <= 4; ++i) {
     const Zpp64s q = lsp[2 * (i - 1)];
     f[i] = f[i - 2];
 #pragma GCC unroll 4
-    for (int m = i; m >= 2; --m) f[m] = within(within(f[m] + f[m - 2]) - within((((f[m - 1] >> 1) * q) >> 15) * 4));
-    f[1] = within(f[1] - 1024 * q);
+    for (int m = i; m >= 2; --m) f[m] += f[m - 2] - multiplied(m, q);
+    f[1] -= 1024 * q;
   }
+  const Zpp64s q = lsp[8];
+  Zpp64s beyond = 0;  // from bit 32 on set where something was
+  f[5] = f[3];
+#pragma GCC unroll 4
+  for (int m = 5; m >= 2; --m) {
+    const Zpp64s twice = multiplied(m, q);
+    f[m] += f[m - 2] - twice;
+    beyond |= (twice + (Zpp64s{1} << 31)) | (f[m] + (Zpp64s{1} << 31));
+  }
+  f[1] -= 1024 * q;
   for (int i = 0; i <= 5; ++i) g[i] = static_cast<Zpp32s>(f[i]);
   return beyond >> 32 == 0;
 }

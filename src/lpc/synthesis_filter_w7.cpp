@@ -113,7 +113,7 @@ int filterUnclamped(const Zpp16s* coef, const Zpp16s* src, Zpp16s* dst, int len,
     y4 = y2;
     y3 = y1;
     y2 = static_cast<Zpp64s>(sums) >> (32 + scaleFactor);
-    y1 = (Zpp64s{wrap32(static_cast<Zpp32u>(sums) ^ 0x80000000)} - a1 * y2) >> scaleFactor;
+    y1 = (Zpp64s{static_cast<Zpp32u>(sums)} + kMin32 - a1 * y2) >> scaleFactor;
   };
   for (int n = 0; n + 4 <= len;) {
     alignas(16) Zpp32s outputs[kBlock];

@@ -185,6 +185,49 @@ TEST_F(Lsp, StabilityStepSwapsInOnePass) {
   EXPECT_NEAR(lsf[3], 8000, 4);
 }
 
+// The polynomial of five roots, multiplied out with saturation at every step
+std::array<Zpp32s, 6> expanded(const Zpp16s* lsp, bool& saturated) {
+  std::array<Zpp32s, 6> f = {1 << 24, -1024 * lsp[0]};
+  const auto sat = [&saturated](Zpp64s x) {
+    saturated |= x != zpp::sat32(x);
+    return Zpp64s{zpp::sat32(x)};
+  };
+  for (std::size_t i = 2; i <= 5; ++i) {
+    const Zpp64s q = lsp[2 * (i - 1)];
+    f[i] = f[i - 2];
+    for (std::size_t m = i; m >= 2; --m)
+      f[m] = static_cast<Zpp32s>(sat(sat(Zpp64s{f[m]} + f[m - 2]) - sat(((f[m - 1] >> 1) * q >> 15) * 4)));
+    f[1] = static_cast<Zpp32s>(sat(f[1] - 1024 * q));
+  }
+  return f;
+}
+
+// LSPs at both ends, where the last root of a polynomial leads beyond 32 bits, and nearer to 0, where it does not
+TEST_F(Lsp, PolynomialsSaturateStepByStep) {
+  int saturating = 0;
+  constexpr int kCases = 3000;
+  for (int n = 0; n < kCases; ++n) {
+    Ten lsp;
+    std::array<Zpp16s, 11> a;
+    const int sides = n % 3, level = n % 8 == 0 ? 32767 : between(16384, 32767);
+    for (auto& x : lsp) {
+      x = static_cast<Zpp16s>(level - between(0, 255));
+      if (sides == 0 || (sides == 1 && between(0, 9) == 0)) x = static_cast<Zpp16s>(~x);
+    }
+    zppsLSPToLPC_G729_16s(lsp.data(), a.data());
+    bool saturated = false;
+    const auto f1 = expanded(lsp.data(), saturated), f2 = expanded(lsp.data() + 1, saturated);
+    saturating += saturated;
+    for (std::size_t i = 1; i <= 5; ++i) {
+      const Zpp32s sum = zpp::addSat32(f1[i], f1[i - 1]), difference = zpp::subSat32(f2[i], f2[i - 1]);
+      ASSERT_EQ(a[i], zpp::low16(zpp::shrRound32(zpp::addSat32(sum, difference), 13)));
+      ASSERT_EQ(a[11 - i], zpp::low16(zpp::shrRound32(zpp::subSat32(sum, difference), 13)));
+    }
+  }
+  EXPECT_GT(saturating, kCases / 4);
+  EXPECT_LT(saturating, kCases * 3 / 4);
+}
+
 TEST_F(Lsp, RootSearchFindsTheLspsOfAFilter) {
   int searches = 0;
   for (int n = 0; n < 500; ++n) {

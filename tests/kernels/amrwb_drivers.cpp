@@ -100,9 +100,6 @@ DRIVE(ownHighBandFilter_AMRWB_16s_I, {{1, 3, 4, 79, 80, 81, 200}, {80}}) {
   auto* samples = rig.inOut<Zpp16s>(n, static_cast<Zpp16s>(-most), most);
   rig.run(low ? lowPass7kHz : bandPass6To7kHz, samples, n, low ? 0 : 2, mem);
 }
-DRIVE(ownHighPassInputs_16s32s, {{1, 7, 8, 9, 64}, {64}}) {
-  rig.run(rig.in<Zpp16s>(4), rig.in<Zpp16s>(n, -32768, 32767, 3), rig.out<Zpp32s>(n), n);
-}
 DRIVE(ownPreemphasize_AMRWB_16s_I, {{1, 7, 8, 9, 64, 268}, {64, 268}}) {
   auto* mem = rig.inOut<Zpp16s>(1);
   const auto gamma = static_cast<Zpp16s>(rig.scalar(0, 3) == 0 ? -32768 + rig.scalar(0, 1) : rig.scalar(-32768, 32767));

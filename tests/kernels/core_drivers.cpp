@@ -25,6 +25,10 @@ DRIVE(ownMul_NR_16s_Sfs, upTo(200)) { rig.run(rig.in<Zpp16s>(n), rig.in<Zpp16s>(
 DRIVE(ownMulC_NR_16s_Sfs, upTo(200)) {
   rig.run(rig.in<Zpp16s>(n), rig.scalar<Zpp16s>(-32768, 32767), rig.out<Zpp16s>(n), n, rig.scalar(0, 35));
 }
+DRIVE(ownMulPowerC_NR_16s_Sfs, upTo(40, {11, 17})) {
+  const int scaleFactor = rig.keep || rig.scalar(0, 3) > 0 ? 15 : rig.scalar(0, 35);
+  rig.run(rig.in<Zpp16s>(n), rig.scalar<Zpp16s>(-32768, 32767), rig.out<Zpp16s>(n), n, scaleFactor);
+}
 DRIVE(ownLShiftC_16s, upTo(200)) { rig.run(rig.in<Zpp16s>(n), rig.out<Zpp16s>(n), n, rig.scalar(0, 20)); }
 DRIVE(ownLShiftCSat_16s, upTo(200, {40, 223})) {
   rig.run(rig.in<Zpp16s>(n), rig.out<Zpp16s>(n), n, rig.keep ? 3 : rig.scalar(0, 15));
@@ -46,6 +50,9 @@ DRIVE(ownMaxAbs_16s, upTo(200)) { rig.run(rig.in<Zpp16s>(n), n); }
 DRIVE(ownMinIndx_16s, upTo(200)) { rig.run(rig.in<Zpp16s>(n), n); }
 DRIVE(ownMaxIndx_32f, upTo(200)) { rig.run(rig.in<Zpp32f>(n), n); }
 DRIVE(ownMinIndx_32f, upTo(200)) { rig.run(rig.in<Zpp32f>(n), n); }
+DRIVE(ownHighPassInputs_16s32s, {{1, 7, 8, 9, 64, 80}, {64, 80}}) {
+  rig.run(rig.in<Zpp16s>(4), rig.in<Zpp16s>(n, -32768, 32767, 3), rig.out<Zpp32s>(n), n);
+}
 DRIVE(ownLinToMuLaw_16s8u, upTo(200, {160})) { rig.run(rig.in<Zpp16s>(n), rig.out<Zpp8u>(n), n); }
 DRIVE(ownLinToALaw_16s8u, upTo(200, {160})) { rig.run(rig.in<Zpp16s>(n), rig.out<Zpp8u>(n), n); }
 

@@ -57,7 +57,7 @@ Zpp32s harmlessOutput(const HighPassState& s, int order, int largestInput) {
 // The samples until the end or the first output beyond +-limit, which keeps it from saturating; returns their number. The
 // filter's pace is the way from one output to the next: all else is kept off it. Both words of a past output are multiplied at
 // once: (y / 2) * a >> 14 is the sum of the upper word's doubled product and of the lower word's, which the standard scales by
-// itself. inputs: the inputs' share of the sums.
+// itself. inputs: half the inputs' share of the sums.
 template <int order, int shift>
 int recursion(const HighPassState& s, const Zpp32s* inputs, Zpp16s* dst, int len, Zpp32s limit, Zpp32s* y) {
   constexpr Zpp32s half = 0x8000 >> (shift - 1);
@@ -68,7 +68,7 @@ int recursion(const HighPassState& s, const Zpp32s* inputs, Zpp16s* dst, int len
   for (; n < len; ++n) {
     Zpp64s past = y2 * a2 + 8192;
     if constexpr (order == 3) past += y3 * a3;
-    const Zpp32s acc = addWrap32(wrap32((past + y1 * a1) >> 14), inputs[n]);
+    const Zpp32s acc = addWrap32(wrap32((past + y1 * a1) >> 14), shlWrap32(inputs[n], 1));
     if (acc > accLimit || acc < -accLimit) [[unlikely]]
       break;
     const Zpp32s out = acc * (1 << shift);

@@ -12,7 +12,6 @@ inline constexpr int kHighPassStateSize = 40;
 //   ownDecimateBy2: even, 4..256.
 // ownHighBandFilter: any length; the input is shifted right by inputShift first; coef: 31 taps, symmetric, their magnitudes
 //   below 2^18 together.
-// ownHighPassInputs: dst[n] = twice the sum of b[k] * src[n - k], k = 0..3, modulo 2^32. src[-3..len-1].
 // ownResidualFilter: src[-16..len-1].
 // ownSynthesisFilter_AMRWB_16s_I: order 16 or 20; the input counts inputFactor times, the sum is shifted left; mem: past
 //   outputs, oldest first.
@@ -22,7 +21,6 @@ inline constexpr int kHighPassStateSize = 40;
   KERNEL(ownUpSampling_AMRWB_16s, W7, void(const Zpp16s* src, Zpp16s* dst, int len, Zpp16s* mem))                           \
   KERNEL(ownDecimateBy2_AMRWB_16s_I, W7, void(Zpp16s * srcDst, int len, Zpp16s* mem))                                       \
   KERNEL(ownHighBandFilter_AMRWB_16s_I, W7, void(const Zpp16s* coef, Zpp16s* srcDst, int len, int inputShift, Zpp16s* mem)) \
-  KERNEL(ownHighPassInputs_16s32s, W7, void(const Zpp16s* b, const Zpp16s* src, Zpp32s* dst, int len))                      \
   KERNEL(ownPreemphasize_AMRWB_16s_I, W7, void(Zpp16s * srcDst, int len, Zpp16s gamma, int shift, Zpp16s* mem))             \
   KERNEL(ownPreemphasisScale_AMRWB_16s, W7, int(const Zpp16s* src, int len, Zpp16s gamma, Zpp16s prev))                     \
   KERNEL(ownResidualFilter_AMRWB_16s, W7, void(const Zpp16s* lpc, const Zpp16s* src, Zpp16s* dst, int len))                 \

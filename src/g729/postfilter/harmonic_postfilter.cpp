@@ -5,6 +5,7 @@
 #include "core/fixed_point.h"
 #include "core/kernels.h"
 #include "g729/postfilter/kernels.h"
+#include "lpc/dot_product.h"
 #include "lpc/kernels.h"
 
 using namespace zpp;
@@ -13,34 +14,52 @@ namespace {
 
 constexpr int kSubframe = kPostfilterSubframe, kLongestDelay = 143, kDelays = 7;
 
-// The delay 0..6 less than `past` of the largest correlation, the smallest wins a tie; sums doubled, saturated at every step
-LagMax searchDelay(const Zpp16s* current, const Zpp16s* past) {
-  // Magnitudes of 12 bits: a doubled sum of 40 products stays below 2^31, and so does every partial sum.
-  constexpr Zpp16s most = 1 << 12;
-  if (ownMaxAbs_16s(current, kSubframe) <= most && ownMaxAbs_16s(past - (kDelays - 1), kSubframe + kDelays - 1) <= most)
-    return ownCrossCorrLagMax_Inv_16s(current, past, kSubframe, 0, kDelays - 1);
-  LagMax best = {kMin32, 0};
-  for (int lag = 0; lag < kDelays; ++lag) {
-    Zpp32s sum = 0;
-    for (int n = 0; n < kSubframe; ++n) sum = macDbl(sum, current[n], past[n - lag]);
-    if (sum > best.value) best = {sum, lag};
-  }
-  return best;
+// How the residual, with two bits less, is matched by the past at the best of seven delays: doubled sums, saturated at
+// every step, those of squares a unit more
+struct Match {
+  LagMax best;  // 0..6 more than the shortest delay; the smallest wins a tie
+  Zpp32s delayedEnergy, currentEnergy;
+};
+
+// past: at the shortest delay
+Match matchExactly(const Zpp16s* current, const Zpp16s* past) {
+  Zpp32s sums[kDelays];  // the longest delay first
+  ownCorr_16s32s(current, past - (kDelays - 1), kSubframe, sums, kDelays);
+  LagMax best = {sums[kDelays - 1], 0};
+  for (int lag = 1; lag < kDelays; ++lag)
+    if (sums[kDelays - 1 - lag] > best.value) best = {sums[kDelays - 1 - lag], lag};
+  const Zpp16s* const delayed = past - best.lag;
+  return {{2 * best.value, best.lag},
+          1 + 2 * exactDotProduct<kSubframe>(delayed, delayed),
+          1 + 2 * exactDotProduct<kSubframe>(current, current)};
 }
 
-// 1 + 2 * sum of squares, saturated
-Zpp32s energyOf(const Zpp16s* src) { return sat32(1 + 2 * ownDotProd_16s(src, src, kSubframe)); }
+Match matchSaturating(const Zpp16s* current, const Zpp16s* past) {
+  LagMax best = {kMin32, 0};
+  for (int lag = 0; lag < kDelays; ++lag) {
+    const Zpp32s sum = dotProductStepwise(current, past - lag, kSubframe);
+    if (sum > best.value) best = {sum, lag};
+  }
+  return {best, energy(past - best.lag, kSubframe, 1), energy(current, kSubframe, 1)};
+}
+
+// Magnitudes of 12 bits: a doubled sum of 40 products stays below 2^31, and so does every partial sum.
+bool sumsAreExact(const Zpp16s* current, const Zpp16s* past) {
+  constexpr Zpp16s most = 1 << 12;
+  return ownMaxAbs_16s(current, kSubframe) <= most && ownMaxAbs_16s(past - (kDelays - 1), kSubframe + kDelays - 1) <= most;
+}
 
 void ownHarmonicPostFilter_G729A_16s(int delay, const Zpp16s* residual, Zpp16s* dst) {
+  constexpr int kRead = kSubframe + 8;  // kDelays - 1 would do; kernels like multiples of eight
   const int shortest = delay + 3 > kLongestDelay ? kLongestDelay - (kDelays - 1) : delay - 3;
-  Zpp16s current[kSubframe], delayed[kDelays - 1 + kSubframe];
+  Zpp16s current[kSubframe], delayed[kRead];
   const Zpp16s* past = delayed + kDelays - 1;  // delayed by the shortest delay
   ownRShiftC_16s(residual, current, kSubframe, 2);
-  ownRShiftC_16s(residual - shortest - (kDelays - 1), delayed, kDelays - 1 + kSubframe, 2);
+  ownRShiftC_16s(residual - shortest - (kDelays - 1), delayed, kRead, 2);
 
-  const LagMax best = searchDelay(current, past);
+  const auto [best, delayedEnergy, currentEnergy] =
+      sumsAreExact(current, past) ? matchExactly(current, past) : matchSaturating(current, past);
   const Zpp32s correlation = best.value < 0 ? 0 : best.value;
-  const Zpp32s delayedEnergy = energyOf(past - best.lag), currentEnergy = energyOf(current);
   Zpp32s most = correlation > delayedEnergy ? correlation : delayedEnergy;
   if (currentEnergy > most) most = currentEnergy;
   const int shift = norm32(most);

@@ -27,13 +27,15 @@ void ownTiltCompensation_G729_16s(Zpp16s tilt, Zpp16s* srcDst, Zpp16s* memory) {
 
 // Annex A: 1 - k z^-1 with 0.8 of the first correlation coefficient of the response, when that is positive
 void ownTiltCompensation_G729A_16s(const Zpp16s* coef, Zpp16s* srcDst) {
-  Zpp16s response[kResponse + 2] = {};  // two more than count: filters like multiples of four
+  constexpr int kComputed = kResponse + 2;  // kernels like multiples of eight
+  Zpp16s response[kComputed + 1] = {};
   std::memcpy(response, coef, (kLpcOrder + 1) * sizeof *response);
-  ownSynthesisFilter_NR_16s(coef + kLpcOrder + 1, response, response, kResponse + 2, 12, nullptr);
-  const Zpp64s energy = 2 * ownDotProd_16s(response, response, kResponse);
+  ownSynthesisFilter_NR_16s(coef + kLpcOrder + 1, response, response, kComputed, 12, nullptr);
+  response[kResponse] = response[kResponse + 1] = 0;
+  const Zpp64s energy = 2 * ownDotProd_16s(response, response, kComputed);
   Zpp32s correlation = 0;
   if (energy <= kMax32)  // which bounds every partial sum of the correlation as well
-    correlation = static_cast<Zpp32s>(2 * ownDotProd_16s(response, response + 1, kResponse - 1));
+    correlation = static_cast<Zpp32s>(2 * ownDotProd_16s(response, response + 1, kComputed));
   else
     for (int i = 0; i + 1 < kResponse; ++i) correlation = macDbl(correlation, response[i], response[i + 1]);
 
