@@ -39,11 +39,11 @@ class BitReader {
   // The next 16 bits, which stay unread
   unsigned peek16() {
     if (ahead_ < 16) refill();
-    return static_cast<unsigned>(window_ >> 48);
+    return static_cast<unsigned>(window_ >> (kWindow - 16));
   }
   void skip(int bits) {
     position_ += bits;
-    const bool seen = bits <= ahead_ && bits < 64;
+    const bool seen = bits <= ahead_ && bits < kWindow;
     if (!seen) {
       next_ = static_cast<std::size_t>(position_ / 8);
       window_ = 0;
@@ -63,14 +63,16 @@ class BitReader {
 
  private:
   void refill() {
-    for (; ahead_ <= 56; ahead_ += 8)
-      if (next_ < octets_.size()) window_ |= std::uint64_t{octets_[next_++]} << (56 - ahead_);
+    for (; ahead_ <= kWindow - 8; ahead_ += 8)
+      if (next_ < octets_.size()) window_ |= std::size_t{octets_[next_++]} << (kWindow - 8 - ahead_);
   }
 
+  static constexpr int kWindow = 8 * sizeof(std::size_t);
+
   std::span<const std::uint8_t> octets_;
-  std::size_t next_ = 0;      // octet that the window has not
-  std::uint64_t window_ = 0;  // the next bits, from the highest on; zeros behind them
-  int ahead_ = 0;             // of them
+  std::size_t next_ = 0;    // octet that the window has not
+  std::size_t window_ = 0;  // the next bits, from the highest on; zeros behind them
+  int ahead_ = 0;           // of them
   int position_ = 0;
 };
 
