@@ -187,7 +187,7 @@ void ownPulseCorrelations_AMRWB_16s_W7(const Zpp16s* impulse, PulseTarget* targe
       const V signsTwice[2] = {_mm_unpacklo_epi16(signs, signs), _mm_unpackhi_epi16(signs, signs)};
       for (int side = 0; side < 2; ++side) {
         Zpp16s* const rows = target->cross[track] + 128 * block + 8 * side;
-        V upper[8];
+        V upper[8] = {};  // filled where it is used, which compilers do not always see
         if (block <= side) {
           unrolled<8>([&](int k)
                           __attribute__((always_inline)) { upper[k] = load(later[track] + 128 * side + 16 * k + 8 * block); });
